@@ -1,0 +1,34 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Compiler settings that every target shares, and the one way in which a floor of the house is declared.
+
+add_library(plumetta_options INTERFACE)
+target_compile_options(plumetta_options INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Werror=return-type)
+if(PLUMETTA_SANITIZE)
+  target_compile_options(plumetta_options INTERFACE -fsanitize=${PLUMETTA_SANITIZE} -fno-omit-frame-pointer
+                         -fno-sanitize-recover=all)
+  target_link_options(plumetta_options INTERFACE -fsanitize=${PLUMETTA_SANITIZE})
+endif()
+if(PLUMETTA_FUZZ)
+  target_compile_options(plumetta_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(WIN32)
+  target_compile_definitions(plumetta_options INTERFACE _WIN32_WINNT=0x0A00 UNICODE= _UNICODE= NOMINMAX
+                             WIN32_LEAN_AND_MEAN)
+endif()
+find_package(Threads REQUIRED)
+
+# plumetta_floor(NAME LINKS...): the library of src/NAME from its own sources, resting on the floors it may use.
+function(plumetta_floor name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
+  if(name STREQUAL "platform")
+    if(WIN32)
+      file(GLOB system CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/platform/windows/*.cpp)
+    else()
+      file(GLOB system CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/platform/posix/*.cpp)
+    endif()
+    list(APPEND sources ${system})
+  endif()
+  add_library(plumetta_${name} STATIC ${sources})
+  target_include_directories(plumetta_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(plumetta_${name} PUBLIC plumetta_options ${ARGN})
+endfunction()
