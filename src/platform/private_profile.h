@@ -2,7 +2,7 @@
 #pragma once
 
 #include <string>
-#include <vector>
+#include <string_view>
 
 namespace plumetta {
 
@@ -14,6 +14,10 @@ std::string readProfileString(const std::string& path, const std::string& sectio
                               const std::string& fallback);
 // Leading blanks and a sign are taken, then digits up to the first other character; hexadecimal after "0x".
 int readProfileInt(const std::string& path, const std::string& section, const std::string& key, int fallback);
+// The number that an integer read finds in a value; 0 when it doesn't begin with one.
+int parseProfileInt(const std::string& value);
+// Whether two section or key names are the same one.
+bool sameProfileName(std::string_view a, std::string_view b);
 // Replaces or adds one key and leaves every other line as it stands. False when the file can't be written.
 bool writeProfileString(const std::string& path, const std::string& section, const std::string& key,
                         const std::string& value);

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/application.h"
+
+#include <algorithm>
+
+#include "platform/paths.h"
+
+namespace plumetta {
+
+Application::Application(Prompter& prompter, FileSystem& files, const std::string& home)
+    : home_(programFolder(home)),
+      settingsFile_(joinPath(home_, "plumetta.cfg")),
+      undoFolder_(files, home_),
+      services_{files,     undoFolder_, audioLock_, prompter, history_, settings_.edit,
+                clipboard_} {
+  if (!home.empty()) {
+    if (const auto error = files.makeFolders(home_)) {
+      prompter.message("Unable to make the folder " + home_ + "\n" + error.message());
+    }
+  }
+  settingsFile_.load(settings_);
+  undoFolder_.removeLeftovers();
+}
+
+std::string Application::profilePath() const { return joinPath(home_, "plumetta.ini"); }
+
+bool Application::saveSettings() {
+  if (!services_.files.makeFolders(home_) && settingsFile_.save(settings_)) return true;
+  prompter().message("Unable to write the settings in " + home_);
+  return false;
+}
+
+CPlumettaDoc& Application::addDocument() {
+  return *documents_.emplace_back(std::make_unique<CPlumettaDoc>(services_));
+}
+
+CPlumettaDoc* Application::openDocument(const std::string& path, FileOutcome& outcome) {
+  auto document = std::make_unique<CPlumettaDoc>(services_);
+  outcome = document->load(path);
+  if (outcome != FileOutcome::done) return nullptr;
+  return documents_.emplace_back(std::move(document)).get();
+}
+
+CPlumettaDoc* Application::newDocument(uint32_t sampleRate, int channels, int bits, int64_t frames,
+                                       uint16_t formatTag) {
+  auto document = std::make_unique<CPlumettaDoc>(services_);
+  if (!document->createNew(sampleRate, channels, bits, frames, formatTag)) return nullptr;
+  return documents_.emplace_back(std::move(document)).get();
+}
+
+void Application::closeDocument(CPlumettaDoc& document) {
+  std::erase_if(documents_, [&](const auto& own) { return own.get() == &document; });
+}
+
+}  // namespace plumetta

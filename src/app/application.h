@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/settings.h"
+#include "core/audio_lock.h"
+#include "core/prompter.h"
+#include "core/undo_folder.h"
+#include "doc/document.h"
+#include "doc/document_services.h"
+#include "platform/file_system.h"
+
+namespace plumetta {
+
+// Everything that is there once for all documents: settings, audio lock, clipboard, history, and the open
+// documents themselves. No window anywhere in it. UI thread.
+class Application {
+ public:
+  // `home` overrides the program's own folder; it is made when missing. Empty means the usual one.
+  Application(Prompter& prompter, FileSystem& files, const std::string& home);
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
+  const std::string& homeFolder() const { return home_; }
+  // Where the window keeps its own state and each dialog its last values.
+  std::string profilePath() const;
+
+  Settings& settings() { return settings_; }
+  // Writes the settings back; tells the person when that fails.
+  bool saveSettings();
+
+  Prompter& prompter() { return services_.prompter; }
+  FileSystem& files() { return services_.files; }
+  HistoryList& history() { return history_; }
+  const CWave* clipboard() const { return clipboard_.get(); }
+
+  // A document of its own, untitled and silent for a tenth of a second. Never null.
+  CPlumettaDoc& addDocument();
+  // Null when the file could not be opened (a message has said so) or the person cancelled.
+  CPlumettaDoc* openDocument(const std::string& path, FileOutcome& outcome);
+  // Null when no buffer can have these values.
+  CPlumettaDoc* newDocument(uint32_t sampleRate, int channels, int bits, int64_t frames, uint16_t formatTag);
+  void closeDocument(CPlumettaDoc& document);
+  // In the order of opening.
+  const std::vector<std::unique_ptr<CPlumettaDoc>>& documents() const { return documents_; }
+
+ private:
+  std::string home_;
+  AudioLock audioLock_;
+  HistoryList history_;
+  Settings settings_;
+  SettingsFile settingsFile_;
+  std::unique_ptr<CWave> clipboard_;
+  UndoFolder undoFolder_;
+  DocumentServices services_;
+  std::vector<std::unique_ptr<CPlumettaDoc>> documents_;
+};
+
+}  // namespace plumetta

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <cmath>
+
+#include "doc/command.h"
+
+namespace plumetta {
+namespace {
+
+CommandOutcome refuse(CPlumettaDoc& doc, const Refusal& refusal) {
+  if (!refusal.message.empty()) doc.prompter().message(refusal.message);
+  return CommandOutcome::refused;
+}
+
+std::optional<Refusal> boundsRefusal(const Command& command, const Arguments& arguments) {
+  for (size_t i = 0; i < command.parameters.size(); ++i) {
+    const Parameter& parameter = command.parameters[i];
+    if (!withinBounds(parameter, arguments[i])) return Refusal{parameter.outOfBounds};
+  }
+  return std::nullopt;
+}
+
+std::optional<Refusal> runUnderLock(CommandCall& call, const Command& command) {
+  if (!command.takesLock) return command.run(call);
+  const AudioLockHeld lock(call.doc.services().audioLock);
+  return command.run(call);
+}
+
+void refreshViews(CPlumettaDoc& doc, Command::Changes changes) {
+  if (changes == Command::Changes::samples) doc.samplesChanged();
+  if (changes == Command::Changes::annotations) doc.annotationsChanged();
+}
+
+}  // namespace
+
+int64_t FrameOrTime::frames(uint32_t sampleRate) const {
+  const double exact = inSeconds ? std::round(value * sampleRate) : value;
+  constexpr double kBeyondAnyFile = 9.0e15;
+  if (std::isnan(exact)) return 0;
+  return static_cast<int64_t>(std::fmax(-kBeyondAnyFile, std::fmin(exact, kBeyondAnyFile)));
+}
+
+bool withinBounds(const Parameter& parameter, const ParameterValue& value) {
+  double number = 0;
+  if (const auto* integer = std::get_if<int64_t>(&value)) {
+    number = static_cast<double>(*integer);
+  } else if (const auto* real = std::get_if<double>(&value)) {
+    number = *real;
+  } else {
+    return true;
+  }
+  return number >= parameter.minimum && number <= parameter.maximum;
+}
+
+CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments arguments) {
+  if (const auto refusal = boundsRefusal(command, arguments)) return refuse(doc, *refusal);
+  CommandCall call(doc, std::move(arguments));
+  const BusyScope busy(doc.prompter());
+  if (command.check != nullptr) {
+    if (const auto refusal = command.check(call)) return refuse(doc, *refusal);
+  }
+  std::unique_ptr<UndoStep> step;
+  if (const auto kind = command.undoKind != nullptr ? command.undoKind(call) : std::nullopt) {
+    doc.journal().setInRam(doc.services().settings.undoInRam ? 1 : 0);
+    step = doc.journal().makeStep(*kind);
+  }
+  if (const auto refusal = runUnderLock(call, command)) return refuse(doc, *refusal);
+  if (step) doc.journal().push(std::move(step));
+  refreshViews(doc, command.changes);
+  if (call.named && command.historyName != nullptr) doc.services().history.add(command.historyName(call));
+  if (command.changes != Command::Changes::nothing) doc.setModified(true);
+  return CommandOutcome::done;
+}
+
+CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command) {
+  return runCommand(doc, command, fallbackArguments(command));
+}
+
+Arguments fallbackArguments(const Command& command) {
+  Arguments arguments;
+  for (const Parameter& parameter : command.parameters) arguments.push_back(parameter.fallback);
+  return arguments;
+}
+
+}  // namespace plumetta

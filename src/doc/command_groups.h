@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <vector>
+
+#include "doc/command.h"
+
+namespace plumetta {
+
+// The rows of the command table, by subject. Each group lives in a file of its own.
+std::vector<Command> editCommands();      // clipboard, trim, delete, insert silence, undo, redo
+std::vector<Command> markerCommands();    // markers, loops and regions
+std::vector<Command> envelopeCommands();  // volume envelope points
+
+// Kinds of undo step and history names for rows.
+template <UndoKind kind>
+std::optional<UndoKind> undoAs(CommandCall&) {
+  return kind;
+}
+template <int effectNumber>
+std::string effectName(CommandCall&);
+
+// A parameter that stands by its place.
+Parameter positionalFrame(const char* key, const char* label);
+Parameter positionalInteger(const char* key, const char* label, double minimum, double maximum);
+Parameter positionalReal(const char* key, const char* label, const char* unit, double minimum, double maximum);
+
+}  // namespace plumetta
+
+#include "doc/effect_names.h"
+
+namespace plumetta {
+
+template <int effectNumber>
+std::string effectName(CommandCall&) {
+  return EffectNames[effectNumber];
+}
+
+}  // namespace plumetta

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <iterator>
+
+#include "doc/command_groups.h"
+
+namespace plumetta {
+
+const std::vector<Command>& commandTable() {
+  static const std::vector<Command> table = [] {
+    std::vector<Command> all;
+    for (auto group : {editCommands(), markerCommands(), envelopeCommands()}) {
+      std::move(group.begin(), group.end(), std::back_inserter(all));
+    }
+    return all;
+  }();
+  return table;
+}
+
+const Command* findCommand(std::string_view id) {
+  for (const Command& command : commandTable()) {
+    if (id == command.id) return &command;
+  }
+  return nullptr;
+}
+
+Parameter positionalFrame(const char* key, const char* label) {
+  return {key, label, "frames", ParameterType::frame, true, FrameOrTime{}, 0, 0, ""};
+}
+
+Parameter positionalInteger(const char* key, const char* label, double minimum, double maximum) {
+  return {key, label, "", ParameterType::integer, true, int64_t{0}, minimum, maximum, ""};
+}
+
+Parameter positionalReal(const char* key, const char* label, const char* unit, double minimum,
+                         double maximum) {
+  return {key, label, unit, ParameterType::real, true, 0.0, minimum, maximum, ""};
+}
+
+}  // namespace plumetta

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The volume envelope: its points, its life and its death.
+#include <cstdio>
+
+#include "doc/command_groups.h"
+
+namespace plumetta {
+namespace {
+
+using Changes = Command::Changes;
+
+constexpr const char* kDeleteQuestion = "Do you want to delete all the volume envelope?";
+
+Parameter channelParameter() { return positionalInteger("channel", "Channel", 0, kMaxChannels - 1); }
+
+// A flat envelope with a channel for each of the audio's, where there is none yet.
+void makeActive(CWave& wave) {
+  if (wave.envelope.active() && wave.envelope.channelCount() == wave.channels()) return;
+  wave.envelope.setLengthField(wave.frames());
+  while (wave.envelope.channelCount() < wave.channels()) wave.envelope.addChannel();
+}
+
+std::optional<Refusal> needAudio(CommandCall& call) {
+  if (call.doc.wave().frames() == 0) return Refusal{};
+  return std::nullopt;
+}
+
+std::optional<Refusal> needActive(CommandCall& call) {
+  if (!call.doc.wave().envelope.active()) return Refusal{};
+  return std::nullopt;
+}
+
+// ---- Points ---------------------------------------------------------------------------------------------
+
+enum PointArgument : size_t { kPosition, kValue, kChannel, kKind };
+
+std::optional<Refusal> checkPoint(CommandCall& call) {
+  const CWave& wave = call.doc.wave();
+  const int64_t position = call.frames(kPosition);
+  if (call.integer(kChannel) >= wave.channels() || position < 1 || position >= wave.frames()) return Refusal{};
+  const auto channel = static_cast<int>(call.integer(kChannel));
+  for (int i = 0; i < wave.envelope.pointCount(channel); ++i) {
+    if (wave.envelope.point(i, channel).position == position) return Refusal{};
+  }
+  // The end points of an envelope that is still to be made.
+  if (!wave.envelope.active() && position == wave.frames() - 1) return Refusal{};
+  return std::nullopt;
+}
+
+std::optional<Refusal> runPoint(CommandCall& call) {
+  CWave& wave = call.doc.wave();
+  const auto position = static_cast<int32_t>(call.frames(kPosition));
+  const auto value = static_cast<float>(call.real(kValue));
+  const auto channel = static_cast<int>(call.integer(kChannel));
+  makeActive(wave);
+  if (!wave.envelope.insertPoint(position, value, channel, static_cast<EnvelopeKind>(call.integer(kKind)))) {
+    return Refusal{};
+  }
+  char text[96];
+  std::snprintf(text, sizeof text, "Volume point added : ch=%d at %d (%2.2f)", channel, position, value);
+  call.doc.prompter().status(text);
+  return std::nullopt;
+}
+
+std::optional<Refusal> checkRemovePoint(CommandCall& call) {
+  const CVolumeEnvelope& envelope = call.doc.wave().envelope;
+  const int64_t index = call.integer(0);
+  const int64_t last = envelope.pointCount(static_cast<int>(call.integer(1))) - 1;
+  if (index <= 0 || index >= last) return Refusal{};
+  return std::nullopt;
+}
+
+std::optional<Refusal> runRemovePoint(CommandCall& call) {
+  const auto index = static_cast<int>(call.integer(0));
+  const auto channel = static_cast<int>(call.integer(1));
+  call.doc.wave().envelope.removePoint(index, channel);
+  char text[96];
+  std::snprintf(text, sizeof text, "Volume point suppressed : ch=%d num=%d", channel, index);
+  call.doc.prompter().status(text);
+  return std::nullopt;
+}
+
+// ---- The whole envelope ---------------------------------------------------------------------------------
+
+std::optional<Refusal> runReset(CommandCall& call) {
+  makeActive(call.doc.wave());
+  call.doc.wave().envelope.reset();
+  return std::nullopt;
+}
+
+std::optional<Refusal> checkClear(CommandCall& call) {
+  if (const auto refusal = needActive(call)) return refusal;
+  if (!call.doc.prompter().question(kDeleteQuestion)) return Refusal{};
+  return std::nullopt;
+}
+
+std::optional<Refusal> runClear(CommandCall& call) {
+  call.doc.wave().envelope.clear();
+  return std::nullopt;
+}
+
+std::optional<Refusal> checkInvert(CommandCall& call) {
+  if (call.integer(0) >= call.doc.wave().envelope.channelCount()) return Refusal{};
+  return needActive(call);
+}
+
+std::optional<Refusal> runInvert(CommandCall& call) {
+  call.doc.wave().envelope.invert(static_cast<int>(call.integer(0)));
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<Command> envelopeCommands() {
+  constexpr auto annotations = undoAs<UndoKind::annotations>;
+  const Parameter kind{"kind", "Kind", "", ParameterType::integer, false, int64_t{0}, 0, kEnvelopeKinds - 1, ""};
+  return {
+      {"envelope-point", "", "", Menu::none,
+       {positionalFrame("position", "Position"), positionalReal("value", "Value", "", 0, 1),
+        channelParameter(), kind},
+       checkPoint, annotations, false, runPoint, effectName<effect::kVolumePointAdded>, Changes::annotations},
+      {"envelope-remove", "", "", Menu::none,
+       {positionalInteger("index", "Point", 0, kMaxFrames), channelParameter()}, checkRemovePoint, annotations,
+       false, runRemovePoint, effectName<effect::kVolumePointRemoved>, Changes::annotations},
+      {"envelope-reset", "&Flat volume envelope", "", Menu::volume, {}, needAudio, annotations, false, runReset,
+       effectName<effect::kVolumeReset>, Changes::annotations},
+      {"envelope-invert", "", "", Menu::none, {channelParameter()}, checkInvert, annotations, false, runInvert,
+       effectName<effect::kVolumeReversed>, Changes::annotations},
+      {"envelope-clear", "&Delete volume envelope", "", Menu::volume, {}, checkClear, annotations, false,
+       runClear, effectName<effect::kVolumeDeleted>, Changes::annotations},
+  };
+}
+
+}  // namespace plumetta

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Markers, loop points and the regions between markers.
+#include <random>
+
+#include "core/regions.h"
+#include "doc/command_groups.h"
+
+namespace plumetta {
+namespace {
+
+using Changes = Command::Changes;
+
+constexpr int kMaxScrambles = 1000000;
+
+Parameter labelParameter() {
+  return {"label", "Label", "", ParameterType::text, false, std::string{}, 0, 0, ""};
+}
+
+Parameter markerIndex() { return positionalInteger("index", "Marker", 0, kMaxFrames); }
+
+std::optional<Refusal> checkMarkerIndex(CommandCall& call) {
+  if (call.integer(0) >= call.doc.wave().markers.count()) return Refusal{};
+  return std::nullopt;
+}
+
+// A frame inside the file is asked for; what lies beyond the end is brought back to it later.
+std::optional<Refusal> checkFrame(CommandCall& call, size_t argument) {
+  if (call.doc.wave().frames() == 0 || call.frames(argument) < 0) return Refusal{};
+  return std::nullopt;
+}
+
+// ---- Markers --------------------------------------------------------------------------------------------
+
+std::optional<Refusal> runMarker(CommandCall& call) {
+  const std::string& label = call.text(1);
+  call.doc.wave().markers.add(call.doc.clampFrame(call.frames(0)),
+                              label.empty() ? std::nullopt : std::optional(label));
+  return std::nullopt;
+}
+
+std::optional<Refusal> checkMarkerMove(CommandCall& call) {
+  const auto refusal = checkMarkerIndex(call);
+  return refusal ? refusal : checkFrame(call, 1);
+}
+
+std::optional<Refusal> runMarkerMove(CommandCall& call) {
+  call.doc.wave().markers.setPosition(static_cast<int>(call.integer(0)), call.doc.clampFrame(call.frames(1)));
+  return std::nullopt;
+}
+
+std::optional<Refusal> runMarkerLabel(CommandCall& call) {
+  const std::string& label = call.text(1);
+  call.doc.wave().markers.setLabel(static_cast<int>(call.integer(0)),
+                                   label.empty() ? std::nullopt : std::optional(label));
+  return std::nullopt;
+}
+
+std::optional<Refusal> runMarkerDelete(CommandCall& call) {
+  call.doc.wave().markers.remove(static_cast<int>(call.integer(0)));
+  call.doc.selectedMarker.reset();
+  return std::nullopt;
+}
+
+std::optional<Refusal> runMarkerClear(CommandCall& call) {
+  call.doc.wave().markers.clear();
+  call.doc.selectedMarker.reset();
+  return std::nullopt;
+}
+
+std::optional<Refusal> needSelection(CommandCall& call) {
+  if (!call.doc.view().hasSelection()) return Refusal{"Create selection first"};
+  return std::nullopt;
+}
+
+std::optional<Refusal> runMarkSelection(CommandCall& call) {
+  const auto [first, last] = call.doc.selectionOrPoint();
+  call.doc.wave().markers.add(first);
+  call.doc.wave().markers.add(last);
+  return std::nullopt;
+}
+
+// ---- Loops ----------------------------------------------------------------------------------------------
+
+std::optional<Refusal> checkLoop(CommandCall& call) {
+  const auto refusal = checkFrame(call, 0);
+  return refusal ? refusal : checkFrame(call, 1);
+}
+
+std::optional<Refusal> runLoop(CommandCall& call) {
+  call.doc.wave().loops.setLoop(call.doc.clampFrame(call.frames(0)), call.doc.clampFrame(call.frames(1)));
+  return std::nullopt;
+}
+
+std::optional<Refusal> runLoopOfSelection(CommandCall& call) {
+  const auto [first, last] = call.doc.selectionOrPoint();
+  call.doc.wave().loops.setLoop(first, last);
+  return std::nullopt;
+}
+
+std::optional<Refusal> runLoopClear(CommandCall& call) {
+  call.doc.wave().loops.clear();
+  return std::nullopt;
+}
+
+// ---- Regions --------------------------------------------------------------------------------------------
+
+std::optional<Refusal> checkSwap(CommandCall& call) {
+  for (const size_t argument : {0u, 1u}) {
+    if (call.frames(argument) < 0 || call.frames(argument) >= call.doc.wave().frames()) return Refusal{};
+  }
+  return std::nullopt;
+}
+
+std::optional<Refusal> runSwap(CommandCall& call) {
+  swapRegions(call.doc.wave(), static_cast<int32_t>(call.frames(0)), static_cast<int32_t>(call.frames(1)));
+  return std::nullopt;
+}
+
+std::optional<Refusal> needMarkers(CommandCall& call) {
+  if (call.doc.wave().markers.empty()) return Refusal{"Create marker/region first"};
+  return std::nullopt;
+}
+
+std::optional<Refusal> runScramble(CommandCall& call) {
+  std::mt19937 random(std::random_device{}());
+  scrambleRegions(call.doc.wave(), static_cast<int>(call.integer(0)), [&] { return random(); });
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<Command> markerCommands() {
+  constexpr auto annotations = undoAs<UndoKind::annotations>;
+  return {
+      {"marker", "", "", Menu::marker, {positionalFrame("frame", "Position"), labelParameter()},
+       [](CommandCall& call) { return checkFrame(call, 0); }, annotations, false, runMarker,
+       effectName<effect::kMarkerCreated>, Changes::annotations},
+      {"marker-move", "", "", Menu::none, {markerIndex(), positionalFrame("frame", "Position")},
+       checkMarkerMove, annotations, false, runMarkerMove,
+       [](CommandCall&) -> std::string { return "Marker moved"; }, Changes::annotations},
+      {"marker-label", "", "", Menu::none, {markerIndex(), labelParameter()}, checkMarkerIndex, annotations,
+       false, runMarkerLabel, [](CommandCall&) -> std::string { return "Marker renamed"; },
+       Changes::annotations},
+      {"marker-delete", "", "", Menu::none, {markerIndex()}, checkMarkerIndex, annotations, false,
+       runMarkerDelete, effectName<effect::kMarkerDeleted>, Changes::annotations},
+      {"marker-selection", "Mark &selection", "Ctrl+M", Menu::marker, {}, needSelection, annotations, false,
+       runMarkSelection, effectName<effect::kSelectionMarked>, Changes::annotations},
+      {"marker-clear", "&Remove all markers", "", Menu::marker, {}, nullptr, annotations, false,
+       runMarkerClear, effectName<effect::kMarkersCleared>, Changes::annotations},
+      {"loop", "", "", Menu::none, {positionalFrame("from", "Start"), positionalFrame("to", "End")}, checkLoop,
+       annotations, false, runLoop, effectName<effect::kLoopCreated>, Changes::annotations},
+      {"loop-selection", "&Loop from selection", "Ctrl+L", Menu::loop, {}, needSelection, annotations, false,
+       runLoopOfSelection, effectName<effect::kLoopCreated>, Changes::annotations},
+      {"loop-clear", "&Remove loop", "", Menu::loop, {}, nullptr, annotations, false, runLoopClear,
+       effectName<effect::kLoopsCleared>, Changes::annotations},
+      {"swap-regions", "", "", Menu::none,
+       {positionalFrame("a", "First region"), positionalFrame("b", "Second region")}, checkSwap,
+       undoAs<UndoKind::layout>, true, runSwap, [](CommandCall&) -> std::string { return "Swap region"; },
+       Changes::samples},
+      {"scramble", "", "", Menu::none, {positionalInteger("count", "Exchanges", -kMaxScrambles, kMaxScrambles)},
+       needMarkers, undoAs<UndoKind::layout>, true, runScramble,
+       [](CommandCall&) -> std::string { return "Scramble region"; }, Changes::samples},
+  };
+}
+
+}  // namespace plumetta

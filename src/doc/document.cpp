@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "doc/document.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace plumetta {
+namespace {
+
+constexpr size_t kVersionChunkBytes = 32;
+
+void addVersionChunk(CWave& wave) {
+  std::array<uint8_t, kVersionChunkBytes> body{};
+  std::memcpy(body.data(), kVersion, std::strlen(kVersion));
+  wave.extraChunks.add("ETTA", body);
+}
+
+}  // namespace
+
+CPlumettaDoc::CPlumettaDoc(DocumentServices& services)
+    : services_(services), journal_(services.files, services.undoFolder) {
+  journal_.attach(wave_, *this);
+  addVersionChunk(wave_);
+}
+
+void CPlumettaDoc::setTitle(std::string title) {
+  title_ = std::move(title);
+  if (listener_ != nullptr) listener_->titleChanged();
+}
+
+void CPlumettaDoc::setModified(bool modified) {
+  if (modified_ == modified) return;
+  modified_ = modified;
+  if (listener_ != nullptr) listener_->titleChanged();
+}
+
+int32_t CPlumettaDoc::clampFrame(int64_t frame) const {
+  return static_cast<int32_t>(std::clamp<int64_t>(frame, 0, lastFrame()));
+}
+
+void CPlumettaDoc::select(int64_t from, int64_t to) { setSelectionExactly(clampFrame(from), clampFrame(to)); }
+
+void CPlumettaDoc::setSelectionExactly(int32_t start, int32_t end) {
+  view_.selectionStart = start;
+  view_.selectionEnd = end;
+  if (listener_ != nullptr) listener_->viewChanged();
+}
+
+void CPlumettaDoc::setCursor(int64_t frame) {
+  view_.cursor = clampFrame(frame);
+  if (listener_ != nullptr) listener_->viewChanged();
+}
+
+void CPlumettaDoc::setScrollAndZoom(double firstVisibleFrame, double framesPerPixel) {
+  view_.firstVisibleFrame = firstVisibleFrame;
+  view_.framesPerPixel = framesPerPixel;
+  if (listener_ != nullptr) listener_->viewChanged();
+}
+
+CPlumettaDoc::Range CPlumettaDoc::selectionOrAll() const {
+  return view_.hasSelection() ? selectionOrPoint() : Range{0, lastFrame()};
+}
+
+CPlumettaDoc::Range CPlumettaDoc::selectionOrPoint() const {
+  return {clampFrame(view_.lowerBound()), clampFrame(view_.upperBound())};
+}
+
+bool CPlumettaDoc::createNew(uint32_t sampleRate, int channels, int bits, int64_t frames, uint16_t formatTag) {
+  if (!wave_.create(sampleRate, channels, bits, frames, formatTag)) return false;
+  view_ = {};
+  samplesChanged();
+  return true;
+}
+
+void CPlumettaDoc::setViewState(const ViewState& state) {
+  view_ = state;
+  view_.cursor = clampFrame(state.cursor);
+  if (listener_ != nullptr) listener_->viewChanged();
+}
+
+void CPlumettaDoc::samplesChanged() {
+  if (listener_ != nullptr) listener_->samplesChanged();
+}
+
+void CPlumettaDoc::annotationsChanged() {
+  if (listener_ != nullptr) listener_->annotationsChanged();
+}
+
+}  // namespace plumetta

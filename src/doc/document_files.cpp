@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Opening, saving and exporting: the part of a document that meets files and tells the person how it went.
+#include "doc/document.h"
+#include "formats/sample_codec.h"
+#include "formats/text_export.h"
+#include "formats/wav_writer.h"
+#include "platform/paths.h"
+
+namespace plumetta {
+namespace {
+
+// Hands a progress to the buffer for the duration of a read or write.
+class ProgressOnWave {
+ public:
+  ProgressOnWave(CWave& wave, Prompter& prompter, const std::string& title)
+      : wave_(wave), scope_(prompter, title) {
+    wave_.progress = scope_.progress();
+  }
+  ~ProgressOnWave() { wave_.progress = {}; }
+
+ private:
+  CWave& wave_;
+  ProgressScope scope_;
+};
+
+std::string unableTo(const char* verb, const std::string& path, const std::string& reason) {
+  return std::string("Unable to ") + verb + " " + path + "\n" + reason;
+}
+
+}  // namespace
+
+// Why a file that no format knows can't be opened: what is wrong with the file itself comes first.
+FileOutcome CPlumettaDoc::refuseUnknownContent(const std::string& path) {
+  std::error_code error;
+  const auto file = services_.files.openForReading(path, error);
+  const std::string reason = file ? "No format that can be read was found in it." : error.message();
+  prompter().message(unableTo("open", path, reason));
+  return FileOutcome::fileError;
+}
+
+FileOutcome CPlumettaDoc::load(const std::string& path) {
+  const BusyScope busy(prompter());
+  const Format* format = formatOfContent(services_.files, path);
+  if (format == nullptr) return refuseUnknownContent(path);
+  LoadResult result;
+  {
+    const ProgressOnWave progress(wave_, prompter(), "Opening " + fileNameOf(path));
+    result = format->read(services_.files, path, wave_);
+  }
+  if (result.status == LoadStatus::cancelled) return FileOutcome::cancelled;
+  if (result.status != LoadStatus::loaded) {
+    if (result.reason.empty()) result.reason = "MPEG audio inside a WAV file is not supported.";
+    prompter().message(unableTo("open", path, result.reason));
+    return FileOutcome::fileError;
+  }
+  view_ = {};
+  setTitle(fileNameOf(path));
+  setModified(false);
+  samplesChanged();
+  for (const std::string& warning : result.warnings) prompter().message(path + "\n" + warning);
+  return FileOutcome::done;
+}
+
+FileOutcome CPlumettaDoc::report(const SaveResult& result, const std::string& path) {
+  if (result.saved) return FileOutcome::done;
+  if (result.cancelled) return FileOutcome::cancelled;
+  prompter().message(unableTo("save", path, result.reason));
+  return FileOutcome::fileError;
+}
+
+FileOutcome CPlumettaDoc::writeWithProgress(const std::string& path, const std::string& title,
+                                            const std::function<SaveResult()>& write) {
+  const BusyScope busy(prompter());
+  SaveResult result;
+  {
+    const ProgressOnWave progress(wave_, prompter(), title);
+    result = write();
+  }
+  return report(result, path);
+}
+
+FileOutcome CPlumettaDoc::save(const std::string& path) {
+  const Format* format = writableFormatOfName(path);
+  if (format == nullptr) {
+    return report(SaveResult::failure("The extension names no format that can be written."), path);
+  }
+  const auto outcome = writeWithProgress(path, "Saving " + fileNameOf(path), [&] {
+    return format->write(services_.files, path, wave_, SyncToDisk::yes);
+  });
+  if (outcome != FileOutcome::done) return outcome;
+  if (wave_.needsEvenFrame()) {
+    const AudioLockHeld lock(services_.audioLock);
+    wave_.appendEvenFrame();
+  }
+  wave_.setFileName(path);
+  setTitle(fileNameOf(path));
+  setModified(false);
+  samplesChanged();
+  return outcome;
+}
+
+FileOutcome CPlumettaDoc::saveRange(int32_t from, int32_t to, const std::string& path) {
+  return writeWithProgress(path, "Saving " + fileNameOf(path), [&] {
+    return saveWavRange(services_.files, path, wave_, from, to, SyncToDisk::yes);
+  });
+}
+
+FileOutcome CPlumettaDoc::split(const std::string& prefix) {
+  return writeWithProgress(prefix, "Saving regions", [&] {
+    return splitAtMarkers(services_.files, prefix, wave_, SyncToDisk::yes);
+  });
+}
+
+FileOutcome CPlumettaDoc::exportText(const std::string& path) {
+  return writeWithProgress(path, "Exporting " + fileNameOf(path), [&] {
+    return exportWaveAsText(services_.files, path, wave_, SyncToDisk::yes);
+  });
+}
+
+FileOutcome CPlumettaDoc::dumpFloats(const std::string& path) {
+  return writeWithProgress(path, "Writing " + fileNameOf(path), [&] {
+    return SaveResult::from(
+        writeAtomically(services_.files, path, SyncToDisk::yes, [&](OutputStream& out) {
+          const SampleFormat floats{Encoding::float32, ByteOrder::little, SignType::isSigned};
+          return encodeSamples(out, floats, wave_.samples(), wave_.frames(), wave_.channels(),
+                               wave_.progress) != CodecResult::cancelled;
+        }));
+  });
+}
+
+}  // namespace plumetta

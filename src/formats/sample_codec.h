@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "core/wave_progress.h"
+#include "formats/input_stream.h"
+#include "formats/output_stream.h"
+
+namespace plumetta {
+
+// How a file stores one sample.
+enum class Encoding { adpcm4, pcm8, muLaw, aLaw, pcm16, pcm24, pcm32, float32, float64 };
+enum class ByteOrder { little = 2, big = 3 };
+// Of 8-bit and 16-bit PCM; the other encodings are always signed.
+enum class SignType { isSigned = 0, isUnsigned = 1 };
+
+struct SampleFormat {
+  Encoding encoding = Encoding::pcm16;
+  ByteOrder byteOrder = ByteOrder::little;
+  SignType signType = SignType::isSigned;
+};
+
+// Bytes of one stored sample; 0 for ADPCM, of which one byte holds two.
+int bytesPerSample(Encoding encoding);
+
+enum class CodecResult { done, shortRead, writeFailed, cancelled };
+
+// Reads frames × channels samples from the stream into interleaved floats, in blocks of 512 frames, reporting
+// after each. A short read leaves the rest of the floats untouched; `framesRead` tells how many are sound.
+CodecResult decodeSamples(InputStream& in, const SampleFormat& format, float* floats, int64_t frames,
+                          int channels, const WaveProgress& progress, int64_t& framesRead);
+
+// Writes interleaved floats. Integers are rounded to the nearest value of their own width, values beyond full
+// scale are clamped to it and what is not a number becomes 0; floats are written as they are. ADPCM can't be
+// written.
+CodecResult encodeSamples(OutputStream& out, const SampleFormat& format, const float* floats, int64_t frames,
+                          int channels, const WaveProgress& progress);
+
+}  // namespace plumetta

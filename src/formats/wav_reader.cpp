@@ -1,0 +1,281 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "formats/wav_reader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+#include "formats/wav_encoding.h"
+
+namespace plumetta {
+namespace {
+
+constexpr uint64_t kRiffHeaderBytes = 12;
+constexpr uint64_t kChunkHeaderBytes = 8;
+constexpr uint64_t kFormatBytes = 16;
+constexpr uint64_t kExtensibleBytes = 24;
+constexpr uint64_t kSubFormatBytes = 16;
+constexpr uint16_t kSubFormatExtension = 22;  // extension bytes from which a sub-format is there
+constexpr uint64_t kCuePointBytes = 24;
+constexpr uint64_t kSamplerBytes = 36;
+constexpr uint64_t kLoopBytes = 24;
+constexpr uint64_t kEnvelopeHeaderBytes = 24;
+constexpr uint64_t kEnvelopeChannelBytes = 14;
+constexpr uint64_t kEnvelopePointBytes = 10;
+constexpr uint32_t kFallbackRate = 44100;
+
+struct ChunkPlace {
+  char id[4];
+  uint64_t body;     // offset of the first byte behind the header
+  uint64_t size;     // bytes of the body that the file really holds
+  bool truncated;    // the header claims more
+
+  bool is(const char* name) const { return std::memcmp(id, name, 4) == 0; }
+};
+
+bool isKnown(const ChunkPlace& chunk) {
+  return chunk.is("fmt ") || chunk.is("data") || chunk.is("cue ") || chunk.is("smpl") || chunk.is("otom");
+}
+
+// Where the known chunks lie, in file order.
+std::vector<ChunkPlace> findChunks(InputStream& in) {
+  std::vector<ChunkPlace> chunks;
+  in.seek(kRiffHeaderBytes);
+  while (in.remaining() >= kChunkHeaderBytes) {
+    ChunkPlace chunk{};
+    uint32_t claimed = 0;
+    if (in.read(chunk.id, 4) != 4 || !in.readLittle(claimed)) break;
+    // A format chunk is never shorter than its fields, whatever its size says.
+    const uint64_t wanted = chunk.is("fmt ") ? std::max<uint64_t>(claimed, kFormatBytes) : claimed;
+    chunk.body = in.position();
+    chunk.size = std::min(wanted, in.remaining());
+    chunk.truncated = chunk.size < wanted;
+    if (isKnown(chunk)) chunks.push_back(chunk);
+    in.skip(wanted + wanted % 2);
+  }
+  return chunks;
+}
+
+struct WavFormat {
+  uint16_t tag = 0;
+  uint16_t channels = 0;
+  uint32_t sampleRate = 0;
+  uint16_t bits = 0;
+};
+
+// The fields of the format chunk; the tag of an extensible one is that of its sub-format.
+std::optional<WavFormat> readFormatChunk(InputStream& in, const ChunkPlace& chunk) {
+  WavFormat format;
+  uint32_t byteRate = 0;
+  uint16_t blockAlign = 0;
+  in.seek(chunk.body);
+  if (chunk.size < kFormatBytes) return std::nullopt;
+  in.readLittle(format.tag);
+  in.readLittle(format.channels);
+  in.readLittle(format.sampleRate);
+  in.readLittle(byteRate);
+  in.readLittle(blockAlign);
+  in.readLittle(format.bits);
+  if (format.tag != kFormatExtensible) return format;
+  format.tag = kFormatPcm;
+  uint16_t extension = 0;
+  if (chunk.size < kExtensibleBytes + kSubFormatBytes || !in.readLittle(extension)) return format;
+  if (extension < kSubFormatExtension) return format;
+  in.seek(chunk.body + kExtensibleBytes);
+  in.readLittle(format.tag);  // the sub-format identifier begins with the plain tag
+  return format;
+}
+
+bool isSupported(const WavFormat& format) {
+  switch (format.tag) {
+    case kFormatPcm:
+    case kFormatFloat:
+    case kFormatALaw:
+    case kFormatMuLaw:
+      break;
+    case kFormatAdpcm:
+      if (format.bits != 4) return false;
+      break;
+    default:
+      return false;
+  }
+  const bool knownBits = format.bits == 8 || format.bits == 16 || format.bits == 24 || format.bits == 32 ||
+                         format.bits == 64 || (format.bits == 4 && format.tag == kFormatAdpcm);
+  return knownBits && format.channels >= 1 && format.channels <= kMaxChannels;
+}
+
+int64_t frameCount(const WavFormat& format, uint64_t bytes) {
+  const auto size = static_cast<int64_t>(bytes);
+  if (format.bits == 4) return size * 2 / format.channels;
+  return size / format.channels / (format.bits / 8);
+}
+
+// What the buffer holds once the samples are floats.
+void adoptFormat(CWave& wave, const WavFormat& format) {
+  const int bits = format.bits == 4 ? 16 : format.bits;
+  const bool companded = format.tag == kFormatALaw || format.tag == kFormatMuLaw;
+  const bool floats = format.tag == kFormatFloat && (bits == 32 || bits == 64);
+  wave.setBitsPerSample(companded && bits != 8 ? 16 : bits);
+  wave.setFormatTag(floats || bits == 64 ? kFormatFloat : kFormatPcm);
+  wave.setSampleRate(format.sampleRate);
+}
+
+LoadResult readSamples(InputStream& in, const ChunkPlace& chunk, const WavFormat& format, CWave& wave,
+                       LoadResult result) {
+  const int64_t frames = frameCount(format, chunk.size);
+  wave.setLayout(wave.channels(), 0);
+  if (frames > kMaxFrames) return LoadResult::failure("The file has more frames than a document can hold.");
+  if (!wave.resize(frames, format.channels)) {
+    return LoadResult::failure("There is not enough memory for the audio of this file.");
+  }
+  const auto encoding = wavEncoding(format.bits, format.tag);
+  int64_t framesRead = frames;
+  if (encoding) {
+    in.seek(chunk.body);
+    const auto decoded = decodeSamples(in, *encoding, wave.samples(), frames, format.channels, wave.progress,
+                                       framesRead);
+    if (decoded == CodecResult::cancelled) return {LoadStatus::cancelled, {}, {}};
+  } else {
+    std::fill_n(wave.samples(), frames * format.channels, 0.0f);
+    result.warnings.push_back("The encoding of this file is not known: its samples are shown as silence.");
+  }
+  if (framesRead < frames) wave.resize(framesRead, format.channels);
+  wave.setLayout(format.channels, static_cast<int32_t>(framesRead));
+  if (chunk.truncated || framesRead < frames) {
+    result.warnings.push_back("The file is truncated: only the audio that is there was loaded.");
+  }
+  return result;
+}
+
+void readCueChunk(InputStream& in, const ChunkPlace& chunk, CWave& wave) {
+  wave.markers.clear();
+  uint32_t claimed = 0;
+  if (chunk.size < sizeof claimed || !in.readLittle(claimed)) return;
+  const uint64_t count = std::min<uint64_t>(claimed, (chunk.size - sizeof claimed) / kCuePointBytes);
+  wave.markers.reserve(static_cast<size_t>(count));
+  for (uint64_t i = 0; i < count; ++i) {
+    Marker marker;
+    if (!in.readLittle(marker.id) || !in.readLittle(marker.position)) return;
+    in.skip(kCuePointBytes - 8);
+    wave.markers.append(std::move(marker));
+  }
+}
+
+void readLoopChunk(InputStream& in, const ChunkPlace& chunk, CWave& wave) {
+  wave.loops.clear();
+  if (chunk.size < kSamplerBytes) return;
+  SamplerHeader& header = wave.loops.header;
+  uint32_t claimed = 0;
+  for (uint32_t* field : {&header.manufacturer, &header.product, &header.samplePeriod, &header.midiUnityNote,
+                          &header.midiPitchFraction, &header.smpteFormat, &header.smpteOffset, &claimed,
+                          &header.samplerData}) {
+    in.readLittle(*field);
+  }
+  const uint64_t count = std::min<uint64_t>(claimed, (chunk.size - kSamplerBytes) / kLoopBytes);
+  for (uint64_t i = 0; i < std::min<uint64_t>(count, CLoopPoints::kMaxLoops); ++i) {
+    LoopRecord loop;
+    if (!in.readLittle(loop.cuePointId) || !in.readLittle(loop.type) || !in.readLittle(loop.start) ||
+        !in.readLittle(loop.end) || !in.readLittle(loop.fraction) || !in.readLittle(loop.playCount)) {
+      return;
+    }
+    wave.loops.add(loop);
+  }
+}
+
+std::vector<EnvelopePoint> readEnvelopePoints(InputStream& in, uint64_t count) {
+  std::vector<EnvelopePoint> points;
+  points.reserve(static_cast<size_t>(count));
+  for (uint64_t i = 0; i < count; ++i) {
+    EnvelopePoint point;
+    uint8_t kind = 0;
+    if (!in.readLittle(point.position) || !in.readLittle(point.value) || !in.readLittle(kind)) break;
+    in.skip(1);
+    point.kind = static_cast<EnvelopeKind>(kind);
+    points.push_back(point);
+  }
+  return points;
+}
+
+void readEnvelopeChunk(InputStream& in, const ChunkPlace& chunk, CWave& wave) {
+  wave.envelope.clear();
+  wave.envelope.setLengthField(wave.frames());
+  if (chunk.size < kEnvelopeHeaderBytes + kEnvelopeChannelBytes || wave.frames() == 0) return;
+  uint64_t left = chunk.size - kEnvelopeHeaderBytes;
+  in.skip(kEnvelopeHeaderBytes);
+  for (int channel = 0; channel < wave.channels(); ++channel) {
+    wave.envelope.addChannel();
+    uint32_t claimed = 0;
+    uint8_t flag = 1;
+    if (left < kEnvelopeChannelBytes) continue;  // a channel that isn't there stays flat
+    left -= kEnvelopeChannelBytes;
+    in.skip(4);
+    in.readLittle(claimed);
+    in.readLittle(flag);
+    in.skip(5);
+    const uint64_t count = std::min<uint64_t>(claimed, left / kEnvelopePointBytes);
+    left -= count * kEnvelopePointBytes;
+    if (count < claimed) left = 0;
+    wave.envelope.adoptChannel(channel, readEnvelopePoints(in, count), flag);
+  }
+}
+
+void readAnnotations(InputStream& in, const std::vector<ChunkPlace>& chunks, CWave& wave) {
+  for (const ChunkPlace& chunk : chunks) {
+    in.seek(chunk.body);
+    if (chunk.is("cue ")) readCueChunk(in, chunk, wave);
+    if (chunk.is("smpl")) readLoopChunk(in, chunk, wave);
+    if (chunk.is("otom")) readEnvelopeChunk(in, chunk, wave);
+  }
+  wave.loops.clamp(wave.frames() - 1);
+  wave.markers.clamp(wave.frames() - 1);
+}
+
+const ChunkPlace* firstNamed(const std::vector<ChunkPlace>& chunks, const char* id) {
+  const auto found = std::find_if(chunks.begin(), chunks.end(), [&](const auto& c) { return c.is(id); });
+  return found == chunks.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+bool probeWav(FileSystem& files, const std::string& path) {
+  std::error_code error;
+  const auto file = files.openForReading(path, error);
+  char header[kRiffHeaderBytes];
+  return file && file->read(header, sizeof header, error) == sizeof header &&
+         std::memcmp(header, "RIFF", 4) == 0 && std::memcmp(header + 8, "WAVE", 4) == 0;
+}
+
+LoadResult loadWav(FileSystem& files, const std::string& path, CWave& wave) {
+  std::error_code error;
+  const auto file = files.openForReading(path, error);
+  if (!file) return LoadResult::failure(error.message());
+  wave.loops.clear();
+  wave.markers.clear();
+  wave.envelope.clear();
+  wave.setFileName(path);
+  InputStream in(*file);
+  const auto chunks = findChunks(in);
+  const ChunkPlace* formatChunk = firstNamed(chunks, "fmt ");
+  if (formatChunk == nullptr) return LoadResult::failure("The file has no format chunk.");
+  const auto format = readFormatChunk(in, *formatChunk);
+  if (!format || !isSupported(*format)) {
+    wave.setFormatTag(kFormatPcm);
+    if (format && format->tag == kFormatMpegLayer3) return {LoadStatus::mpegInside, {}, {}};
+    return LoadResult::failure("The format of this WAV file is not supported.");
+  }
+  LoadResult result;
+  WavFormat known = *format;
+  if (known.sampleRate == 0) {
+    known.sampleRate = kFallbackRate;
+    result.warnings.push_back("The file names no sample rate: 44100 Hz is assumed.");
+  }
+  const ChunkPlace* data = firstNamed(chunks, "data");
+  const ChunkPlace nothing{{'d', 'a', 't', 'a'}, in.size(), 0, true};
+  result = readSamples(in, data != nullptr ? *data : nothing, known, wave, std::move(result));
+  if (result.status != LoadStatus::loaded) return result;
+  adoptFormat(wave, known);
+  readAnnotations(in, chunks, wave);
+  return result;
+}
+
+}  // namespace plumetta

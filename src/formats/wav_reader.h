@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "formats/format.h"
+
+namespace plumetta {
+
+// RIFF WAVE by its first twelve bytes.
+bool probeWav(FileSystem& files, const std::string& path);
+
+// Fills `wave` from a WAV file: samples, loops ("smpl"), markers ("cue ") and envelope ("otom"). Sizes that
+// reach beyond the file are taken for what is there, and damaged annotations never cost the audio.
+LoadResult loadWav(FileSystem& files, const std::string& path, CWave& wave);
+
+}  // namespace plumetta

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "formats/format.h"
+
+namespace plumetta {
+
+// Writes the whole buffer as RIFF WAVE with its loops, markers, envelope and extra chunks. With an odd number of
+// channels and frames at 8 or 24 bits the file gets one silent frame more, to keep the data chunk even; the
+// caller gives it to the buffer as well once the save has succeeded (`CWave::appendEvenFrame`).
+SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync);
+
+// Writes the frames between the two, both included, with the markers and loops that lie inside.
+SaveResult saveWavRange(FileSystem& files, const std::string& path, const CWave& wave, int32_t from,
+                        int32_t to, SyncToDisk sync);
+
+// Writes one WAV a region, named PREFIX_M000.wav and so on; neighbours share their boundary frame.
+SaveResult splitAtMarkers(FileSystem& files, const std::string& prefix, const CWave& wave, SyncToDisk sync);
+
+}  // namespace plumetta

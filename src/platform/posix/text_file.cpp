@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/text_file.h"
+
+namespace plumetta {
+
+const std::string_view kTextLineEnd = "\n";
+
+}  // namespace plumetta
