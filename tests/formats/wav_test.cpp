@@ -178,7 +178,7 @@ TEST_F(Wav, DamageNeverCostsMoreThanWhatItHits) {
       bytes.replace(at, 4, u32(value));
       const auto result = load(bytes);
       ASSERT_LE(static_cast<size_t>(wave_.frames()), whole.size());
-      ASSERT_LE(wave_.markers.count(), 3);
+      ASSERT_LE(static_cast<size_t>(wave_.markers.count()), whole.size() / 24);
       ASSERT_TRUE(result.status != LoadStatus::failed || !result.reason.empty());
       if (at >= 144) {
         ASSERT_EQ(wave_.frames(), 50);  // damaged annotations
