@@ -33,13 +33,31 @@ std::error_code takeFolderRules(const std::wstring& path) {
   return setAccess(path, kKept, nullptr, &empty);
 }
 
+// The account that this process runs under, as access rules spell it; empty when the system doesn't tell.
+std::wstring userName() {
+  HANDLE token = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return {};
+  alignas(TOKEN_USER) char user[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
+  DWORD bytes = 0;
+  wchar_t* text = nullptr;
+  const bool known = GetTokenInformation(token, TokenUser, user, sizeof user, &bytes) &&
+                     ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(user)->User.Sid, &text);
+  CloseHandle(token);
+  const std::unique_ptr<void, LocalDeleter> held(text);
+  return known ? std::wstring(text) : std::wstring();
+}
+
 }  // namespace
 
 std::unique_ptr<void, LocalDeleter> ownerOnlyDescriptor() {
+  const std::wstring user = userName();
   PSECURITY_DESCRIPTOR descriptor = nullptr;
-  // Protected from the folder's rules (P); file all (FA) for the owner's rights (OW).
-  ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;OW)", SDDL_REVISION_1, &descriptor,
-                                                       nullptr);
+  if (!user.empty()) {
+    // Protected from the folder's rules (P); everything that can be done with files (FA) for one account.
+    const std::wstring rules = L"D:P(A;;FA;;;" + user + L")";
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(rules.c_str(), SDDL_REVISION_1, &descriptor,
+                                                         nullptr);
+  }
   return std::unique_ptr<void, LocalDeleter>(descriptor);
 }
 
