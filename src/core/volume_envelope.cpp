@@ -175,9 +175,10 @@ void CVolumeEnvelope::adjustForDelete(int32_t from, int32_t to) {
       if (point.position > last) point.position -= removed;
     }
     points.back().position = length_ - removed - 1;
-    // The end may have come down onto an inner point when the tail was cut away.
+    // Inner points may have come to stand on an end: positions stay distinct, and the ends stay.
     std::erase_if(points, [&](const EnvelopePoint& p) {
-      return &p != &points.front() && &p != &points.back() && p.position >= points.back().position;
+      const bool isEnd = &p == &points.front() || &p == &points.back();
+      return !isEnd && (p.position <= 0 || p.position >= points.back().position);
     });
   }
   length_ -= removed;
