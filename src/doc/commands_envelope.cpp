@@ -8,6 +8,7 @@ namespace plumetta {
 namespace {
 
 using Changes = Command::Changes;
+using Lock = Command::Lock;
 
 constexpr const char* kDeleteQuestion = "Do you want to delete all the volume envelope?";
 
@@ -118,15 +119,15 @@ std::vector<Command> envelopeCommands() {
       {"envelope-point", "", "", Menu::none,
        {positionalFrame("position", "Position"), positionalReal("value", "Value", "", 0, 1),
         channelParameter(), kind},
-       checkPoint, annotations, false, runPoint, effectName<effect::kVolumePointAdded>, Changes::annotations},
+       checkPoint, annotations, Lock::none, runPoint, effectName<effect::kVolumePointAdded>, Changes::annotations},
       {"envelope-remove", "", "", Menu::none,
        {positionalInteger("index", "Point", 0, kMaxFrames), channelParameter()}, checkRemovePoint, annotations,
-       false, runRemovePoint, effectName<effect::kVolumePointRemoved>, Changes::annotations},
-      {"envelope-reset", "&Flat volume envelope", "", Menu::volume, {}, needAudio, annotations, false, runReset,
+       Lock::none, runRemovePoint, effectName<effect::kVolumePointRemoved>, Changes::annotations},
+      {"envelope-reset", "&Flat volume envelope", "", Menu::volume, {}, needAudio, annotations, Lock::none, runReset,
        effectName<effect::kVolumeReset>, Changes::annotations},
-      {"envelope-invert", "", "", Menu::none, {channelParameter()}, checkInvert, annotations, false, runInvert,
+      {"envelope-invert", "", "", Menu::none, {channelParameter()}, checkInvert, annotations, Lock::none, runInvert,
        effectName<effect::kVolumeReversed>, Changes::annotations},
-      {"envelope-clear", "&Delete volume envelope", "", Menu::volume, {}, checkClear, annotations, false,
+      {"envelope-clear", "&Delete volume envelope", "", Menu::volume, {}, checkClear, annotations, Lock::none,
        runClear, effectName<effect::kVolumeDeleted>, Changes::annotations},
   };
 }

@@ -83,6 +83,10 @@ class CPlumettaDoc : public DisplayState {
   FileOutcome exportText(const std::string& path);
   FileOutcome dumpFloats(const std::string& path);
 
+  // The statistics report of the selection, or of the whole file.
+  std::string statistics(bool includeLevels) const;
+  FileOutcome saveStatistics(const std::string& path, bool includeLevels);
+
   // The journal's view of the display.
   ViewState viewState() const override { return view_; }
   void setViewState(const ViewState& state) override;
