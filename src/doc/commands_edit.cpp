@@ -179,6 +179,7 @@ std::optional<Refusal> doNothing(CommandCall&) { return std::nullopt; }
 
 std::vector<Command> editCommands() {
   const std::vector<Parameter> silence{positionalFrame("at", "Position"), positionalFrame("length", "Length")};
+  // clang-format off
   return {
       {"undo", "&Undo", "Ctrl+Z", Menu::edit, {}, nullptr, nullptr, true, runUndo,
        [](CommandCall&) -> std::string { return "Undo"; }, Changes::samples},
@@ -197,6 +198,7 @@ std::vector<Command> editCommands() {
       {"insert-silence", "", "", Menu::edit, silence, checkInsertSilence, undoAs<UndoKind::insertSilence>, true,
        runInsertSilence, [](CommandCall&) -> std::string { return "Insert silence"; }, Changes::samples},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta

@@ -131,6 +131,7 @@ std::optional<Refusal> runScramble(CommandCall& call) {
 
 std::vector<Command> markerCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
+  // clang-format off
   return {
       {"marker", "", "", Menu::marker, {positionalFrame("frame", "Position"), labelParameter()},
        [](CommandCall& call) { return checkFrame(call, 0); }, annotations, false, runMarker,
@@ -161,6 +162,7 @@ std::vector<Command> markerCommands() {
        needMarkers, undoAs<UndoKind::layout>, true, runScramble,
        [](CommandCall&) -> std::string { return "Scramble region"; }, Changes::samples},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta
