@@ -173,6 +173,7 @@ std::optional<Refusal> doNothing(CommandCall&) { return std::nullopt; }
 
 std::vector<Command> editCommands() {
   const std::vector<Parameter> silence{positionalFrame("at", "Position"), positionalFrame("length", "Length")};
+  // clang-format off
   return {
       {"undo", "&Undo", "Ctrl+Z", Menu::edit, {}, nullptr, nullptr, Lock::throughout, runUndo,
        [](CommandCall&) -> std::string { return "Undo"; }, Changes::samples},
@@ -191,6 +192,7 @@ std::vector<Command> editCommands() {
       {"insert-silence", "", "", Menu::edit, silence, checkInsertSilence, undoAs<UndoKind::insertSilence>, Lock::throughout,
        runInsertSilence, [](CommandCall&) -> std::string { return "Insert silence"; }, Changes::samples},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta

@@ -115,6 +115,7 @@ std::optional<Refusal> runInvert(CommandCall& call) {
 std::vector<Command> envelopeCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
   const Parameter kind{"kind", "Kind", "", ParameterType::integer, false, int64_t{0}, 0, kEnvelopeKinds - 1, ""};
+  // clang-format off
   return {
       {"envelope-point", "", "", Menu::none,
        {positionalFrame("position", "Position"), positionalReal("value", "Value", "", 0, 1),
@@ -130,6 +131,7 @@ std::vector<Command> envelopeCommands() {
       {"envelope-clear", "&Delete volume envelope", "", Menu::volume, {}, checkClear, annotations, Lock::none,
        runClear, effectName<effect::kVolumeDeleted>, Changes::annotations},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta

@@ -132,6 +132,7 @@ std::optional<Refusal> runScramble(CommandCall& call) {
 
 std::vector<Command> markerCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
+  // clang-format off
   return {
       {"marker", "", "", Menu::marker, {positionalFrame("frame", "Position"), labelParameter()},
        [](CommandCall& call) { return checkFrame(call, 0); }, annotations, Lock::none, runMarker,
@@ -162,6 +163,7 @@ std::vector<Command> markerCommands() {
        needMarkers, undoAs<UndoKind::layout>, Lock::throughout, runScramble,
        [](CommandCall&) -> std::string { return "Scramble region"; }, Changes::samples},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta
