@@ -51,9 +51,10 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   SetIcons(programIcons());
   pages_->AddPage(startPage_, wxString());
   pages_->AddPage(tabs_, wxString());
+  place_.restore();
+  buildStatusBar();
   menus_.build(menuPlan());
   menus_.addKeys({{"Ctrl+=", "zoom-in"}, {"Ctrl+Shift+Z", "redo"}});
-  buildStatusBar();
   if (profile_.integer(kWindow, "Toolbar", 1) != 0) buildToolBar();
 
   startPage_->onOpen = [this] { files_.open(); };
@@ -88,7 +89,6 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     if (GetToolBar() != nullptr) buildToolBar();
     event.Skip();
   });
-  place_.restore();
   onActivated();
 }
 

@@ -24,7 +24,7 @@ SaveAnswer askToSave(wxWindow* parent, const std::string& title, bool several) {
   auto* buttons = new wxBoxSizer(wxHORIZONTAL);
   const auto addButton = [&](int id, const wxString& label) {
     auto* button = new wxButton(&dialog, id, label);
-    buttons->Add(button, 0, wxLEFT, gap);
+    buttons->Add(button, 0, buttons->IsEmpty() ? 0 : wxLEFT, gap);
     button->Bind(wxEVT_BUTTON, [&dialog, id](wxCommandEvent&) { dialog.EndModal(id); });
     return button;
   };
@@ -38,7 +38,7 @@ SaveAnswer askToSave(wxWindow* parent, const std::string& title, bool several) {
 
   auto* all = new wxBoxSizer(wxVERTICAL);
   all->Add(words, 1, wxEXPAND | wxALL, 2 * gap);
-  all->Add(buttons, 0, wxEXPAND | wxRIGHT | wxBOTTOM, 2 * gap);
+  all->Add(buttons, 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, 2 * gap);
   dialog.SetEscapeId(wxID_CANCEL);
   dialog.SetSizerAndFit(all);
   dialog.SetSize(dialog.FromDIP(wxSize(420, -1)).x, dialog.GetSize().y);

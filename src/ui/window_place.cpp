@@ -48,10 +48,19 @@ void WindowPlace::restore() {
   const wxRect wanted(wxPoint(stored("X"), stored("Y")), size);
   if (canBeGrabbed(wanted, frame_.FromDIP(80))) {
     frame_.Move(wanted.GetPosition());
+    // Some window managers take a place only from a window that they show already.
+    place_ = wanted.GetPosition();
+    frame_.Bind(wxEVT_ACTIVATE, &WindowPlace::onFirstActivation, this);
   } else {
     frame_.CentreOnScreen();
   }
   if (stored("Maximized") == 1) frame_.Maximize();
+}
+
+void WindowPlace::onFirstActivation(wxActivateEvent& event) {
+  frame_.Unbind(wxEVT_ACTIVATE, &WindowPlace::onFirstActivation, this);
+  if (!frame_.IsMaximized() && frame_.GetPosition() != place_) frame_.Move(place_);
+  event.Skip();
 }
 
 void WindowPlace::follow() {

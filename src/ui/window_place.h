@@ -18,9 +18,11 @@ class WindowPlace {
 
  private:
   void follow();
+  void onFirstActivation(wxActivateEvent& event);
 
   wxFrame& frame_;
   WindowProfile& profile_;
+  wxPoint place_;  // where the frame shall stand once it is shown
   wxRect normal_;  // while neither maximised nor an icon
 };
 
