@@ -7,6 +7,7 @@ namespace plumetta {
 
 // Path helpers over UTF-8 strings; both separators are understood on Windows, '/' alone elsewhere.
 
+bool isPathSeparator(char c);
 // The folder of the running executable.
 std::string executableFolder();
 // The person's own configuration folder for the editor (not created).

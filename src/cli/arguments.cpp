@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/arguments.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <optional>
+
+namespace plumetta {
+namespace {
+
+template <class Number>
+std::optional<Number> numberIn(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  Number number{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc{} || end != text.data() + text.size() || text.empty()) return std::nullopt;
+  return number;
+}
+
+std::optional<FrameOrTime> frameIn(std::string_view text) {
+  double unit = 0;
+  if (text.ends_with("ms")) {
+    unit = 0.001;
+    text.remove_suffix(2);
+  } else if (text.ends_with('s')) {
+    unit = 1;
+    text.remove_suffix(1);
+  } else {
+    const auto frames = numberIn<int64_t>(text);
+    if (!frames) return std::nullopt;
+    return FrameOrTime{static_cast<double>(*frames), false};
+  }
+  const auto number = numberIn<double>(text);
+  if (!number) return std::nullopt;
+  return FrameOrTime{*number * unit, true};
+}
+
+std::optional<ParameterValue> valueIn(const std::string& text, ParameterType type) {
+  switch (type) {
+    case ParameterType::boolean:
+      if (text == "on") return true;
+      if (text == "off") return false;
+      return std::nullopt;
+    case ParameterType::integer:
+      if (const auto number = numberIn<int64_t>(text)) return *number;
+      return std::nullopt;
+    case ParameterType::real:
+      if (const auto number = numberIn<double>(text)) return *number;
+      return std::nullopt;
+    case ParameterType::text:
+      return text;
+    case ParameterType::frame:
+      if (const auto frame = frameIn(text)) return *frame;
+      return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+std::string placeholder(const Parameter& parameter) {
+  std::string name = parameter.key;
+  std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
+  return name;
+}
+
+std::string textOf(const ParameterValue& value) {
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "on" : "off";
+  if (const auto* integer = std::get_if<int64_t>(&value)) return std::to_string(*integer);
+  if (const auto* text = std::get_if<std::string>(&value)) return text->empty() ? "TEXT" : *text;
+  char buffer[32];
+  const auto* frame = std::get_if<FrameOrTime>(&value);
+  const double number = frame != nullptr ? frame->value : std::get<double>(value);
+  return {buffer, std::to_chars(buffer, buffer + sizeof buffer, number).ptr};
+}
+
+// The option that a word sets: `key=...` of one of the parameters.
+const Parameter* optionOf(const std::string& word, std::span<const Parameter> parameters) {
+  const size_t equals = word.find('=');
+  if (equals == std::string::npos) return nullptr;
+  for (const Parameter& parameter : parameters) {
+    if (!parameter.positional && word.compare(0, equals, parameter.key) == 0) return &parameter;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+Arguments readArguments(WordReader& words, std::span<const Parameter> parameters, const std::string& what) {
+  Arguments arguments;
+  for (const Parameter& parameter : parameters) {
+    arguments.push_back(parameter.fallback);
+    if (!parameter.positional) continue;
+    if (words.atEnd()) {
+      words.fail(what + ": " + placeholder(parameter) + " is missing");
+      return arguments;
+    }
+    const std::string word = words.take();
+    const auto value = valueIn(word, parameter.type);
+    if (!value) words.fail(what + ": " + placeholder(parameter) + " can't be '" + word + "'");
+    if (value) arguments.back() = *value;
+  }
+  while (!words.failed() && !words.atEnd()) {
+    const Parameter* option = optionOf(words.peek(), parameters);
+    if (option == nullptr) break;
+    const std::string word = words.take();
+    const auto value = valueIn(word.substr(word.find('=') + 1), option->type);
+    if (!value) words.fail(what + ": malformed '" + word + "'");
+    if (value) arguments[static_cast<size_t>(option - parameters.data())] = *value;
+  }
+  return arguments;
+}
+
+std::string usageOf(const std::string& what, std::span<const Parameter> parameters) {
+  std::string usage = what;
+  std::string options;
+  for (const Parameter& parameter : parameters) {
+    if (parameter.positional) {
+      usage += " " + placeholder(parameter);
+    } else {
+      options += (options.empty() ? "" : " ") + std::string(parameter.key) + "=" + textOf(parameter.fallback);
+    }
+  }
+  return options.empty() ? usage : usage + " [" + options + "]";
+}
+
+}  // namespace plumetta

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "doc/command.h"
+
+namespace plumetta {
+
+// The words of a call, read one after another. The first thing that is wrong is kept as an error.
+class WordReader {
+ public:
+  explicit WordReader(std::vector<std::string> words) : words_(std::move(words)) {}
+
+  bool atEnd() const { return next_ == words_.size(); }
+  const std::string& peek() const { return words_[next_]; }
+  std::string take() { return words_[next_++]; }
+
+  // What has not been read yet, as a call of its own.
+  WordReader remaining() const { return WordReader({words_.begin() + static_cast<std::ptrdiff_t>(next_), words_.end()}); }
+  size_t consumed() const { return next_; }
+  size_t rest() const { return words_.size() - next_; }
+
+  bool failed() const { return !error_.empty(); }
+  const std::string& error() const { return error_; }
+  void fail(std::string error) {
+    if (error_.empty()) error_ = std::move(error);
+  }
+
+ private:
+  std::vector<std::string> words_;
+  size_t next_ = 0;
+  std::string error_;
+};
+
+// Reads the positional arguments of `what`, then its key=value options in any order. What is left out takes
+// the parameter's fallback.
+Arguments readArguments(WordReader& words, std::span<const Parameter> parameters, const std::string& what);
+
+// How a call of `what` looks: "resample RATE [type=0]".
+std::string usageOf(const std::string& what, std::span<const Parameter> parameters);
+
+}  // namespace plumetta

@@ -1,0 +1,249 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The steps that are no commands of a document: files, the selection, and what prints.
+#include "cli/edit_steps.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "cli/document_json.h"
+#include "platform/paths.h"
+
+namespace plumetta {
+namespace {
+
+StepOutcome outcomeOf(FileOutcome outcome) {
+  switch (outcome) {
+    case FileOutcome::done:
+      return StepOutcome::done;
+    case FileOutcome::fileError:
+      return StepOutcome::fileError;
+    case FileOutcome::refused:
+    case FileOutcome::cancelled:
+      break;
+  }
+  return StepOutcome::refused;
+}
+
+std::string pathOf(const StepArguments& arguments, size_t i) {
+  return absolutePath(std::get<std::string>(arguments[i]));
+}
+
+int64_t integerOf(const StepArguments& arguments, size_t i) { return std::get<int64_t>(arguments[i]); }
+
+int64_t framesOf(const StepArguments& arguments, size_t i, uint32_t rate) {
+  return std::get<FrameOrTime>(arguments[i]).frames(rate);
+}
+
+int64_t framesOf(const EditSession& session, const StepArguments& arguments, size_t i) {
+  return framesOf(arguments, i, session.doc->wave().sampleRate());
+}
+
+// ---- Files ----------------------------------------------------------------------------------------------
+
+StepOutcome open(EditSession& session, const StepArguments& arguments) {
+  FileOutcome outcome{};
+  CPlumettaDoc* opened = session.app.openDocument(pathOf(arguments, 0), outcome);
+  if (opened != nullptr) session.doc = opened;
+  return outcomeOf(outcome);
+}
+
+StepOutcome makeNew(EditSession& session, const StepArguments& arguments) {
+  constexpr int64_t kMaxRate = 0xFFFFFFFF;
+  const int64_t rate = integerOf(arguments, 0);
+  if (rate < 1 || rate > kMaxRate) return StepOutcome::refused;
+  const auto small = [&](size_t i) { return static_cast<int>(std::clamp<int64_t>(integerOf(arguments, i), -1, 65535)); };
+  const int tag = small(4);
+  const auto sampleRate = static_cast<uint32_t>(rate);
+  CPlumettaDoc* made = session.app.newDocument(sampleRate, small(1), small(2), framesOf(arguments, 3, sampleRate),
+                                               static_cast<uint16_t>(tag < 0 ? 0 : tag));
+  if (made == nullptr) return StepOutcome::refused;
+  session.doc = made;
+  return StepOutcome::done;
+}
+
+StepOutcome makeCurrent(EditSession& session, const StepArguments& arguments) {
+  const int64_t index = integerOf(arguments, 0);
+  const auto& documents = session.app.documents();
+  if (index < 0 || index >= static_cast<int64_t>(documents.size())) return StepOutcome::refused;
+  session.doc = documents[static_cast<size_t>(index)].get();
+  return StepOutcome::done;
+}
+
+StepOutcome save(EditSession& session, const StepArguments& arguments) {
+  return outcomeOf(session.doc->save(pathOf(arguments, 0)));
+}
+
+StepOutcome saveRange(EditSession& session, const StepArguments& arguments) {
+  const int64_t from = framesOf(session, arguments, 0);
+  const int64_t to = framesOf(session, arguments, 1);
+  const int64_t frames = session.doc->wave().frames();
+  if (from < 0 || to < 0 || from >= frames || to >= frames) return StepOutcome::refused;
+  return outcomeOf(
+      session.doc->saveRange(static_cast<int32_t>(from), static_cast<int32_t>(to), pathOf(arguments, 2)));
+}
+
+StepOutcome split(EditSession& session, const StepArguments& arguments) {
+  return outcomeOf(session.doc->split(pathOf(arguments, 0)));
+}
+
+StepOutcome exportText(EditSession& session, const StepArguments& arguments) {
+  return outcomeOf(session.doc->exportText(pathOf(arguments, 0)));
+}
+
+StepOutcome dump(EditSession& session, const StepArguments& arguments) {
+  return outcomeOf(session.doc->dumpFloats(pathOf(arguments, 0)));
+}
+
+// ---- Selection, cursor, channels ------------------------------------------------------------------------
+
+StepOutcome select(EditSession& session, const StepArguments& arguments) {
+  session.doc->select(framesOf(session, arguments, 0), framesOf(session, arguments, 1));
+  return StepOutcome::done;
+}
+
+StepOutcome selectAll(EditSession& session, const StepArguments&) {
+  session.doc->select(0, session.doc->lastFrame());
+  return StepOutcome::done;
+}
+
+StepOutcome selectNone(EditSession& session, const StepArguments&) {
+  session.doc->selectNone();
+  return StepOutcome::done;
+}
+
+StepOutcome cursor(EditSession& session, const StepArguments& arguments) {
+  session.doc->setCursor(framesOf(session, arguments, 0));
+  return StepOutcome::done;
+}
+
+struct ActiveOption {
+  const char* key;
+  ActiveOperation operation;
+};
+constexpr ActiveOption kActiveOptions[] = {
+    {"solo", ActiveOperation::solo},
+    {"off", ActiveOperation::off},
+    {"on", ActiveOperation::on},
+    {"toggle", ActiveOperation::toggle},
+};
+constexpr int64_t kNotGiven = -1;
+
+std::vector<Parameter> activeParameters() {
+  std::vector<Parameter> parameters;
+  for (const ActiveOption& option : kActiveOptions) {
+    parameters.push_back({option.key, "", "", ParameterType::integer, false, kNotGiven, 0, 0, ""});
+  }
+  return parameters;
+}
+
+StepOutcome setActive(EditSession& session, const StepArguments& arguments) {
+  CWave& wave = session.doc->wave();
+  for (size_t i = 0; i < std::size(kActiveOptions); ++i) {
+    const int64_t channel = integerOf(arguments, i);
+    if (channel == kNotGiven) continue;
+    if (channel < 0 || channel >= wave.channels()) return StepOutcome::refused;
+    wave.setActive(kActiveOptions[i].operation, static_cast<int>(channel));
+  }
+  session.doc->annotationsChanged();
+  return StepOutcome::done;
+}
+
+StepOutcome activeAll(EditSession& session, const StepArguments&) {
+  session.doc->wave().setActive(ActiveOperation::all, 0);
+  session.doc->annotationsChanged();
+  return StepOutcome::done;
+}
+
+StepOutcome selectMarker(EditSession& session, const StepArguments& arguments) {
+  const int64_t index = integerOf(arguments, 0);
+  if (index < 0 || index >= session.doc->wave().markers.count()) return StepOutcome::refused;
+  session.doc->selectedMarker = static_cast<int>(index);
+  return StepOutcome::done;
+}
+
+// ---- What prints ----------------------------------------------------------------------------------------
+
+StepOutcome printState(EditSession& session, const StepArguments&) {
+  session.output += documentJson(*session.doc, session.app) + "\n";
+  return StepOutcome::done;
+}
+
+StepOutcome printSamples(EditSession& session, const StepArguments& arguments) {
+  const CWave& wave = session.doc->wave();
+  if (wave.frames() == 0) return StepOutcome::done;
+  const int32_t a = session.doc->clampFrame(framesOf(session, arguments, 0));
+  const int32_t b = session.doc->clampFrame(framesOf(session, arguments, 1));
+  for (int32_t frame = std::min(a, b); frame <= std::max(a, b); ++frame) {
+    for (int channel = 0; channel < wave.channels(); ++channel) {
+      char text[40];
+      std::snprintf(text, sizeof text, "%s%.9g", channel == 0 ? "" : "\t",
+                    static_cast<double>(wave.sample(frame, channel)));
+      session.output += text;
+    }
+    session.output += '\n';
+  }
+  return StepOutcome::done;
+}
+
+StepOutcome printHistory(EditSession& session, const StepArguments&) {
+  for (const std::string& name : session.app.history().names()) session.output += name + "\n";
+  return StepOutcome::done;
+}
+
+// ---- The table ------------------------------------------------------------------------------------------
+
+Parameter positional(const char* key, ParameterType type, ParameterValue fallback) {
+  return {key, "", "", type, true, std::move(fallback), 0, 0, ""};
+}
+Parameter file() { return positional("file", ParameterType::text, std::string{}); }
+Parameter integer(const char* key) { return positional(key, ParameterType::integer, int64_t{0}); }
+Parameter frame(const char* key) { return positional(key, ParameterType::frame, FrameOrTime{}); }
+
+std::vector<EditStep> ownSteps() {
+  const Parameter tag{"tag", "", "", ParameterType::integer, false, int64_t{kFormatPcm}, 0, 0, ""};
+  return {
+      {"open", {file()}, false, open, nullptr},
+      {"new", {integer("rate"), integer("channels"), integer("bits"), frame("frames"), tag}, false, makeNew, nullptr},
+      {"doc", {integer("n")}, false, makeCurrent, nullptr},
+      {"save", {file()}, true, save, nullptr},
+      {"save-range", {frame("from"), frame("to"), file()}, true, saveRange, nullptr},
+      {"split", {positional("prefix", ParameterType::text, std::string{})}, true, split, nullptr},
+      {"export-text", {file()}, true, exportText, nullptr},
+      {"dump", {file()}, true, dump, nullptr},
+      {"select", {frame("from"), frame("to")}, true, select, nullptr},
+      {"select-all", {}, true, selectAll, nullptr},
+      {"select-none", {}, true, selectNone, nullptr},
+      {"cursor", {frame("frame")}, true, cursor, nullptr},
+      {"active all", {}, true, activeAll, nullptr},
+      {"active", activeParameters(), true, setActive, nullptr},
+      {"marker-select", {integer("i")}, true, selectMarker, nullptr},
+      {"state", {}, true, printState, nullptr},
+      {"print", {frame("from"), frame("to")}, true, printSamples, nullptr},
+      {"history", {}, false, printHistory, nullptr},
+  };
+}
+
+}  // namespace
+
+const std::vector<EditStep>& editSteps() {
+  static const std::vector<EditStep> steps = [] {
+    std::vector<EditStep> all = ownSteps();
+    for (const Command& command : commandTable()) {
+      all.push_back({command.id, command.parameters, true, nullptr, &command});
+    }
+    return all;
+  }();
+  return steps;
+}
+
+StepOutcome runStep(EditSession& session, const EditStep& step, const StepArguments& arguments) {
+  if (step.needsDocument && session.doc == nullptr) {
+    session.app.prompter().message("No document is open");
+    return StepOutcome::refused;
+  }
+  if (step.command == nullptr) return step.run(session, arguments);
+  return runCommand(*session.doc, *step.command, arguments) == CommandOutcome::done ? StepOutcome::done
+                                                                                     : StepOutcome::refused;
+}
+
+}  // namespace plumetta

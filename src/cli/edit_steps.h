@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "doc/command.h"
+
+namespace plumetta {
+
+enum class StepOutcome { done, refused, fileError };
+
+// One run of a chain: the application and the document that steps act on.
+struct EditSession {
+  Application& app;
+  CPlumettaDoc* doc = nullptr;  // null until something is opened or made
+  std::string output;           // for standard output
+};
+
+using StepArguments = Arguments;
+
+// One step of `edit`: its words and what it does. Steps that are commands of the command table carry the row.
+struct EditStep {
+  std::string name;
+  std::vector<Parameter> parameters;
+  bool needsDocument;
+  StepOutcome (*run)(EditSession& session, const StepArguments& arguments);
+  const Command* command;  // set instead of `run`
+};
+
+// All steps: those of the command line alone, then every row of the command table.
+const std::vector<EditStep>& editSteps();
+
+StepOutcome runStep(EditSession& session, const EditStep& step, const StepArguments& arguments);
+
+}  // namespace plumetta

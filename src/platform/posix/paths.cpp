@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/paths.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace plumetta {
+
+bool isPathSeparator(char c) { return c == '/'; }
+
+std::string executableFolder() {
+  std::error_code error;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+  return error ? std::string(".") : folderOf(self.string());
+}
+
+std::string userConfigFolder() {
+  const char* config = std::getenv("XDG_CONFIG_HOME");
+  if (config != nullptr && config[0] == '/') return joinPath(config, "plumetta");
+  const char* home = std::getenv("HOME");
+  return joinPath(joinPath(home != nullptr ? home : "/", ".config"), "plumetta");
+}
+
+std::string absolutePath(const std::string& path) {
+  std::error_code error;
+  const auto absolute = std::filesystem::absolute(path, error);
+  return error ? path : absolute.string();
+}
+
+}  // namespace plumetta

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "core/regions.h"
+#include "support/waves.h"
+
+namespace plumetta {
+namespace {
+
+TEST(LoopPoints, AreCreatedOrderedAndFollowDeletions) {
+  CLoopPoints loops;
+  loops.setStart(0, 7);  // no loop yet: ignored
+  EXPECT_FALSE(loops.hasLoops());
+  loops.setLoop(500, 100);
+  EXPECT_EQ(loops.start(0), 100);
+  EXPECT_EQ(loops.end(0), 500);
+  EXPECT_EQ(loops.header.midiUnityNote, 60u);
+  loops.setLoop(300, 400);
+  loops.adjustForDelete(200, 100);
+  EXPECT_EQ(loops.start(0), 199);
+  EXPECT_EQ(loops.end(0), 299);
+  loops.clamp(250);
+  EXPECT_EQ(loops.end(0), 250);
+  loops.scale(2.0);
+  EXPECT_EQ(loops.start(0), 99);
+  loops.adjustForDelete(50, 110);  // cuts the start away
+  EXPECT_FALSE(loops.hasLoops());
+}
+
+TEST(LoopPoints, HoldTenAtMost) {
+  CLoopPoints loops;
+  for (int i = 0; i < 10; ++i) EXPECT_TRUE(loops.add({0, 0, i, i + 1, 0, 0}));
+  EXPECT_FALSE(loops.add({}));
+  EXPECT_EQ(loops.count(), 10);
+  EXPECT_EQ(loops.start(9), 9);
+}
+
+TEST(MarkerList, IdsComeFromTheCountAndRepeatAfterDeletions) {
+  CMarkerList markers;
+  EXPECT_FALSE(markers.add(-1));
+  for (int p : {10, 20, 30}) markers.add(p);
+  markers.remove(0);
+  markers.add(5, "new");
+  EXPECT_EQ(markers[2].id, 3u);
+  EXPECT_EQ(markers[1].id, 3u);
+  EXPECT_EQ(markers[2].label, "new");
+  EXPECT_EQ(markers.nextAfter(20)->position, 30);
+  EXPECT_EQ(markers.previousBefore(20)->index, 2);
+  EXPECT_FALSE(markers.nextAfter(30));
+  markers.add(30);
+  EXPECT_EQ(markers.nextAfter(20)->index, 1);  // the earliest of equal ones
+  markers.addAll(markers, 100);
+  EXPECT_EQ(markers.count(), 8);
+  markers.adjustForDelete(30, 20);
+  EXPECT_EQ(markers[0].position, 5);
+  EXPECT_EQ(markers[1].position, 109);
+}
+
+class Envelope : public ::testing::Test {
+ protected:
+  Envelope() {
+    envelope_.setLengthField(100);
+    envelope_.addChannel();
+  }
+  std::vector<int> positions() const {
+    std::vector<int> all;
+    for (int i = 0; i < envelope_.pointCount(0); ++i) all.push_back(envelope_.point(i, 0).position);
+    return all;
+  }
+  CVolumeEnvelope envelope_;
+};
+
+TEST_F(Envelope, FlatIsUnityExceptExactlyOnPoints) {
+  EXPECT_EQ(envelope_.gainAt(50, 0), 1.0f);
+  EXPECT_EQ(envelope_.gainAt(0, 0), 0.5f);
+  EXPECT_EQ(envelope_.gainAt(99, 0), 0.5f);
+  EXPECT_EQ(envelope_.gainAt(100, 0), 0.0f);
+  EXPECT_EQ(CVolumeEnvelope().gainAt(3, 0), 1.0f);
+}
+
+TEST_F(Envelope, EndsStayAndPositionsAreDistinct) {
+  EXPECT_FALSE(envelope_.insertPoint(0, 1, 0, EnvelopeKind::linear));
+  EXPECT_FALSE(envelope_.insertPoint(99, 1, 0, EnvelopeKind::linear));
+  EXPECT_FALSE(envelope_.insertPoint(100, 1, 0, EnvelopeKind::linear));
+  EXPECT_FALSE(envelope_.insertPoint(5, 1, 1, EnvelopeKind::linear));
+  EXPECT_FALSE(envelope_.insertPoint(5, 1, 0, static_cast<EnvelopeKind>(4)));
+  EXPECT_TRUE(envelope_.insertPoint(50, 1, 0, EnvelopeKind::linear));
+  EXPECT_FALSE(envelope_.insertPoint(50, 0, 0, EnvelopeKind::linear));
+  EXPECT_FALSE(envelope_.removePoint(0, 0));
+  EXPECT_FALSE(envelope_.removePoint(2, 0));
+  EXPECT_TRUE(envelope_.removePoint(1, 0));
+}
+
+TEST_F(Envelope, EachKindRunsItsCurve) {
+  struct Case {
+    EnvelopeKind kind;
+    float quarter;  // gain a quarter of the way from 0 to 1
+  };
+  for (const Case& c : {Case{EnvelopeKind::linear, 0.5f}, Case{EnvelopeKind::hold, 0.0f},
+                        Case{EnvelopeKind::curve, 0.125f},
+                        Case{EnvelopeKind::smooth, static_cast<float>(1 - std::sqrt(0.5))}}) {
+    CVolumeEnvelope envelope;
+    envelope.setLengthField(100);
+    envelope.addChannel();
+    envelope.insertPoint(20, 0.0f, 0, c.kind);
+    envelope.insertPoint(60, 1.0f, 0, EnvelopeKind::linear);
+    EXPECT_NEAR(envelope.gainAt(30, 0), c.quarter, 1e-6f);
+    std::vector<float> ones(100, 1.0f);
+    envelope.apply(ones.data());
+    EXPECT_NEAR(ones[30], c.quarter, 1e-6f);
+    EXPECT_FLOAT_EQ(ones[20], 0.0f);
+    EXPECT_FLOAT_EQ(ones[60], 2.0f);
+    EXPECT_FLOAT_EQ(ones[99], 1.0f);
+  }
+}
+
+TEST_F(Envelope, FollowsDeletionsAndNewLengths) {
+  envelope_.insertPoint(15, 1, 0, EnvelopeKind::linear);
+  envelope_.insertPoint(50, 1, 0, EnvelopeKind::linear);
+  envelope_.adjustForDelete(10, 19);
+  EXPECT_EQ(positions(), (std::vector<int>{0, 40, 89}));
+  envelope_.adjustForDelete(60, 89);  // the end comes down
+  EXPECT_EQ(positions(), (std::vector<int>{0, 40, 59}));
+  envelope_.setLength(30);
+  EXPECT_EQ(positions().back(), 29);
+  envelope_.invert(0);
+  EXPECT_EQ(envelope_.point(1, 0).value, 0.0f);
+}
+
+TEST_F(Envelope, ForeignPointsAreBroughtIntoOrder) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  envelope_.adoptChannel(0,
+                         {{60, 2.0f, EnvelopeKind::hold}, {20, nan, static_cast<EnvelopeKind>(9)}, {20, 0.1f, {}},
+                          {-5, 0.3f, {}}, {400, 0.3f, {}}},
+                         7);
+  EXPECT_EQ(positions(), (std::vector<int>{0, 20, 60, 99}));
+  EXPECT_EQ(envelope_.point(1, 0).value, 0.5f);
+  EXPECT_EQ(envelope_.point(1, 0).kind, EnvelopeKind::linear);
+  EXPECT_EQ(envelope_.point(2, 0).value, 1.0f);
+  EXPECT_EQ(envelope_.flag(0), 7);
+  envelope_.adoptChannel(0, {{-1, 0.1f, {}}}, 1);
+  EXPECT_EQ(positions().size(), 4u);
+}
+
+TEST(Regions, LieBetweenMarkersAndTheEnds) {
+  auto wave = countingWave(1, 1000);
+  for (int p : {600, 300, 300, 5000}) wave->markers.add(p);
+  EXPECT_EQ(regionBoundaries(*wave), (std::vector<int32_t>{0, 300, 600, 999}));
+}
+
+TEST(Regions, SwappingExchangesTheStretchesAndBackAgain) {
+  auto wave = countingWave(2, 100);
+  for (int p : {10, 30, 60}) wave->markers.add(p);
+  wave->markers.setLabel(0, "ten");
+  wave->loops.setLoop(62, 70);
+  const auto before = framesIn(*wave);
+  swapRegions(*wave, 60, 10);
+  EXPECT_EQ(framesIn(*wave, 1), span(0, 9) + span(60, 99) + span(31, 59) + span(10, 30));
+  EXPECT_EQ(wave->markers[0].position, 79);
+  EXPECT_EQ(wave->loops.start(0), 12);
+  swapRegions(*wave, 10, 79);
+  EXPECT_EQ(framesIn(*wave), before);
+}
+
+TEST(Regions, NeighboursShareNoFrameAndNothingIsLost) {
+  auto wave = countingWave(1, 100);
+  for (int p : {10, 30, 60}) wave->markers.add(p);
+  swapRegions(*wave, 10, 30);
+  EXPECT_EQ(framesIn(*wave), span(0, 9) + span(30, 60) + span(10, 29) + span(61, 99));
+  uint32_t seed = 1;
+  scrambleRegions(*wave, 50, [&] { return seed = seed * 1664525u + 1013904223u; });
+  auto frames = framesIn(*wave);
+  std::sort(frames.begin(), frames.end());
+  EXPECT_EQ(frames, span(0, 99));
+  const auto before = framesIn(*wave);
+  swapRegions(*wave, 20, 99);  // nothing behind the last frame
+  EXPECT_EQ(framesIn(*wave), before);
+}
+
+}  // namespace
+}  // namespace plumetta
