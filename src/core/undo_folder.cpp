@@ -29,6 +29,7 @@ const std::string& UndoFolder::path() {
   if (auto lock = LockFile::create(joinPath(folder, kLockName))) {
     lock_.emplace(std::move(*lock));
     path_ = folder;
+    removeContents(path_);  // an ended process of the same number may have left some
   }
   return path_;
 }

@@ -10,7 +10,8 @@ namespace plumetta {
 // A file that one living process holds. It frees itself when the process ends, however it ends.
 class LockFile {
  public:
-  // Creates the file already held: no moment exists in which another process could take it.
+  // Creates the file already held: no moment exists in which another process could take it. One that an ended
+  // process left under the name is taken over; nothing while a living one holds it.
   static std::optional<LockFile> create(const std::string& path);
   // Takes over the file of a process that has ended; nothing while its owner lives.
   static std::optional<LockFile> takeOver(const std::string& path);

@@ -27,7 +27,9 @@ std::string fileNameOf(const std::string& path) { return path.substr(nameStart(p
 std::string folderOf(const std::string& path) {
   const size_t start = nameStart(path);
   if (start == 0) return ".";
-  return start == 1 ? path.substr(0, 1) : path.substr(0, start - 1);
+  // "C:" alone would mean the drive's current folder rather than its root.
+  const bool driveRoot = start == 3 && path[1] == ':' && isPathSeparator('\\');
+  return start == 1 || driveRoot ? path.substr(0, start) : path.substr(0, start - 1);
 }
 
 std::string joinPath(const std::string& folder, const std::string& name) {

@@ -19,7 +19,8 @@ int digitOf(char c, int base) {
 }  // namespace
 
 bool sameProfileName(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return lower(x) == lower(y); });
 }
 
 int parseProfileInt(const std::string& value) {
@@ -37,7 +38,8 @@ int parseProfileInt(const std::string& value) {
   return static_cast<int>(negative ? 0u - number : number);
 }
 
-int readProfileInt(const std::string& path, const std::string& section, const std::string& key, int fallback) {
+int readProfileInt(const std::string& path, const std::string& section, const std::string& key,
+                   int fallback) {
   const std::string value = readProfileString(path, section, key, "");
   return value.empty() ? fallback : parseProfileInt(value);
 }

@@ -173,7 +173,8 @@ class PosixFileSystem : public FileSystem {
   std::vector<std::string> list(const std::string& folder) override {
     std::vector<std::string> names;
     std::error_code error;
-    for (std::filesystem::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
+    for (std::filesystem::directory_iterator it(folder, error), end; !error && it != end;
+         it.increment(error)) {
       names.push_back(it->path().filename().string());
     }
     return names;

@@ -11,6 +11,7 @@ namespace plumetta {
 namespace {
 
 constexpr uint64_t kLargestProfile = uint64_t{16} << 20;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view trimmed(std::string_view text) {
   const char* blanks = " \t\r\n";
@@ -30,10 +31,16 @@ class Profile {
   explicit Profile(const std::string& path) : path_(path) {
     std::error_code error;
     const auto file = nativeFileSystem().openForReading(path, error);
-    if (!file || file->size() > kLargestProfile) return;
+    if (error == std::errc::no_such_file_or_directory) return;
+    complete_ = file && file->size() <= kLargestProfile;
+    if (!complete_) return;
     std::string text(static_cast<size_t>(file->size()), '\0');
     text.resize(file->read(text.data(), text.size(), error));
-    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    complete_ = !error;
+    if (text.starts_with(kByteOrderMark)) {
+      hasMark_ = true;
+      text.erase(0, kByteOrderMark.size());
+    }
     for (size_t start = 0; start < text.size();) {
       const size_t end = text.find('\n', start);
       const size_t next = end == std::string::npos ? text.size() : end + 1;
@@ -50,15 +57,16 @@ class Profile {
   }
 
   void setValue(const std::string& section, const std::string& key, const std::string& value) {
-    const std::string line = key + "=" + value + "\r\n";
+    const std::string lineEnd = lines_.empty() || lines_[0].ends_with("\r\n") ? "\r\n" : "\n";
+    const std::string line = key + "=" + value + lineEnd;
     if (const auto found = findKey(section, key)) {
       lines_[*found] = line;
       return;
     }
-    if (!lines_.empty() && !lines_.back().ends_with('\n')) lines_.back() += "\r\n";
+    if (!lines_.empty() && !lines_.back().ends_with('\n')) lines_.back() += lineEnd;
     const auto head = findSection(section);
     if (!head) {
-      lines_.push_back("[" + section + "]\r\n");
+      lines_.push_back("[" + section + "]" + lineEnd);
       lines_.push_back(line);
       return;
     }
@@ -76,17 +84,21 @@ class Profile {
 
   // Beside the file first and then in its place, so that a crash leaves the old one or the new one.
   bool save() const {
+    // What couldn't be read whole would be lost by writing it.
+    if (!complete_) return false;
     FileSystem& files = nativeFileSystem();
     const std::string target = files.resolveLinks(path_);
     const std::string passing = target + "." + std::to_string(processId());
-    std::string text;
+    std::string text(hasMark_ ? kByteOrderMark : std::string_view());
     for (const std::string& line : lines_) text += line;
     std::error_code error;
+    files.remove(passing);  // a killed process of the same number may have left one
     auto file = files.createNew(passing, error);
     if (!file) return false;
     error = file->write(text.data(), text.size());
     const auto closeError = file->close();
-    if (!error && !closeError && !files.adoptAccess(passing, target) && !files.replace(passing, target, false)) {
+    if (!error && !closeError && !files.adoptAccess(passing, target) &&
+        !files.replace(passing, target, false)) {
       return true;
     }
     files.remove(passing);
@@ -125,6 +137,8 @@ class Profile {
 
   std::string path_;
   std::vector<std::string> lines_;
+  bool hasMark_ = false;
+  bool complete_ = true;  // false when there is a file that couldn't be read to its end
 };
 
 }  // namespace

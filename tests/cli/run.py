@@ -1,0 +1,151 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Calls plumetta-cli as a shell would: run.py COMMAND...  Files are named relatively, so that the same calls
+serve a program under Wine."""
+import json
+import os
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+COMMAND = []
+
+
+def wav_bytes(frames, channels=1, rate=8000):
+    data = b"".join(struct.pack("<h", (i * 7) % 2000 - 1000) for i in range(frames * channels))
+    fmt = struct.pack("<HHIIHH", 1, channels, rate, rate * channels * 2, channels * 2, 16)
+    body = b"WAVEfmt " + struct.pack("<I", 16) + fmt + b"data" + struct.pack("<I", len(data)) + data
+    return b"RIFF" + struct.pack("<I", len(body)) + body
+
+
+class Cli(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.path = self.folder.name
+        with open(os.path.join(self.path, "a.wav"), "wb") as file:
+            file.write(wav_bytes(1000, 2))
+
+    def tearDown(self):
+        self.folder.cleanup()
+
+    def call(self, *words, status=0, options=()):
+        done = subprocess.run([*COMMAND, "--home", "home", *options, *words], cwd=self.path, timeout=120,
+                              stdin=subprocess.DEVNULL, capture_output=True)
+        out, err = done.stdout.decode(), done.stderr.decode()
+        self.assertEqual(done.returncode, status, out + err)
+        self.err = err
+        return out
+
+    def edit(self, chain, **kwargs):
+        return self.call("edit", *chain.split(), **kwargs)
+
+    def state(self, chain, **kwargs):
+        return json.loads(self.edit(chain + " state", **kwargs))
+
+    def read(self, name):
+        with open(os.path.join(self.path, name), "rb") as file:
+            return file.read()
+
+    def test_opened_and_saved_again_keeps_every_byte_of_the_samples(self):
+        self.edit("open a.wav save b.wav open b.wav save c.wav")
+        original = self.read("a.wav")
+        self.assertEqual(self.read("b.wav")[12:len(original)], original[12:])
+        self.assertEqual(self.read("c.wav"), self.read("b.wav"))
+
+    def test_state_tells_everything(self):
+        state = self.state("open a.wav select 10 19 copy cursor 50 marker 0.1s label=x loop 5 3 "
+                           "envelope-point 500 0.25 1 kind=2 active off=0 new 44100 1 16 10 doc 0")
+        self.assertTrue(state.pop("file").endswith("a.wav"))
+        flat = [{"position": 0, "value": 0.5, "kind": 0}, {"position": 999, "value": 0.5, "kind": 0}]
+        self.assertEqual(state, {
+            "title": "a.wav", "format_tag": 1, "channels": 2, "rate": 8000, "bits": 16, "frames": 1000,
+            "selection": [10, 19], "cursor": 50, "active": [0, 1], "modified": True, "can_undo": True,
+            "can_redo": False, "markers": [{"id": 1, "position": 800, "label": "x"}],
+            "loops": [{"start": 3, "end": 5, "type": 0, "play_count": 0}], "unity_note": 60,
+            "envelope": {"length": 1000, "channels": [
+                flat, [flat[0], {"position": 500, "value": 0.25, "kind": 2}, flat[1]]]},
+            "extra_chunks": [{"id": "ETTA", "size": 32}],
+            "clipboard": {"channels": 2, "rate": 8000, "bits": 16, "frames": 10}, "documents": 2})
+
+    def test_whole_call_is_parsed_before_the_first_step_runs(self):
+        for chain in ["open a.wav save b.wav bogus", "open a.wav save b.wav select 1", "open a.wav save b.wav cursor x",
+                      "open a.wav save b.wav active", "open a.wav save b.wav active solo=x", "", "open",
+                      "open a.wav save b.wav marker 1 colour=red", "open a.wav save b.wav cursor 1.5"]:
+            self.edit(chain, status=2)
+            self.assertNotEqual(self.err, "")
+            self.assertFalse(os.path.exists(os.path.join(self.path, "b.wav")), chain)
+        self.call("bogus", status=2)
+        self.call("edit", "history", options=["--bogus"], status=2)
+
+    def test_refusals_stop_the_chain_or_are_passed_over(self):
+        out = self.edit("open a.wav trim history state", status=1)
+        self.assertEqual((out, self.err), ("", "message: Create selection first\n"))
+        out = self.edit("open a.wav trim undo paste delete history", status=1, options=["--keep-going"])
+        self.assertEqual(out, "Suppr\n")
+        self.edit("open none.wav", status=3)
+        self.assertIn("none.wav", self.err)
+        self.edit("open none.wav new 8000 1 16 5 undo", status=3, options=["--keep-going"])
+        self.edit("state", status=1)
+        self.edit("new 8000 17 16 5", status=1)
+        self.edit("open a.wav doc 1", status=1)
+        self.assertEqual(self.err, "")
+
+    def test_questions_are_answered_by_option_and_else_no(self):
+        chain = "open a.wav envelope-reset envelope-clear history"
+        self.edit(chain, status=1)
+        self.assertEqual(self.err, "question: Do you want to delete all the volume envelope?\n")
+        self.edit(chain, status=1, options=["--no"])
+        self.assertEqual(self.edit(chain, options=["--yes"]), "Volume reset\nVolume delete all\n")
+
+    def test_positions_are_frames_or_times_and_clamped_where_they_select(self):
+        self.assertEqual(self.state("open a.wav select 250ms 0.0125s cursor 9999")["selection"], [999, 100])
+        self.assertEqual(self.state("open a.wav cursor -5 select -3 +7")["selection"], [0, 7])
+        self.assertEqual(self.state("open a.wav cursor 9999")["cursor"], 999)
+        self.assertEqual(self.state("open a.wav select-all")["selection"], [0, 999])
+        self.assertEqual(self.state("open a.wav insert-silence 1000 0.1s")["frames"], 1800)
+
+    def test_samples_print_dump_and_export(self):
+        printed = self.edit("open a.wav print 999 998")
+        values = [[float(v) for v in line.split("\t")] for line in printed.splitlines()]
+        expected = [struct.unpack_from("<2h", self.read("a.wav"), 44 + 4 * f) for f in (998, 999)]
+        self.assertEqual([[round(v * 32767) for v in row] for row in values], [list(row) for row in expected])
+        self.edit("open a.wav dump d.raw export-text t.txt save-range 1 2 r.wav marker 500 split part")
+        floats = struct.unpack("<2000f", self.read("d.raw"))
+        self.assertAlmostEqual(floats[1997], values[0][1])
+        self.assertEqual(len(self.read("t.txt").splitlines()), 1000)
+        self.assertEqual(struct.unpack_from("<I", self.read("r.wav"), 40)[0], 8)
+        self.assertEqual(struct.unpack_from("<I", self.read("part_M001.wav"), 40)[0], 500 * 4)
+        self.edit("open a.wav save-range 1 1000 r.wav", status=1)
+        self.edit("open a.wav save missing/b.wav", status=3)
+
+    def test_undo_in_files_leaves_nothing_behind(self):
+        self.call("settings", "set", "General", "Undo in RAM", "0")
+        state = self.state("open a.wav select 1 5 cut cut cut undo undo undo redo undo")
+        self.assertEqual((state["frames"], state["can_undo"], state["can_redo"]), (1000, False, True))
+        self.assertEqual(os.listdir(os.path.join(self.path, "home")), ["plumetta.cfg"])
+
+    def test_settings_print_and_change_with_their_checks(self):
+        self.assertEqual(self.call("settings"), "[General]\nPasteReplace=1\nUndo in RAM=1\n")
+        self.call("settings", "set", "general", "pastereplace", "0")
+        self.call("settings", "set", "General", "PasteReplace", "2", status=1)
+        self.call("settings", "set", "General", "Nothing", "1", status=2)
+        self.call("settings", "set", "General", status=2)
+        self.assertIn("PasteReplace=0\n", self.call("settings"))
+        self.assertEqual(self.state("open a.wav select 0 9 copy select 20 39 paste")["frames"], 1010)
+
+    def test_info_goes_on_after_a_file_that_fails(self):
+        out = self.call("info", "none.wav", "a.wav", "--json", status=3)
+        self.assertEqual(json.loads(out)["frames"], 1000)
+        self.assertIn("16-bit PCM", self.call("info", "a.wav"))
+
+    def test_help_names_every_step(self):
+        text = self.call("edit", "--help")
+        for step in ["open FILE", "marker FRAME [label=TEXT]", "envelope-point POSITION VALUE CHANNEL [kind=0]"]:
+            self.assertIn(step, text)
+        self.assertIn("1.5.0.1", self.call(options=["--version"]))
+
+
+if __name__ == "__main__":
+    COMMAND = sys.argv[1:]
+    unittest.main(argv=[sys.argv[0]])
