@@ -8,6 +8,7 @@
 #include "core/undo.h"
 #include "core/wave.h"
 #include "doc/document_services.h"
+#include "doc/peak_pyramid.h"
 #include "formats/format.h"
 
 namespace plumetta {
@@ -86,6 +87,8 @@ class CPlumettaDoc : public DisplayState {
   // The statistics report of the selection, or of the whole file.
   std::string statistics(bool includeLevels) const;
   FileOutcome saveStatistics(const std::string& path, bool includeLevels);
+  // What views draw the waveform from; made when it is first asked for after a change.
+  const PeakPyramid& peaks();
 
   // The journal's view of the display.
   ViewState viewState() const override { return view_; }
@@ -103,6 +106,8 @@ class CPlumettaDoc : public DisplayState {
   CWave wave_;
   CDoUndo journal_;
   ViewState view_;
+  PeakPyramid peaks_;
+  bool peaksStale_ = true;
   std::string title_ = kUntitled;
   bool modified_ = false;
   DocumentListener* listener_ = nullptr;
