@@ -178,11 +178,7 @@ void MainFrame::goTo(CPlumettaDoc& doc) {
   const auto position = askPosition(this, doc, profile_);
   if (!position) return;
   doc.setCursor(*position);
-  const ViewState& view = doc.view();
-  if (view.framesPerPixel <= 0) return;  // the whole file is in sight
-  const double seen = view.framesPerPixel * tabs_->activePanel()->GetClientSize().x;
-  if (view.cursor >= view.firstVisibleFrame && view.cursor < view.firstVisibleFrame + seen) return;
-  doc.setScrollAndZoom(std::max(0.0, view.cursor - seen / 2), view.framesPerPixel);
+  tabs_->activePanel()->showFrame(doc.view().cursor);
 }
 
 void MainFrame::editPreferences() {
