@@ -244,12 +244,12 @@ MenuPlan MainFrame::windowMenu() {
   Action documents{"documents", "&Go to window", "", "", nullptr};
   documents.entries = [this] { return documentActions(); };
   documents.enabled = [this] { return tabs_->active() != nullptr; };
-  return {
-      "&Window",
-      {{"next-window", "&Next", "Ctrl+PageDown", "", [this] { tabs_->activateNeighbour(1); }, several},
-       {"previous-window", "&Previous", "Ctrl+PageUp", "", [this] { tabs_->activateNeighbour(-1); }, several},
-       kSeparator,
-       documents}};
+  return {"&Window",
+          {{"next-window", "&Next", "Ctrl+F6", "", [this] { tabs_->activateNeighbour(1); }, several},
+           {"previous-window", "&Previous", "Ctrl+Shift+F6", "", [this] { tabs_->activateNeighbour(-1); },
+            several},
+           kSeparator,
+           documents}};
 }
 
 std::vector<Action> MainFrame::documentActions() {
