@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kHeight = 30;
 constexpr int kWidestFlag = 160;
+constexpr int kFlagPadding = 10;  // both sides of the label together
 constexpr int kEdgeReach = 6;
 
 }  // namespace
@@ -33,11 +34,8 @@ wxString MarkerStrip::label(int marker) const {
   return wxString::Format("%d", marker + 1);
 }
 
-MarkerStrip::Flag MarkerStrip::flag(int marker) const {
-  wxClientDC dc(const_cast<MarkerStrip*>(this));
-  dc.SetFont(smallFont());
-  const int width = std::min(dc.GetTextExtent(label(marker)).x + FromDIP(10), FromDIP(kWidestFlag));
-  return {snapped(view_.scale().x(view_.markerFrame(marker))), static_cast<double>(width)};
+double MarkerStrip::flagWidth(double textWidth) const {
+  return std::min<double>(std::ceil(textWidth) + FromDIP(kFlagPadding), FromDIP(kWidestFlag));
 }
 
 // ---- Drawing --------------------------------------------------------------------------------------------
@@ -57,20 +55,19 @@ void MarkerStrip::paint(wxGraphicsContext& gc, const wxRect& area) {
 
 void MarkerStrip::paintFlag(wxGraphicsContext& gc, int marker) {
   const bool chosen = doc().selectedMarker == marker;
-  const Flag place = flag(marker);
+  const double x = snapped(view_.scale().x(view_.markerFrame(marker)));
   const double height = loopTop() - FromDIP(3);
-  fillRect(gc, theme().marker, place.x, FromDIP(2), hairline(), GetClientSize().y);
-  wxGraphicsPath shape = gc.CreatePath();
-  shape.AddRectangle(place.x, FromDIP(2), place.width, height);
-  gc.SetBrush(wxBrush(chosen ? theme().marker : withAlpha(theme().marker, 0x38)));
-  gc.FillPath(shape);
-  gc.SetFont(smallFont(), chosen ? theme().markerText : theme().text);
-  gc.Clip(place.x, 0, place.width - FromDIP(2), loopTop());
   const wxString text = label(marker);
   double textWidth = 0, textHeight = 0;
+  gc.SetFont(smallFont(), chosen ? theme().markerText : theme().text);
   gc.GetTextExtent(text, &textWidth, &textHeight);
-  gc.DrawText(text, place.x + FromDIP(5), FromDIP(2) + (height - textHeight) / 2);
-  gc.ResetClip();
+  const double width = flagWidth(textWidth);
+  fillRect(gc, chosen ? theme().marker : withAlpha(theme().marker, 0x40), x, FromDIP(2), width, height);
+  fillRect(gc, theme().marker, x, FromDIP(2), hairline(), GetClientSize().y);
+  const bool cut = textWidth > width - FromDIP(kFlagPadding);
+  if (cut) gc.Clip(x, 0, width - FromDIP(2), loopTop());
+  gc.DrawText(text, x + FromDIP(kFlagPadding) / 2.0, FromDIP(2) + (height - textHeight) / 2);
+  if (cut) gc.ResetClip();
 }
 
 void MarkerStrip::paintLoop(wxGraphicsContext& gc, int loop) {
@@ -98,10 +95,12 @@ void MarkerStrip::paintLoop(wxGraphicsContext& gc, int loop) {
 std::optional<int> MarkerStrip::markerAt(const wxPoint& at) const {
   if (at.y >= loopTop()) return std::nullopt;
   const FrameScale scale = view_.scale();
+  wxClientDC dc(const_cast<MarkerStrip*>(this));
+  dc.SetFont(smallFont());
   for (int i = doc().wave().markers.count() - 1; i >= 0; --i) {
     const double x = scale.x(doc().wave().markers[i].position);
     if (at.x < x - FromDIP(3) || at.x > x + FromDIP(kWidestFlag)) continue;
-    if (at.x <= x + flag(i).width) return i;
+    if (at.x <= x + flagWidth(dc.GetTextExtent(label(i)).x)) return i;
   }
   return std::nullopt;
 }

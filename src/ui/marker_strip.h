@@ -19,13 +19,9 @@ class MarkerStrip : public ViewWindow {
   void paint(wxGraphicsContext& gc, const wxRect& area) override;
 
  private:
-  struct Flag {
-    double x, width;
-  };
-
   int loopTop() const { return GetClientSize().y - FromDIP(10); }
   wxString label(int marker) const;
-  Flag flag(int marker) const;
+  double flagWidth(double textWidth) const;
   std::optional<int> markerAt(const wxPoint& at) const;
   std::optional<RangeEdge> loopEdgeAt(const wxPoint& at) const;
   void paintFlag(wxGraphicsContext& gc, int marker);

@@ -126,6 +126,7 @@ void ViewWindow::endDrag() {
 }
 
 void fillRect(wxGraphicsContext& gc, const wxColour& colour, double x, double y, double width, double height) {
+  if (width <= 0 || height <= 0) return;
   gc.SetPen(wxNullPen);
   gc.SetBrush(wxBrush(colour));
   gc.DrawRectangle(x, y, width, height);

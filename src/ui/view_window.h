@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <wx/brush.h>
 #include <wx/graphics.h>
+#include <wx/pen.h>
 #include <wx/timer.h>
 #include <wx/window.h>
 

@@ -97,7 +97,7 @@ void WaveformCanvas::paintAnnotations(wxGraphicsContext& gc, const wxRect& area)
 }
 
 void WaveformCanvas::paintFocus(wxGraphicsContext& gc) {
-  const double width = 2 * hairline();
+  const double width = hairline();
   const wxSize size = GetClientSize();
   fillRect(gc, theme().accent, 0, 0, size.x, width);
   fillRect(gc, theme().accent, 0, size.y - width, size.x, width);
