@@ -9,6 +9,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 sees overlapping copies in std::string's operator+ where there are none.
   target_compile_options(plumetta_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 endif()
+if(PLUMETTA_WERROR)
+  target_compile_options(plumetta_options INTERFACE -Werror)
+endif()
 if(PLUMETTA_SANITIZE)
   target_compile_options(plumetta_options INTERFACE -fsanitize=${PLUMETTA_SANITIZE} -fno-omit-frame-pointer
                          -fno-sanitize-recover=all)
