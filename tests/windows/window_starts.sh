@@ -6,8 +6,10 @@
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-program=$1
-picture=${2:-$(dirname "$program")/window.png}
+built=$1
+# Unlike any other that runs in the same Wine folder, so that it alone is asked to close.
+program=plumetta-$$.exe
+picture=${2:-$(dirname "$built")/window.png}
 folder=$(mktemp -d)
 name=Glöckchen
 
@@ -45,16 +47,17 @@ read -r -t 20 number <"$folder/display" || fail "Xvfb does not start."
 export DISPLAY=:$number
 
 # In a folder of its own, the program keeps its settings beside itself and finds none.
-cp "$program" "$folder/plumetta.exe"
+cp "$built" "$folder/$program"
 "$root/tools/make_demo" "$folder/$name.wav"
-(cd "$folder" && exec "$root/tools/windows/wine-run" plumetta.exe "$name.wav") >"$folder/output" 2>&1 &
+(cd "$folder" && exec "$root/tools/windows/wine-run" "$program" "$name.wav") >"$folder/output" 2>&1 &
 editor=$!
 
 within 90 titled || { import -window root "$picture" || true; fail "No window names $name.wav."; }
 sleep 2  # for the first drawing
 import -window root "$picture"
 ended && fail "The program ended on its own."
-xdotool windowquit "$(head -n 1 "$folder/window")"
+# As the taskbar does it: asked to close, not killed.
+"$root/tools/windows/wine-run" taskkill.exe /im "$program" >>"$folder/output" 2>&1 || fail "Closing did not reach it."
 within 30 ended || fail "The program does not end when its window is closed."
 status=0
 wait "$editor" || status=$?
