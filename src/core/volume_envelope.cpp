@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace plumetta {
 namespace {
@@ -57,6 +58,10 @@ void CVolumeEnvelope::removeChannel(int channel) {
 
 void CVolumeEnvelope::copyChannel(int destination, int source) {
   if (valid(destination) && valid(source)) channels_[destination] = Channel(channels_[source]);
+}
+
+void CVolumeEnvelope::swapChannels(int a, int b) {
+  if (valid(a) && valid(b)) std::swap(channels_[a], channels_[b]);
 }
 
 void CVolumeEnvelope::reset() {

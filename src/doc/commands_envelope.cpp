@@ -8,7 +8,9 @@ namespace plumetta {
 namespace {
 
 using Changes = Command::Changes;
+using Lock = Command::Lock;
 
+constexpr const char* kPointChanged = "Volume point changed";
 constexpr const char* kDeleteQuestion = "Do you want to delete all the volume envelope?";
 
 Parameter channelParameter() { return positionalInteger("channel", "Channel", 0, kMaxChannels - 1); }
@@ -80,6 +82,75 @@ std::optional<Refusal> runRemovePoint(CommandCall& call) {
   return std::nullopt;
 }
 
+// ---- One point that is there ----------------------------------------------------------------------------
+
+// Index and channel are the first two arguments of these commands.
+int pointIndex(const CommandCall& call) { return static_cast<int>(call.integer(0)); }
+int pointChannel(const CommandCall& call) { return static_cast<int>(call.integer(1)); }
+
+std::optional<Refusal> checkExistingPoint(CommandCall& call) {
+  if (pointIndex(call) >= call.doc.wave().envelope.pointCount(pointChannel(call))) return Refusal{};
+  return std::nullopt;
+}
+
+bool isEndPoint(CommandCall& call) {
+  const int count = call.doc.wave().envelope.pointCount(pointChannel(call));
+  return pointIndex(call) == 0 || pointIndex(call) == count - 1;
+}
+
+void tellPointChanged(CommandCall& call) { call.doc.prompter().status(kPointChanged); }
+
+// A point stays between its neighbours; the ends only move up and down.
+std::optional<Refusal> checkMovePoint(CommandCall& call) {
+  if (const auto refusal = checkExistingPoint(call)) return refusal;
+  const CVolumeEnvelope& envelope = call.doc.wave().envelope;
+  const int index = pointIndex(call);
+  const int64_t position = call.frames(2);
+  if (isEndPoint(call)) {
+    if (position != envelope.point(index, pointChannel(call)).position) return Refusal{};
+  } else if (position <= envelope.point(index - 1, pointChannel(call)).position ||
+             position >= envelope.point(index + 1, pointChannel(call)).position) {
+    return Refusal{};
+  }
+  return std::nullopt;
+}
+
+std::optional<Refusal> runMovePoint(CommandCall& call) {
+  CVolumeEnvelope& envelope = call.doc.wave().envelope;
+  envelope.setPosition(pointIndex(call), pointChannel(call), static_cast<int32_t>(call.frames(2)));
+  envelope.setValue(pointIndex(call), pointChannel(call), static_cast<float>(call.real(3)));
+  tellPointChanged(call);
+  return std::nullopt;
+}
+
+std::optional<Refusal> runPointKind(CommandCall& call) {
+  const auto kind = static_cast<EnvelopeKind>(call.integer(2));
+  call.doc.wave().envelope.setKind(pointIndex(call), pointChannel(call), kind);
+  tellPointChanged(call);
+  return std::nullopt;
+}
+
+std::string pointKindName(CommandCall& call) {
+  switch (static_cast<EnvelopeKind>(call.integer(2))) {
+    case EnvelopeKind::smooth:
+      return EffectNames[effect::kVolumePointSmooth];
+    case EnvelopeKind::hold:
+      return EffectNames[effect::kVolumePointHold];
+    case EnvelopeKind::curve:
+      return EffectNames[effect::kVolumePointCurve];
+    case EnvelopeKind::linear:
+      break;
+  }
+  return EffectNames[effect::kVolumePointLinear];
+}
+
+std::optional<Refusal> runResetPoint(CommandCall& call) {
+  constexpr float kUnity = 0.5f;
+  call.doc.wave().envelope.setValue(pointIndex(call), pointChannel(call), kUnity);
+  tellPointChanged(call);
+  return std::nullopt;
+}
+
 // ---- The whole envelope ---------------------------------------------------------------------------------
 
 std::optional<Refusal> runReset(CommandCall& call) {
@@ -113,21 +184,32 @@ std::optional<Refusal> runInvert(CommandCall& call) {
 
 std::vector<Command> envelopeCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
+  const Parameter index = positionalInteger("index", "Point", 0, kMaxFrames);
   const Parameter kind{"kind", "Kind", "", ParameterType::integer, false, int64_t{0}, 0, kEnvelopeKinds - 1, ""};
   // clang-format off
   return {
       {"envelope-point", "", "", Menu::none,
        {positionalFrame("position", "Position"), positionalReal("value", "Value", "", 0, 1),
         channelParameter(), kind},
-       checkPoint, annotations, false, runPoint, effectName<effect::kVolumePointAdded>, Changes::annotations},
+       checkPoint, annotations, Lock::none, runPoint, effectName<effect::kVolumePointAdded>, Changes::annotations},
       {"envelope-remove", "", "", Menu::none,
-       {positionalInteger("index", "Point", 0, kMaxFrames), channelParameter()}, checkRemovePoint, annotations,
-       false, runRemovePoint, effectName<effect::kVolumePointRemoved>, Changes::annotations},
-      {"envelope-reset", "&Flat volume envelope", "", Menu::volume, {}, needAudio, annotations, false, runReset,
+       {index, channelParameter()}, checkRemovePoint, annotations,
+       Lock::none, runRemovePoint, effectName<effect::kVolumePointRemoved>, Changes::annotations},
+      {"envelope-move", "", "", Menu::none,
+       {index, channelParameter(), positionalFrame("position", "Position"),
+        positionalReal("value", "Value", "", 0, 1)},
+       checkMovePoint, annotations, Lock::none, runMovePoint,
+       [](CommandCall&) -> std::string { return kPointChanged; }, Changes::annotations},
+      {"envelope-kind", "", "", Menu::none,
+       {index, channelParameter(), positionalInteger("kind", "Kind", 0, kEnvelopeKinds - 1)},
+       checkExistingPoint, annotations, Lock::none, runPointKind, pointKindName, Changes::annotations},
+      {"envelope-point-reset", "", "", Menu::none, {index, channelParameter()}, checkExistingPoint, annotations,
+       Lock::none, runResetPoint, effectName<effect::kVolumePointReset>, Changes::annotations},
+      {"envelope-reset", "&Flat volume envelope", "", Menu::volume, {}, needAudio, annotations, Lock::none, runReset,
        effectName<effect::kVolumeReset>, Changes::annotations},
-      {"envelope-invert", "", "", Menu::none, {channelParameter()}, checkInvert, annotations, false, runInvert,
+      {"envelope-invert", "", "", Menu::none, {channelParameter()}, checkInvert, annotations, Lock::none, runInvert,
        effectName<effect::kVolumeReversed>, Changes::annotations},
-      {"envelope-clear", "&Delete volume envelope", "", Menu::volume, {}, checkClear, annotations, false,
+      {"envelope-clear", "&Delete volume envelope", "", Menu::volume, {}, checkClear, annotations, Lock::none,
        runClear, effectName<effect::kVolumeDeleted>, Changes::annotations},
   };
   // clang-format on

@@ -79,7 +79,15 @@ void CPlumettaDoc::setViewState(const ViewState& state) {
   if (listener_ != nullptr) listener_->viewChanged();
 }
 
+const PeakPyramid& CPlumettaDoc::peaks() {
+  // A window may be painted while a command that has already changed the length still runs.
+  if (peaksStale_ || !peaks_.fits(wave_)) peaks_.rebuild(wave_);
+  peaksStale_ = false;
+  return peaks_;
+}
+
 void CPlumettaDoc::samplesChanged() {
+  peaksStale_ = true;
   if (listener_ != nullptr) listener_->samplesChanged();
 }
 

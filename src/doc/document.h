@@ -8,6 +8,7 @@
 #include "core/undo.h"
 #include "core/wave.h"
 #include "doc/document_services.h"
+#include "doc/peak_pyramid.h"
 #include "formats/format.h"
 
 namespace plumetta {
@@ -83,6 +84,12 @@ class CPlumettaDoc : public DisplayState {
   FileOutcome exportText(const std::string& path);
   FileOutcome dumpFloats(const std::string& path);
 
+  // The statistics report of the selection, or of the whole file.
+  std::string statistics(bool includeLevels) const;
+  FileOutcome saveStatistics(const std::string& path, bool includeLevels);
+  // What views draw the waveform from; made when it is first asked for after a change.
+  const PeakPyramid& peaks();
+
   // The journal's view of the display.
   ViewState viewState() const override { return view_; }
   void setViewState(const ViewState& state) override;
@@ -99,6 +106,8 @@ class CPlumettaDoc : public DisplayState {
   CWave wave_;
   CDoUndo journal_;
   ViewState view_;
+  PeakPyramid peaks_;
+  bool peaksStale_ = true;
   std::string title_ = kUntitled;
   bool modified_ = false;
   DocumentListener* listener_ = nullptr;

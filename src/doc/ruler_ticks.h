@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace plumetta {
+
+// Regular ticks along time, in frames.
+struct TickSpacing {
+  double major;       // frames between labels
+  int minorParts;     // small ticks divide a major step into this many
+  int timeDecimals;   // decimals that labels in seconds need to differ
+};
+
+// Steps that people count in (1, 2, 5 and their like; 15 and 30 seconds and minutes), labels at least
+// `minimumPixels` apart.
+TickSpacing timeTicks(double framesPerPixel, uint32_t sampleRate, double minimumPixels);
+TickSpacing frameTicks(double framesPerPixel, double minimumPixels);
+
+// "h:mm:ss.mmm" with this many decimals (none leaves the point out), rounded to nearest.
+std::string formatTime(double seconds, int decimals = 3);
+// "1 234 567": digits in groups of three.
+std::string formatCount(int64_t count);
+
+struct AmplitudeTick {
+  double value;  // -1 to 1 at zoom 1
+  std::string label;
+};
+
+// Labels for a lane of this height in pixels that shows ±1/zoom, at least `minimumPixels` apart; the zero line
+// first. In decibels the same heights carry full-scale levels.
+std::vector<AmplitudeTick> amplitudeTicks(double height, double zoom, bool decibels, double minimumPixels);
+
+}  // namespace plumetta

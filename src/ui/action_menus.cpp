@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/action_menus.h"
+
+#include <wx/textentry.h>
+#include <wx/toolbar.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "ui/text.h"
+
+namespace plumetta {
+namespace {
+
+// Numbers kept free for the entries of each submenu; more entries than that are not shown.
+constexpr int kSubmenuRoom = 100;
+
+wxString labelOf(const Action& action) {
+  return toWx(action.key.empty() ? action.text : action.text + "\t" + action.key);
+}
+
+int flagsOf(const wxKeyEvent& event) {
+  return (event.ControlDown() ? wxACCEL_CTRL : 0) | (event.AltDown() ? wxACCEL_ALT : 0) |
+         (event.ShiftDown() ? wxACCEL_SHIFT : 0);
+}
+
+}  // namespace
+
+std::string plainText(const Action& action) {
+  std::string text = fromWx(wxMenuItem::GetLabelText(toWx(action.text)));
+  constexpr std::string_view kDots = "…";
+  if (text.ends_with(kDots)) text.resize(text.size() - kDots.size());
+  return text;
+}
+
+ActionMenus::ActionMenus(wxFrame& frame, std::function<bool()> mayRun)
+    : frame_(frame), mayRun_(std::move(mayRun)), nextNumber_(wxID_HIGHEST + 1) {
+  frame_.Bind(wxEVT_MENU, &ActionMenus::onMenu, this);
+  frame_.Bind(wxEVT_CHAR_HOOK, &ActionMenus::onCharHook, this);
+}
+
+void ActionMenus::build(std::vector<MenuPlan> plan) {
+  plan_ = std::move(plan);
+  auto* bar = new wxMenuBar;
+  for (const MenuPlan& one : plan_) {
+    auto* menu = new wxMenu;
+    for (const Action& action : one.actions) append(*menu, action);
+    bar->Append(menu, toWx(one.title));
+  }
+  frame_.SetMenuBar(bar);
+  refresh();
+}
+
+void ActionMenus::append(wxMenu& menu, const Action& action) {
+  if (action.text.empty()) {
+    menu.AppendSeparator();
+    return;
+  }
+  const int number = nextNumber_++;
+  numbers_[action.id] = number;
+  if (action.entries) {
+    auto* submenu = new wxMenu;
+    items_[number] = {&action, menu.AppendSubMenu(submenu, toWx(action.text), toWx(action.help))};
+    submenus_[action.id] = {submenu, nextNumber_, {}};
+    nextNumber_ += kSubmenuRoom;
+    refill(action.id);
+    return;
+  }
+  if (!action.key.empty()) addKey(action.key, action.id);
+  const auto kind = action.checked ? wxITEM_CHECK : wxITEM_NORMAL;
+  items_[number] = {&action, menu.Append(number, labelOf(action), toWx(action.help), kind)};
+}
+
+void ActionMenus::addKey(const std::string& key, const std::string& id) {
+  wxAcceleratorEntry entry;
+  if (!entry.FromString(toWx(key))) throw std::logic_error("no such key: " + key);
+  entry.Set(entry.GetFlags(), entry.GetKeyCode(), numberOf(id));
+  keys_.push_back(entry);
+}
+
+void ActionMenus::refill(const std::string& id) {
+  Submenu& submenu = submenus_.at(id);
+  while (submenu.menu->GetMenuItemCount() > 0) submenu.menu->Destroy(submenu.menu->FindItemByPosition(0));
+  submenu.entries = action(id).entries();
+  if (submenu.entries.size() > kSubmenuRoom) submenu.entries.resize(kSubmenuRoom);
+  int number = submenu.firstNumber;
+  for (const Action& entry : submenu.entries) {
+    const auto kind = entry.checked ? wxITEM_CHECK : wxITEM_NORMAL;
+    wxMenuItem* item = submenu.menu->Append(number++, labelOf(entry), toWx(entry.help), kind);
+    if (entry.checked) item->Check(entry.checked());
+  }
+}
+
+void ActionMenus::refresh() {
+  for (auto& [number, item] : items_) {
+    const bool enabled = !item.action->enabled || item.action->enabled();
+    if (enabled != item.enabled) {
+      item.enabled = enabled;
+      item.item->Enable(enabled);
+      if (wxToolBar* tools = frame_.GetToolBar()) tools->EnableTool(number, enabled);
+    }
+    // The toolkit ticks an item by itself when it is chosen, so the item is asked rather than remembered.
+    if (item.action->checked && item.item->IsChecked() != item.action->checked()) {
+      item.item->Check(item.action->checked());
+    }
+  }
+}
+
+int ActionMenus::numberOf(const std::string& id) const { return numbers_.at(id); }
+
+const Action& ActionMenus::action(const std::string& id) const { return *items_.at(numberOf(id)).action; }
+
+void ActionMenus::onMenu(wxCommandEvent& event) {
+  if (const auto found = items_.find(event.GetId()); found != items_.end()) {
+    run(*found->second.action);
+    return;
+  }
+  for (const auto& [id, submenu] : submenus_) {
+    const int index = event.GetId() - submenu.firstNumber;
+    if (index < 0 || index >= static_cast<int>(submenu.entries.size())) continue;
+    // A copy, for running may refill the submenu.
+    const Action entry = submenu.entries[static_cast<size_t>(index)];
+    run(entry);
+    return;
+  }
+  event.Skip();
+}
+
+void ActionMenus::onCharHook(wxKeyEvent& event) {
+  const bool typing = dynamic_cast<wxTextEntry*>(wxWindow::FindFocus()) != nullptr;
+  for (const wxAcceleratorEntry& key : keys_) {
+    if (typing || event.GetKeyCode() != key.GetKeyCode() || flagsOf(event) != key.GetFlags()) continue;
+    const Action& action = *items_.at(key.GetCommand()).action;
+    if (action.enabled && !action.enabled()) continue;
+    run(action);
+    return;
+  }
+  event.Skip();
+}
+
+void ActionMenus::run(const Action& action) {
+  // Keys arrive before the menus have caught up with the last change.
+  if (mayRun_() && action.run && (!action.enabled || action.enabled())) action.run();
+  refresh();
+}
+
+}  // namespace plumetta

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/edit_dialogs.h"
+
+#include <cmath>
+
+#include "ui/form_dialog.h"
+#include "ui/number_text.h"
+#include "ui/text.h"
+
+namespace plumetta {
+namespace {
+
+// ---- New file -------------------------------------------------------------------------------------------
+
+constexpr const char* kNewFile = "New file";
+
+struct Encoding {
+  const char* name;
+  int bits;
+  uint16_t formatTag;
+};
+constexpr Encoding kEncodings[] = {{"8-bit PCM", 8, kFormatPcm},
+                                   {"16-bit PCM", 16, kFormatPcm},
+                                   {"24-bit PCM", 24, kFormatPcm},
+                                   {"32-bit PCM", 32, kFormatPcm},
+                                   {"32-bit float", 32, kFormatFloat}};
+constexpr int kEncodingCount = static_cast<int>(std::size(kEncodings));
+constexpr double kMaxRate = 4294967295.0;  // what the rate's 32-bit field holds
+
+wxArrayString commonRates() {
+  wxArrayString rates;
+  for (const char* rate :
+       {"8000", "11025", "16000", "22050", "32000", "44100", "48000", "88200", "96000", "176400", "192000"}) {
+    rates.Add(rate);
+  }
+  return rates;
+}
+
+wxArrayString channelCounts() {
+  wxArrayString counts;
+  counts.Add("1 (mono)");
+  counts.Add("2 (stereo)");
+  for (int i = 3; i <= kMaxChannels; ++i) counts.Add(wxString::Format("%d", i));
+  return counts;
+}
+
+int within(int value, int minimum, int maximum) {
+  return value < minimum ? minimum : value > maximum ? maximum : value;
+}
+
+// ---- Insert silence -------------------------------------------------------------------------------------
+
+constexpr const char* kSilence = "Insert Silence";
+enum PositionType { kAtStart = 0, kAtEnd = 1, kAtCursor = 2, kPositionTypes = 3 };
+
+int64_t positionOf(int type, const CPlumettaDoc& doc) {
+  if (type == kAtStart) return 0;
+  return type == kAtEnd ? doc.wave().frames() : doc.view().cursor;
+}
+
+int64_t framesOf(double seconds, uint32_t sampleRate) {
+  return FrameOrTime{seconds, true}.frames(sampleRate);
+}
+
+// A length that adds at least one frame and no more than there is room for.
+FormDialog::Check silenceLength(const CPlumettaDoc& doc) {
+  const uint32_t rate = doc.wave().sampleRate();
+  const int64_t room = kMaxFrames - doc.wave().frames();
+  return [=](const std::string& text) -> std::string {
+    const auto seconds = parseNumber(text);
+    if (!seconds) return "This is not a number.";
+    const int64_t frames = framesOf(*seconds, rate);
+    if (frames < 1) return "At least one frame is needed.";
+    return frames > room ? "No file can become that long." : "";
+  };
+}
+
+// ---- Go to ----------------------------------------------------------------------------------------------
+
+constexpr const char* kGoTo = "Go to";
+
+wxArrayString positionUnits() {
+  wxArrayString units;
+  units.Add("seconds");
+  units.Add("frames");
+  return units;
+}
+
+}  // namespace
+
+std::optional<NewFileChoice> askNewFile(wxWindow* parent, WindowProfile& profile) {
+  FormDialog form(parent, "New file");
+  wxComboBox* rate = form.addCombo("Sample rate", "Hz", toWx(profile.text(kNewFile, "Rate", "44100")),
+                                   commonRates(), wholeNumberBetween(1, kMaxRate));
+  wxChoice* channels = form.addChoice("Channels", channelCounts(),
+                                      within(profile.integer(kNewFile, "Channels", 2), 1, kMaxChannels) - 1);
+  wxArrayString encodings;
+  for (const Encoding& encoding : kEncodings) encodings.Add(encoding.name);
+  wxChoice* encoding = form.addChoice(
+      "Samples", encodings, within(profile.integer(kNewFile, "Encoding", 1), 0, kEncodingCount - 1));
+  const auto checkLength = [rate](const std::string& text) -> std::string {
+    const auto seconds = parseNumber(text);
+    if (!seconds || *seconds < 0) return seconds ? "A length is never negative." : "This is not a number.";
+    return std::round(*seconds * checkedNumber(*rate)) > kMaxFrames ? "No file can be that long." : "";
+  };
+  wxTextCtrl* length =
+      form.addText("Length", "seconds", toWx(numberText(profile.real(kNewFile, "Length", 10))), checkLength);
+  if (!form.ask("Create")) return std::nullopt;
+
+  NewFileChoice choice{};
+  choice.sampleRate = static_cast<uint32_t>(checkedNumber(*rate));
+  choice.channels = channels->GetSelection() + 1;
+  choice.bits = kEncodings[encoding->GetSelection()].bits;
+  choice.formatTag = kEncodings[encoding->GetSelection()].formatTag;
+  choice.frames = framesOf(checkedNumber(*length), choice.sampleRate);
+  profile.setReal(kNewFile, "Rate", choice.sampleRate);
+  profile.setInteger(kNewFile, "Channels", choice.channels);
+  profile.setInteger(kNewFile, "Encoding", encoding->GetSelection());
+  profile.setReal(kNewFile, "Length", checkedNumber(*length));
+  return choice;
+}
+
+std::optional<SilenceChoice> askSilence(wxWindow* parent, const CPlumettaDoc& doc, WindowProfile& profile) {
+  FormDialog form(parent, "Insert silence");
+  wxTextCtrl* length = form.addText(
+      "Length", "seconds", toWx(numberText(profile.real(kSilence, "Length", 1.0))), silenceLength(doc));
+  wxArrayString positions;
+  positions.Add("At the start");
+  positions.Add("At the end");
+  positions.Add("At the cursor");
+  const int stored = profile.integer(kSilence, "Position Type", kAtStart);
+  // Any other stored number means no place at all; the person has to choose one then.
+  wxChoice* place =
+      form.addChoice("Position", positions, stored >= 0 && stored < kPositionTypes ? stored : -1);
+  if (!form.ask("Insert")) return std::nullopt;
+
+  const int type = place->GetSelection();
+  profile.setReal(kSilence, "Length", checkedNumber(*length));
+  if (type == wxNOT_FOUND) return std::nullopt;
+  profile.setInteger(kSilence, "Position Type", type);
+  return SilenceChoice{positionOf(type, doc), framesOf(checkedNumber(*length), doc.wave().sampleRate())};
+}
+
+std::optional<int64_t> askPosition(wxWindow* parent, const CPlumettaDoc& doc, WindowProfile& profile) {
+  FormDialog form(parent, "Go to");
+  const int unit = within(profile.integer(kGoTo, "Unit", 0), 0, 1);
+  const double now = unit == 1 ? doc.view().cursor : doc.view().cursor / double(doc.wave().sampleRate());
+  const auto field = form.addNumberWithUnits("Position", toWx(numberText(std::round(now * 1e6) / 1e6)),
+                                             positionUnits(), unit, numberBetween(0, kMaxFrames));
+  if (!form.ask("Go")) return std::nullopt;
+  profile.setInteger(kGoTo, "Unit", field.unit->GetSelection());
+  return FrameOrTime{checkedNumber(*field.number), field.unit->GetSelection() == 0}.frames(
+      doc.wave().sampleRate());
+}
+
+bool askPreferences(wxWindow* parent, Settings& settings) {
+  FormDialog form(parent, "Preferences");
+  wxCheckBox* inRam = form.addCheckBox("Undo in RAM", settings.edit.undoInRam);
+  wxCheckBox* replace = form.addCheckBox("Paste replaces the selection", settings.edit.pasteReplace);
+  if (!form.ask()) return false;
+  settings.edit.undoInRam = inRam->GetValue();
+  settings.edit.pasteReplace = replace->GetValue();
+  return true;
+}
+
+}  // namespace plumetta

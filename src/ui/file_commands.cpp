@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/file_commands.h"
+
+#include <wx/filedlg.h>
+#include <wx/filename.h>
+
+#include <algorithm>
+
+#include "core/regions.h"
+#include "platform/paths.h"
+#include "ui/edit_dialogs.h"
+#include "ui/file_filters.h"
+#include "ui/save_question.h"
+#include "ui/text.h"
+
+namespace plumetta {
+namespace {
+
+constexpr const char* kFolders = "Folders";
+constexpr const char* kNoSelection = "Create selection first";
+
+std::string withoutExtension(const std::string& name) {
+  const std::string extension = extensionOf(name);
+  return extension.empty() ? name : name.substr(0, name.size() - extension.size() - 1);
+}
+
+std::string wavFilter() {
+  return "WAV audio (*.wav)|*.wav";
+}
+
+}  // namespace
+
+FileCommands::FileCommands(wxWindow& parent, Application& app, DocumentTabs& tabs, WindowProfile& profile,
+                           RecentFiles& recent)
+    : parent_(parent), app_(app), tabs_(tabs), profile_(profile), recent_(recent) {}
+
+bool FileCommands::isNamed(const CPlumettaDoc& doc) {
+  return doc.wave().fileName() != kUnnamedWave;
+}
+
+// ---- Coming ---------------------------------------------------------------------------------------------
+
+void FileCommands::createNew() {
+  const auto choice = askNewFile(&parent_, profile_);
+  if (!choice) return;
+  CPlumettaDoc* doc =
+      app_.newDocument(choice->sampleRate, choice->channels, choice->bits, choice->frames, choice->formatTag);
+  if (doc == nullptr) {
+    app_.prompter().message("There is not enough memory for a file of this length.");
+    return;
+  }
+  if (++untitledCount_ > 1) doc->setTitle(kUntitled + std::string(" ") + std::to_string(untitledCount_));
+  tabs_.add(*doc);
+}
+
+void FileCommands::open() {
+  wxFileDialog dialog(&parent_, "Open", toWx(folderFor(tabs_.active())), wxString(),
+                      toWx(openFilter(formatTable())), wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
+  if (dialog.ShowModal() != wxID_OK) return;
+  wxArrayString chosen;
+  dialog.GetPaths(chosen);
+  std::vector<std::string> paths;
+  for (const wxString& path : chosen) paths.push_back(fromWx(path));
+  if (!paths.empty()) profile_.setText(kFolders, "Files", folderOf(paths.front()));
+  openPaths(paths);
+}
+
+void FileCommands::openPaths(const std::vector<std::string>& paths) {
+  for (const std::string& given : paths) {
+    const std::string path = absolutePath(given);
+    if (CPlumettaDoc* present = documentOf(path)) {
+      tabs_.activate(*present);
+      continue;
+    }
+    FileOutcome outcome{};
+    CPlumettaDoc* doc = app_.openDocument(path, outcome);
+    if (doc == nullptr) continue;  // the document has said why
+    tabs_.add(*doc);
+    recent_.add(path);
+  }
+}
+
+void FileCommands::openRecent(const std::string& path) {
+  if (app_.files().kind(path) == FileKind::missing) {
+    app_.prompter().message(path + "\nThis file is no longer there.");
+    recent_.remove(path);
+    return;
+  }
+  openPaths({path});
+}
+
+CPlumettaDoc* FileCommands::documentOf(const std::string& path) const {
+  const wxFileName wanted(toWx(app_.files().resolveLinks(path)));
+  for (const auto& doc : app_.documents()) {
+    if (!isNamed(*doc)) continue;
+    if (wxFileName(toWx(app_.files().resolveLinks(doc->wave().fileName()))).SameAs(wanted)) return doc.get();
+  }
+  return nullptr;
+}
+
+// ---- Being written --------------------------------------------------------------------------------------
+
+std::string FileCommands::folderFor(const CPlumettaDoc* doc) const {
+  if (doc != nullptr && isNamed(*doc)) return folderOf(doc->wave().fileName());
+  const std::string last = profile_.text(kFolders, "Files", "");
+  return app_.files().kind(last) == FileKind::folder ? last : std::string();
+}
+
+std::string FileCommands::askTarget(const wxString& title, const std::string& name, const std::string& filter,
+                                    int filterIndex, const std::vector<std::string>& extensions) {
+  wxFileDialog dialog(&parent_, title, toWx(folderFor(tabs_.active())), toWx(name), toWx(filter),
+                      wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+  dialog.SetFilterIndex(filterIndex);
+  if (dialog.ShowModal() != wxID_OK) return {};
+  std::string path = absolutePath(fromWx(dialog.GetPath()));
+  const auto chosen = static_cast<size_t>(std::max(dialog.GetFilterIndex(), 0));
+  if (extensionOf(path).empty() && !extensions.empty()) {
+    path += "." + extensions[std::min(chosen, extensions.size() - 1)];
+    // The dialog has asked about the name that was typed, not about this one.
+    if (app_.files().kind(path) != FileKind::missing &&
+        !app_.prompter().question(path + "\nThis file exists already. Do you want to replace it?")) {
+      return {};
+    }
+  }
+  profile_.setText(kFolders, "Files", folderOf(path));
+  return path;
+}
+
+bool FileCommands::save(CPlumettaDoc& doc) {
+  const std::string path = doc.wave().fileName();
+  if (!isNamed(doc) || writableFormatOfName(path) == nullptr) return saveAs(doc);
+  if (doc.save(path) != FileOutcome::done) return false;
+  recent_.add(path);
+  return true;
+}
+
+bool FileCommands::saveAs(CPlumettaDoc& doc) {
+  const auto writable = writableFormats(formatTable());
+  std::vector<std::string> extensions;
+  for (const Format* format : writable) extensions.push_back(format->extensions.front());
+  std::string name = doc.title();
+  if (writableFormatOfName(name) == nullptr) name = withoutExtension(name) + "." + extensions.front();
+  const std::string path =
+      askTarget("Save as", name, saveFilter(writable), filterIndexOf(writable, name), extensions);
+  if (path.empty()) return false;
+  if (const CPlumettaDoc* other = documentOf(path); other != nullptr && other != &doc) {
+    app_.prompter().message(path + "\nThis file is open in another window.");
+    return false;
+  }
+  if (doc.save(path) != FileOutcome::done) return false;
+  recent_.add(path);
+  return true;
+}
+
+bool FileCommands::saveSelection(CPlumettaDoc& doc) {
+  if (!doc.view().hasSelection()) {
+    app_.prompter().message(kNoSelection);
+    return false;
+  }
+  const std::string name = withoutExtension(doc.title()) + " selection.wav";
+  const std::string path = askTarget("Save selection as", name, wavFilter(), 0, {"wav"});
+  if (path.empty()) return false;
+  const auto [first, last] = doc.selectionOrPoint();
+  return doc.saveRange(first, last, path) == FileOutcome::done;
+}
+
+bool FileCommands::split(CPlumettaDoc& doc) {
+  const std::string name = withoutExtension(doc.title()) + ".wav";
+  const std::string path =
+      askTarget(toWx("Split at markers: name of the files, to which _M000, _M001… is added"), name,
+                wavFilter(), 0, {"wav"});
+  if (path.empty()) return false;
+  const std::string prefix = withoutExtension(path);
+  const std::string first = prefix + "_M000.wav";
+  if (app_.files().kind(first) != FileKind::missing &&
+      !app_.prompter().question(
+          first + "\nThis file exists already. Do you want to replace the files of this name?")) {
+    return false;
+  }
+  if (doc.split(prefix) != FileOutcome::done) return false;
+  const size_t count = regionBoundaries(doc.wave()).size() - 1;
+  app_.prompter().status(std::to_string(count) + " files written beside " + fileNameOf(first));
+  return true;
+}
+
+bool FileCommands::exportText(CPlumettaDoc& doc) {
+  const std::string name = withoutExtension(doc.title()) + ".txt";
+  const std::string path = askTarget("Export as text", name, "Text (*.txt)|*.txt|All files|*", 0, {"txt"});
+  return !path.empty() && doc.exportText(path) == FileOutcome::done;
+}
+
+// ---- Going ----------------------------------------------------------------------------------------------
+
+void FileCommands::drop(CPlumettaDoc& doc) {
+  tabs_.remove(doc);
+  app_.closeDocument(doc);
+}
+
+bool FileCommands::close(CPlumettaDoc& doc) {
+  if (doc.modified()) {
+    const auto answer = askToSave(&parent_, doc.title(), false);
+    if (answer == SaveAnswer::cancel) return false;
+    if (answer == SaveAnswer::save && !save(doc)) return false;
+  }
+  drop(doc);
+  return true;
+}
+
+bool FileCommands::closeAll() {
+  const auto documents = tabs_.documents();
+  auto unsaved = std::ranges::count_if(documents, [](const CPlumettaDoc* doc) { return doc->modified(); });
+  bool saveTheRest = false;
+  for (CPlumettaDoc* doc : documents) {
+    if (!doc->modified()) continue;
+    tabs_.activate(*doc);
+    auto answer = saveTheRest ? SaveAnswer::save : askToSave(&parent_, doc->title(), unsaved-- > 1);
+    if (answer == SaveAnswer::cancel) return false;
+    saveTheRest = saveTheRest || answer == SaveAnswer::saveAll;
+    if (answer != SaveAnswer::discard && !save(*doc)) return false;
+  }
+  for (CPlumettaDoc* doc : documents) drop(*doc);
+  return true;
+}
+
+}  // namespace plumetta

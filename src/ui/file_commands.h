@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "ui/document_tabs.h"
+#include "ui/recent_files.h"
+#include "ui/window_profile.h"
+
+namespace plumetta {
+
+// The File menu's work: documents come, are written, and go, and nothing unsaved goes without a question.
+class FileCommands {
+ public:
+  FileCommands(wxWindow& parent, Application& app, DocumentTabs& tabs, WindowProfile& profile,
+               RecentFiles& recent);
+
+  void createNew();
+  void open();
+  // Opens each; a file that is open already comes to the front, and one that fails doesn't stop the others.
+  void openPaths(const std::vector<std::string>& paths);
+  // Opens a file of the list of recent ones, or takes it off the list when it is gone.
+  void openRecent(const std::string& path);
+
+  // Each of these gives true when the file was written.
+  bool save(CPlumettaDoc& doc);
+  bool saveAs(CPlumettaDoc& doc);
+  bool saveSelection(CPlumettaDoc& doc);
+  bool split(CPlumettaDoc& doc);
+  bool exportText(CPlumettaDoc& doc);
+
+  // False when the document stays: the person cancelled or the save failed.
+  bool close(CPlumettaDoc& doc);
+  // Asks for all that is unsaved, then closes all or nothing.
+  bool closeAll();
+
+  static bool isNamed(const CPlumettaDoc& doc);
+
+ private:
+  // Empty when the person cancelled. A name without extension gets that of the chosen filter.
+  std::string askTarget(const wxString& title, const std::string& name, const std::string& filter,
+                        int filterIndex, const std::vector<std::string>& extensions);
+  CPlumettaDoc* documentOf(const std::string& path) const;
+  std::string folderFor(const CPlumettaDoc* doc) const;
+  void drop(CPlumettaDoc& doc);
+
+  wxWindow& parent_;
+  Application& app_;
+  DocumentTabs& tabs_;
+  WindowProfile& profile_;
+  RecentFiles& recent_;
+  int untitledCount_ = 0;
+};
+
+}  // namespace plumetta

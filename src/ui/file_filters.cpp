@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/file_filters.h"
+
+#include "platform/paths.h"
+
+namespace plumetta {
+namespace {
+
+std::string patterns(const Format& format, const char* separator) {
+  std::string text;
+  for (const char* extension : format.extensions) {
+    if (!text.empty()) text += separator;
+    text += std::string("*.") + extension;
+  }
+  return text;
+}
+
+std::string filterOf(const Format& format) {
+  return std::string(format.name) + " (" + patterns(format, ", ") + ")|" + patterns(format, ";");
+}
+
+}  // namespace
+
+std::string openFilter(const std::vector<Format>& formats) {
+  std::string all, each;
+  for (const Format& format : formats) {
+    if (format.read == nullptr) continue;
+    if (!all.empty()) all += ";";
+    all += patterns(format, ";");
+    each += filterOf(format) + "|";
+  }
+  return "All audio files|" + all + "|" + each + "All files|*";
+}
+
+std::string saveFilter(const std::vector<const Format*>& writable) {
+  std::string text;
+  for (const Format* format : writable) {
+    if (!text.empty()) text += "|";
+    text += filterOf(*format);
+  }
+  return text;
+}
+
+std::vector<const Format*> writableFormats(const std::vector<Format>& formats) {
+  std::vector<const Format*> writable;
+  for (const Format& format : formats) {
+    if (format.write != nullptr) writable.push_back(&format);
+  }
+  return writable;
+}
+
+int filterIndexOf(const std::vector<const Format*>& writable, const std::string& path) {
+  for (size_t i = 0; i < writable.size(); ++i) {
+    if (writable[i]->hasExtension(extensionOf(path))) return static_cast<int>(i);
+  }
+  return 0;
+}
+
+}  // namespace plumetta

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/form_dialog.h"
+
+#include <wx/button.h>
+#include <wx/settings.h>
+
+#include <cmath>
+
+#include "ui/number_text.h"
+#include "ui/text.h"
+
+namespace plumetta {
+namespace {
+
+constexpr int kFieldWidth = 112;
+constexpr int kGap = 8;
+constexpr int kMargin = 16;
+
+wxColour problemColour() {
+  return wxSystemSettings::GetAppearance().IsDark() ? wxColour(255, 138, 128) : wxColour(179, 38, 30);
+}
+
+FormDialog::Check boundedNumber(double minimum, double maximum, const std::string& message, bool whole) {
+  return [=](const std::string& text) -> std::string {
+    const auto value = parseNumber(text);
+    if (!value) return "This is not a number.";
+    if (whole && *value != std::floor(*value)) return "A whole number is needed.";
+    if (*value >= minimum && *value <= maximum) return {};
+    return message.empty() ? "From " + numberText(minimum) + " to " + numberText(maximum) + "." : message;
+  };
+}
+
+}  // namespace
+
+FormDialog::Check numberBetween(double minimum, double maximum, const std::string& message) {
+  return boundedNumber(minimum, maximum, message, false);
+}
+
+FormDialog::Check wholeNumberBetween(double minimum, double maximum, const std::string& message) {
+  return boundedNumber(minimum, maximum, message, true);
+}
+
+double checkedNumber(const wxTextEntry& entry) {
+  return parseNumber(fromWx(entry.GetValue())).value_or(0);
+}
+
+FormDialog::FormDialog(wxWindow* parent, const wxString& title)
+    : wxDialog(parent, wxID_ANY, title), grid_(new wxFlexGridSizer(2, FromDIP(kGap), FromDIP(12))) {
+  grid_->AddGrowableCol(1);
+  Bind(wxEVT_BUTTON, &FormDialog::onOk, this, wxID_OK);
+}
+
+void FormDialog::addRow(const wxString& label, wxSizer* content, wxStaticText* problem) {
+  auto* text = new wxStaticText(this, wxID_ANY, label.empty() ? label : label + ":");
+  // The label belongs to the field, not to the problem below it.
+  auto* right = new wxBoxSizer(wxVERTICAL);
+  right->Add(content, 0, wxEXPAND);
+  if (problem != nullptr) {
+    right->Add(problem, 0, wxTOP, FromDIP(2));
+    problem->Hide();
+  }
+  const int labelTop = problem != nullptr ? FromDIP(6) : 0;
+  grid_->Add(text, 0, (problem != nullptr ? 0 : wxALIGN_CENTRE_VERTICAL) | wxTOP, labelTop);
+  grid_->Add(right, 0, wxEXPAND);
+}
+
+void FormDialog::addChecked(const wxString& label, wxWindow* window, wxTextEntry* entry, wxWindow* behind,
+                            Check check) {
+  auto* problem = new wxStaticText(this, wxID_ANY, wxString());
+  problem->SetForegroundColour(problemColour());
+  problem->SetFont(GetFont().Smaller());
+  auto* content = new wxBoxSizer(wxHORIZONTAL);
+  content->Add(window, behind == nullptr ? 1 : 0, wxALIGN_CENTRE_VERTICAL);
+  if (behind != nullptr) content->Add(behind, 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(kGap));
+  addRow(label, content, problem);
+  const size_t index = fields_.size();
+  fields_.push_back({entry, window, std::move(check), problem});
+  window->Bind(wxEVT_TEXT, [this, index](wxCommandEvent& event) {
+    fields_[index].touched = true;
+    recheck();
+    event.Skip();
+  });
+}
+
+wxTextCtrl* FormDialog::addText(const wxString& label, const wxString& unit, const wxString& value,
+                                Check check) {
+  const wxSize size = FromDIP(wxSize(unit.empty() && !check ? 2 * kFieldWidth : kFieldWidth, -1));
+  auto* text = new wxTextCtrl(this, wxID_ANY, value, wxDefaultPosition, size);
+  wxWindow* behind = check ? new wxStaticText(this, wxID_ANY, unit) : nullptr;
+  addChecked(label, text, text, behind, std::move(check));
+  return text;
+}
+
+wxComboBox* FormDialog::addCombo(const wxString& label, const wxString& unit, const wxString& value,
+                                 const wxArrayString& choices, Check check) {
+  const wxSize size = FromDIP(wxSize(kFieldWidth, -1));
+  auto* combo = new wxComboBox(this, wxID_ANY, value, wxDefaultPosition, size, choices);
+  addChecked(label, combo, combo, new wxStaticText(this, wxID_ANY, unit), std::move(check));
+  return combo;
+}
+
+FormDialog::NumberWithUnit FormDialog::addNumberWithUnits(const wxString& label, const wxString& value,
+                                                          const wxArrayString& units, int selected,
+                                                          Check check) {
+  const wxSize size = FromDIP(wxSize(kFieldWidth, -1));
+  auto* number = new wxTextCtrl(this, wxID_ANY, value, wxDefaultPosition, size);
+  auto* unit = new wxChoice(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, units);
+  unit->SetSelection(selected);
+  unit->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { recheck(); });
+  addChecked(label, number, number, unit, std::move(check));
+  return {number, unit};
+}
+
+wxChoice* FormDialog::addChoice(const wxString& label, const wxArrayString& choices, int selected) {
+  auto* choice = new wxChoice(this, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(kFieldWidth, -1)), choices);
+  choice->SetSelection(selected);
+  choice->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { recheck(); });
+  auto* content = new wxBoxSizer(wxHORIZONTAL);
+  content->Add(choice, 1);
+  addRow(label, content, nullptr);
+  return choice;
+}
+
+wxCheckBox* FormDialog::addCheckBox(const wxString& label, bool value) {
+  auto* box = new wxCheckBox(this, wxID_ANY, label);
+  box->SetValue(value);
+  auto* content = new wxBoxSizer(wxHORIZONTAL);
+  content->Add(box, 1);
+  addRow(wxString(), content, nullptr);
+  return box;
+}
+
+bool FormDialog::showProblem(Field& field) {
+  const std::string problem = field.check ? field.check(fromWx(field.entry->GetValue())) : std::string();
+  const bool show = field.touched && !problem.empty();
+  if (show) field.problem->SetLabel(toWx(problem));
+  if (show || field.problem->IsShown()) {
+    field.problem->Show(show);
+    if (GetSizer() != nullptr) GetSizer()->SetSizeHints(this);
+  }
+  return problem.empty();
+}
+
+void FormDialog::recheck() {
+  for (Field& field : fields_) showProblem(field);
+}
+
+void FormDialog::onOk(wxCommandEvent& event) {
+  for (Field& field : fields_) {
+    field.touched = true;
+    if (showProblem(field)) continue;
+    field.window->SetFocus();
+    field.entry->SelectAll();
+    return;
+  }
+  event.Skip();
+}
+
+bool FormDialog::ask(const wxString& okLabel) {
+  auto* all = new wxBoxSizer(wxVERTICAL);
+  all->Add(grid_, 1, wxEXPAND | wxALL, FromDIP(kMargin));
+  all->Add(CreateButtonSizer(wxOK | wxCANCEL), 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
+  if (!okLabel.empty()) FindWindow(wxID_OK)->SetLabel(okLabel);
+  SetSizerAndFit(all);
+  CentreOnParent();
+  if (!fields_.empty()) {
+    fields_.front().window->SetFocus();
+    fields_.front().entry->SelectAll();
+  }
+  return ShowModal() == wxID_OK;
+}
+
+}  // namespace plumetta

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <wx/checkbox.h>
+#include <wx/choice.h>
+#include <wx/combobox.h>
+#include <wx/dialog.h>
+#include <wx/radiobox.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace plumetta {
+
+// A dialog of labelled fields with their units. What is wrong with a value stands below its field as soon as
+// it is typed, and OK is refused until every value can be taken.
+class FormDialog : public wxDialog {
+ public:
+  // What is wrong with a text, in a sentence; empty when nothing is.
+  using Check = std::function<std::string(const std::string& text)>;
+
+  FormDialog(wxWindow* parent, const wxString& title);
+
+  wxTextCtrl* addText(const wxString& label, const wxString& unit, const wxString& value, Check check);
+  wxComboBox* addCombo(const wxString& label, const wxString& unit, const wxString& value,
+                       const wxArrayString& choices, Check check);
+  wxChoice* addChoice(const wxString& label, const wxArrayString& choices, int selected);
+  wxCheckBox* addCheckBox(const wxString& label, bool value);
+  // A number with the unit it is given in.
+  struct NumberWithUnit {
+    wxTextCtrl* number;
+    wxChoice* unit;
+  };
+  NumberWithUnit addNumberWithUnits(const wxString& label, const wxString& value, const wxArrayString& units,
+                                    int selected, Check check);
+  // Looks at every field again, when what one may hold depends on another.
+  void recheck();
+  // Adds the buttons, sizes the dialog and shows it. True when OK was chosen.
+  bool ask(const wxString& okLabel = wxString());
+
+ private:
+  struct Field {
+    wxTextEntry* entry;
+    wxWindow* window;
+    Check check;
+    wxStaticText* problem;
+    bool touched = false;
+  };
+
+  void addRow(const wxString& label, wxSizer* content, wxStaticText* problem);
+  // The row of a checked field: the control, what stands behind it, and its problem below.
+  void addChecked(const wxString& label, wxWindow* window, wxTextEntry* entry, wxWindow* behind, Check check);
+  bool showProblem(Field& field);
+  void onOk(wxCommandEvent& event);
+
+  wxFlexGridSizer* grid_;
+  std::vector<Field> fields_;
+};
+
+// Checks for the common cases. `message` empty makes one up from the bounds.
+FormDialog::Check numberBetween(double minimum, double maximum, const std::string& message = {});
+FormDialog::Check wholeNumberBetween(double minimum, double maximum, const std::string& message = {});
+// The number in a field that has passed its check.
+double checkedNumber(const wxTextEntry& entry);
+
+}  // namespace plumetta

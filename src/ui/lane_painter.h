@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <wx/brush.h>
+#include <wx/graphics.h>
+
+#include <vector>
+
+#include "doc/peak_pyramid.h"
+#include "doc/view_geometry.h"
+#include "ui/wave_view.h"
+
+namespace plumetta {
+
+// Draws the waveform of one channel into its lane: columns from smallest to largest sample with their RMS body,
+// a line through the samples where there are fewer than one a pixel, and the samples themselves where they
+// stand far enough apart.
+class LanePainter {
+ public:
+  // `columnWidth`: a device pixel in logical ones. Paints from x = left up to right.
+  LanePainter(wxGraphicsContext& gc, WaveView& view, double columnWidth, int left, int right);
+
+  void paint(int channel, const AmplitudeScale& lane);
+
+ private:
+  struct Paths;
+
+  void paintColumns(int channel, const AmplitudeScale& lane, bool active);
+  void paintLine(int channel, const AmplitudeScale& lane, bool active);
+  void paintSamples(int channel, const AmplitudeScale& lane, const wxColour& colour, int32_t from, int32_t to);
+  void addColumn(Paths& paths, const AmplitudeScale& lane, double x, const PeakColumn& column, float low,
+                 float high) const;
+
+  wxGraphicsContext& gc_;
+  WaveView& view_;
+  FrameScale scale_;
+  double columnWidth_;
+  int left_, right_;
+  std::vector<PeakColumn> columns_;
+};
+
+}  // namespace plumetta

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/main_frame.h"
+
+#include <wx/dnd.h>
+#include <wx/settings.h>
+#include <wx/toolbar.h>
+
+#include "ui/text.h"
+#include "ui/toolbar_icons.h"
+
+namespace plumetta {
+namespace {
+
+constexpr const char* kWindow = "Window";
+constexpr const char* kProgram = "Plumetta";
+
+enum Page { kStartPage, kDocuments };
+enum StatusField { kMessage, kFormat, kLength, kCursor, kSelection, kStatusFields };
+
+// Groups of actions; an empty name stands for the gap between two.
+constexpr const char* kTools[] = {
+    "new",    "open", "save", "",        "undo",     "redo",           "",        "cut", "copy", "paste",
+    "delete", "trim", "",     "zoom-in", "zoom-out", "zoom-selection", "zoom-all"};
+
+class FileDrop : public wxFileDropTarget {
+ public:
+  explicit FileDrop(std::function<void(const wxArrayString&)> onFiles) : onFiles_(std::move(onFiles)) {}
+  bool OnDropFiles(wxCoord, wxCoord, const wxArrayString& files) override {
+    onFiles_(files);
+    return true;
+  }
+
+ private:
+  std::function<void(const wxArrayString&)> onFiles_;
+};
+
+}  // namespace
+
+MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
+    : wxFrame(nullptr, wxID_ANY, kProgram),
+      app_(app),
+      prompter_(prompter),
+      profile_(app),
+      recent_(profile_),
+      pages_(new wxSimplebook(this)),
+      startPage_(new StartPage(pages_)),
+      tabs_(new DocumentTabs(pages_)),
+      files_(*this, app, *tabs_, profile_, recent_),
+      menus_(*this, [this] { return !prompter_.working(); }),
+      place_(*this, profile_) {
+  SetIcons(programIcons());
+  pages_->AddPage(startPage_, wxString());
+  pages_->AddPage(tabs_, wxString());
+  place_.restore();
+  buildStatusBar();
+  menus_.build(menuPlan());
+  for (const char* key : {"Ctrl+=", "Ctrl+Shift+=", "Ctrl+Shift++", "Ctrl+KP_Add"})
+    menus_.addKey(key, "zoom-in");
+  menus_.addKey("Ctrl+KP_Subtract", "zoom-out");
+  menus_.addKey("Ctrl+Shift+Z", "redo");
+  menus_.addKey("Ctrl+Tab", "next-window");
+  menus_.addKey("Ctrl+Shift+Tab", "previous-window");
+  if (profile_.integer(kWindow, "Toolbar", 1) != 0) buildToolBar();
+
+  startPage_->onOpen = [this] { files_.open(); };
+  startPage_->onNew = [this] { files_.createNew(); };
+  startPage_->onRecent = [this](const std::string& path) { files_.openRecent(path); };
+  recent_.onChanged = [this] {
+    menus_.refill("recent");
+    startPage_->setRecent(recent_.paths());
+  };
+  startPage_->setRecent(recent_.paths());
+  tabs_->onActivated = [this] { onActivated(); };
+  tabs_->onTitleChanged = [this] {
+    showTitle();
+    menus_.refill("documents");
+  };
+  tabs_->onStatusChanged = [this] { showStatus(); };
+  tabs_->onCloseWanted = [this](CPlumettaDoc& doc) {
+    if (!prompter_.working()) files_.close(doc);
+  };
+  prompter_.setParent(this);
+  prompter_.onStatus = [this](const wxString& text) { SetStatusText(text, kMessage); };
+  for (wxWindow* window :
+       {static_cast<wxWindow*>(this), static_cast<wxWindow*>(startPage_), static_cast<wxWindow*>(tabs_)}) {
+    acceptFiles(*window);
+  }
+  Bind(wxEVT_CLOSE_WINDOW, &MainFrame::onClose, this);
+  Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
+    menus_.refresh();
+    event.Skip();
+  });
+  Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
+    if (GetToolBar() != nullptr) buildToolBar();
+    event.Skip();
+  });
+  onActivated();
+}
+
+MainFrame::~MainFrame() {
+  prompter_.setParent(nullptr);
+  prompter_.onStatus = nullptr;
+}
+
+void MainFrame::acceptFiles(wxWindow& window) {
+  window.SetDropTarget(new FileDrop([this](const wxArrayString& files) {
+    std::vector<std::string> paths;
+    for (const wxString& file : files) paths.push_back(fromWx(file));
+    // The program that the files come from waits until the drop is over.
+    CallAfter([this, paths] {
+      Raise();
+      if (!prompter_.working()) files_.openPaths(paths);
+    });
+  }));
+}
+
+// ---- Toolbar and status line ----------------------------------------------------------------------------
+
+void MainFrame::buildToolBar() {
+  if (wxToolBar* old = GetToolBar()) {
+    SetToolBar(nullptr);
+    old->Destroy();
+  }
+  wxToolBar* bar = CreateToolBar(wxTB_FLAT | wxTB_HORIZONTAL | wxTB_NODIVIDER);
+  const wxSize size(20, 20);
+  bar->SetToolBitmapSize(FromDIP(size));
+  const wxColour colour = wxSystemSettings::GetColour(wxSYS_COLOUR_BTNTEXT);
+  for (const std::string id : kTools) {
+    if (id.empty()) {
+      bar->AddSeparator();
+      continue;
+    }
+    const Action& action = menus_.action(id);
+    const std::string hint = plainText(action) + (action.key.empty() ? "" : " (" + action.key + ")");
+    bar->AddTool(menus_.numberOf(id), toWx(plainText(action)), toolbarIcon(id, colour, size), wxNullBitmap,
+                 wxITEM_NORMAL, toWx(hint), toWx(action.help));
+    if (action.enabled) bar->EnableTool(menus_.numberOf(id), action.enabled());
+  }
+  bar->Realize();
+}
+
+void MainFrame::showToolBar(bool show) {
+  profile_.setInteger(kWindow, "Toolbar", show ? 1 : 0);
+  if (show) {
+    buildToolBar();
+  } else if (wxToolBar* bar = GetToolBar()) {
+    SetToolBar(nullptr);
+    bar->Destroy();
+  }
+  SendSizeEvent();
+}
+
+void MainFrame::buildStatusBar() {
+  wxStatusBar* bar = CreateStatusBar(kStatusFields, wxSTB_DEFAULT_STYLE);
+  // As wide as the longest usual text of each, with air between.
+  const int air = FromDIP(20);
+  const auto room = [&](const std::string& longest) { return bar->GetTextExtent(toWx(longest)).x + air; };
+  const int widths[kStatusFields] = {-1, room("192000 Hz · stereo · 32-bit float"),
+                                     room("0:00:00.000 (000000000 frames)"), room("0:00:00.000 (000000000)"),
+                                     room("0:00:00.000 – 0:00:00.000 (0:00:00.000)")};
+  int styles[kStatusFields];
+  for (int& style : styles) style = wxSB_FLAT;
+  bar->SetStatusWidths(kStatusFields, widths);
+  bar->SetStatusStyles(kStatusFields, styles);
+  bar->Show(profile_.integer(kWindow, "Status bar", 1) != 0);
+}
+
+void MainFrame::showStatus() {
+  const DocumentPanel* panel = tabs_->activePanel();
+  SetStatusText(panel != nullptr ? panel->statusFormat() : wxString(), kFormat);
+  SetStatusText(panel != nullptr ? panel->statusLength() : wxString(), kLength);
+  SetStatusText(panel != nullptr ? panel->statusCursor() : wxString(), kCursor);
+  SetStatusText(panel != nullptr ? panel->statusSelection() : wxString(), kSelection);
+}
+
+// ---- What stands in front -------------------------------------------------------------------------------
+
+void MainFrame::showTitle() {
+  const CPlumettaDoc* doc = tabs_->active();
+  SetTitle(doc != nullptr ? markedTitle(*doc) + toWx(" – ") + kProgram : wxString(kProgram));
+}
+
+void MainFrame::onActivated() {
+  const Page page = tabs_->active() != nullptr ? kDocuments : kStartPage;
+  if (pages_->GetSelection() != page) pages_->ChangeSelection(page);
+  if (DocumentPanel* panel = tabs_->activePanel(); panel != nullptr && panel->GetDropTarget() == nullptr) {
+    acceptFiles(*panel);
+  }
+  showTitle();
+  showStatus();
+  menus_.refill("documents");
+  menus_.refresh();
+}
+
+void MainFrame::onClose(wxCloseEvent& event) {
+  const bool mayGo = !prompter_.working() && files_.closeAll();
+  if (!mayGo && event.CanVeto()) {
+    event.Veto();
+    return;
+  }
+  place_.store();
+  // Without a veto the documents end with their windows, which look at them to the last.
+  for (CPlumettaDoc* doc : tabs_->documents()) tabs_->remove(*doc);
+  Destroy();
+}
+
+}  // namespace plumetta

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <wx/frame.h>
+#include <wx/simplebook.h>
+
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "doc/command.h"
+#include "ui/action_menus.h"
+#include "ui/document_tabs.h"
+#include "ui/file_commands.h"
+#include "ui/recent_files.h"
+#include "ui/start_page.h"
+#include "ui/window_place.h"
+#include "ui/window_profile.h"
+#include "ui/window_prompter.h"
+
+namespace plumetta {
+
+// The main window: menus, toolbar and status line around the documents, or around the start page when none is
+// open.
+class MainFrame : public wxFrame {
+ public:
+  MainFrame(Application& app, WindowPrompter& prompter);
+  ~MainFrame() override;
+
+  void openFiles(const std::vector<std::string>& paths) { files_.openPaths(paths); }
+
+ private:
+  // The rows of each menu (window_actions.cpp).
+  std::vector<MenuPlan> menuPlan();
+  MenuPlan fileMenu();
+  MenuPlan editMenu();
+  MenuPlan viewMenu();
+  MenuPlan channelMenu();
+  MenuPlan markerMenu();
+  MenuPlan windowMenu();
+  MenuPlan helpMenu();
+  // The rows that the command table has for a menu.
+  std::vector<Action> commandActions(Menu menu);
+  Action commandAction(const Command& command);
+  std::vector<Action> recentActions();
+  std::vector<Action> documentActions();
+  // A row that needs a document, and one that does something with its view.
+  Action documentAction(const char* id, const char* text, const char* key, const char* help,
+                        std::function<void(CPlumettaDoc&)> run);
+  Action viewAction(const char* id, const char* text, const char* key, const char* help,
+                    void (DocumentPanel::*run)());
+
+  void runWithParameters(CPlumettaDoc& doc, const Command& command);
+  void insertSilence(CPlumettaDoc& doc);
+  void addMarker(CPlumettaDoc& doc);
+  void goTo(CPlumettaDoc& doc);
+  void editPreferences();
+  void showAbout();
+
+  void buildToolBar();
+  void buildStatusBar();
+  void showToolBar(bool show);
+  void showStatus();
+  void showTitle();
+  void acceptFiles(wxWindow& window);
+  void onActivated();
+  void onClose(wxCloseEvent& event);
+
+  Application& app_;
+  WindowPrompter& prompter_;
+  WindowProfile profile_;
+  RecentFiles recent_;
+  wxSimplebook* pages_;
+  StartPage* startPage_;
+  DocumentTabs* tabs_;
+  FileCommands files_;
+  ActionMenus menus_;
+  WindowPlace place_;
+};
+
+}  // namespace plumetta

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/plumetta_app.h"
+
+#include <wx/cmdline.h>
+
+#include <clocale>
+
+#include "platform/file_system.h"
+#include "ui/main_frame.h"
+#include "ui/text.h"
+
+namespace plumetta {
+
+void PlumettaApp::OnInitCmdLine(wxCmdLineParser& parser) {
+  wxApp::OnInitCmdLine(parser);
+  parser.AddOption("", "home", "the folder of settings, lists and undo files; made when missing",
+                   wxCMD_LINE_VAL_STRING);
+  parser.AddParam("FILE", wxCMD_LINE_VAL_STRING, wxCMD_LINE_PARAM_OPTIONAL | wxCMD_LINE_PARAM_MULTIPLE);
+}
+
+bool PlumettaApp::OnCmdLineParsed(wxCmdLineParser& parser) {
+  wxString home;
+  if (parser.Found("home", &home)) home_ = fromWx(home);
+  for (size_t i = 0; i < parser.GetParamCount(); ++i) files_.push_back(fromWx(parser.GetParam(i)));
+  return wxApp::OnCmdLineParsed(parser);
+}
+
+bool PlumettaApp::OnInit() {
+  SetAppName("plumetta");
+  SetAppDisplayName("Plumetta");
+  if (!wxApp::OnInit()) return false;
+  // The toolkit has taken over the person's locale. Numbers that the program itself writes and reads, in
+  // files and settings, keep their decimal point all the same.
+  std::setlocale(LC_NUMERIC, "C");
+  application_ = std::make_unique<Application>(prompter_, nativeFileSystem(), home_);
+  auto* frame = new MainFrame(*application_, prompter_);
+  frame->Show();
+  // Once the event loop runs, so that the window is there while long files are read.
+  CallAfter([frame, files = files_] { frame->openFiles(files); });
+  return true;
+}
+
+int PlumettaApp::OnExit() {
+  application_.reset();
+  return wxApp::OnExit();
+}
+
+}  // namespace plumetta

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <wx/app.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "ui/window_prompter.h"
+
+namespace plumetta {
+
+// The program: `plumetta [--home DIR] [FILE...]`.
+class PlumettaApp : public wxApp {
+ public:
+  bool OnInit() override;
+  int OnExit() override;
+  void OnInitCmdLine(wxCmdLineParser& parser) override;
+  bool OnCmdLineParsed(wxCmdLineParser& parser) override;
+
+ private:
+  std::string home_;
+  std::vector<std::string> files_;
+  WindowPrompter prompter_;
+  std::unique_ptr<Application> application_;
+};
+
+}  // namespace plumetta

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/progress_dialog.h"
+
+#include <wx/app.h>
+#include <wx/button.h>
+#include <wx/evtloop.h>
+#include <wx/sizer.h>
+
+#include <cmath>
+
+namespace plumetta {
+namespace {
+
+constexpr int kGaugeSteps = 1000;
+
+}  // namespace
+
+ProgressDialog::ProgressDialog(wxWindow* parent, const wxString& title,
+                               std::chrono::steady_clock::time_point begun)
+    : wxDialog(parent, wxID_ANY, title, wxDefaultPosition, wxDefaultSize, wxCAPTION | wxCLOSE_BOX),
+      begun_(begun),
+      focusBefore_(wxWindow::FindFocus()) {
+  gauge_ = new wxGauge(this, wxID_ANY, kGaugeSteps, wxDefaultPosition, FromDIP(wxSize(360, -1)), wxGA_SMOOTH);
+  remaining_ = new wxStaticText(this, wxID_ANY, wxString());
+  auto* cancelButton = new wxButton(this, wxID_CANCEL);
+  auto* lower = new wxBoxSizer(wxHORIZONTAL);
+  lower->Add(remaining_, 1, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(16));
+  lower->Add(cancelButton);
+  auto* all = new wxBoxSizer(wxVERTICAL);
+  all->Add(gauge_, 0, wxEXPAND | wxLEFT | wxRIGHT | wxTOP, FromDIP(16));
+  all->Add(lower, 0, wxEXPAND | wxALL, FromDIP(16));
+  SetSizerAndFit(all);
+  CentreOnParent();
+  cancelButton->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cancel(); });
+  Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { cancel(); });
+  othersDisabled_ = std::make_unique<wxWindowDisabler>(this);
+  Show();
+}
+
+ProgressDialog::~ProgressDialog() {
+  othersDisabled_.reset();
+  if (focusBefore_) focusBefore_->SetFocus();
+}
+
+void ProgressDialog::cancel() {
+  cancelled_ = true;
+  FindWindow(wxID_CANCEL)->Disable();
+}
+
+bool ProgressDialog::update(float fractionDone) {
+  gauge_->SetValue(static_cast<int>(std::lround(fractionDone * kGaugeSteps)));
+  remaining_->SetLabel(remainingText(fractionDone));
+  if (wxEventLoopBase* loop = wxEventLoopBase::GetActive(); loop != nullptr && !loop->IsYielding()) {
+    loop->YieldFor(wxEVT_CATEGORY_UI | wxEVT_CATEGORY_USER_INPUT | wxEVT_CATEGORY_TIMER);
+  }
+  return !cancelled_;
+}
+
+wxString ProgressDialog::remainingText(float fractionDone) const {
+  const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begun_;
+  // The first estimates jump about too much to be worth reading.
+  if (fractionDone < 0.02f || spent.count() < 1.0) return wxString();
+  const double seconds = spent.count() * (1.0 - fractionDone) / fractionDone;
+  if (seconds < 60.0) return wxString::Format("About %d s left", static_cast<int>(std::ceil(seconds)));
+  return wxString::Format("About %d min left", static_cast<int>(std::ceil(seconds / 60.0)));
+}
+
+}  // namespace plumetta

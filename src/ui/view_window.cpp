@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/view_window.h"
+
+#include <wx/dcbuffer.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace plumetta {
+namespace {
+
+constexpr int kAutoscrollMilliseconds = 30;
+
+}  // namespace
+
+ViewWindow::ViewWindow(wxWindow* parent, WaveView& view, long style)
+    : wxWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, style | wxFULL_REPAINT_ON_RESIZE),
+      view_(view),
+      autoscroll_(this) {
+  SetBackgroundStyle(wxBG_STYLE_PAINT);
+  Bind(wxEVT_PAINT, &ViewWindow::onPaint, this);
+  Bind(wxEVT_MOTION, &ViewWindow::onMotion, this);
+  Bind(wxEVT_LEFT_UP, &ViewWindow::onLeftUp, this);
+  Bind(wxEVT_TIMER, &ViewWindow::onTimer, this);
+  Bind(wxEVT_MOUSE_CAPTURE_LOST, [this](wxMouseCaptureLostEvent&) { cancelDrag(); });
+}
+
+void ViewWindow::onPaint(wxPaintEvent&) {
+  wxAutoBufferedPaintDC dc(this);
+  const std::unique_ptr<wxGraphicsContext> gc(wxGraphicsContext::CreateFromUnknownDC(dc));
+  if (!gc) return;
+  wxRect area = GetUpdateRegion().GetBox();
+  if (area.IsEmpty()) area = GetClientRect();
+  paint(*gc, area);
+}
+
+void ViewWindow::follow() {
+  const ViewState now = doc().view();
+  const ViewState before = std::exchange(shown_, now);
+  const auto scale = ownScale();
+  const auto scaleBefore = std::exchange(shownScale_, scale);
+  if (!scale) return;
+  if (scale != scaleBefore) {
+    Refresh(false);
+    return;
+  }
+  const auto refreshFrames = [&](int32_t a, int32_t b) {
+    if (a == b) return;
+    refreshColumns(scale->x(std::min(a, b)) - reach(), scale->x(std::max(a, b)) + reach());
+  };
+  if (before.cursor != now.cursor) {
+    refreshColumns(scale->x(before.cursor) - reach(), scale->x(before.cursor) + reach());
+    refreshColumns(scale->x(now.cursor) - reach(), scale->x(now.cursor) + reach());
+  }
+  if (before.hasSelection() && now.hasSelection()) {
+    refreshFrames(before.lowerBound(), now.lowerBound());
+    refreshFrames(before.upperBound(), now.upperBound());
+  } else {
+    refreshFrames(before.selectionStart, before.selectionEnd);
+    refreshFrames(now.selectionStart, now.selectionEnd);
+  }
+}
+
+void ViewWindow::refreshColumns(double from, double to) {
+  const int left = static_cast<int>(std::clamp(std::floor(from), 0.0, 1e6));
+  const int right = static_cast<int>(std::clamp(std::ceil(to) + 1, 0.0, 1e6));
+  const wxRect area = GetClientRect().Intersect(wxRect(left, 0, right - left, GetClientSize().y));
+  if (!area.IsEmpty()) RefreshRect(area, false);
+}
+
+double ViewWindow::snapped(double at) const { return std::round(at * deviceScale()) / deviceScale(); }
+
+double ViewWindow::hairline() const {
+  return std::max(std::round(FromDIP(1) * deviceScale()), 1.0) / deviceScale();
+}
+
+wxFont ViewWindow::smallFont() const {
+  wxFont font = GetFont();
+  font.SetFractionalPointSize(font.GetFractionalPointSize() * 0.82);
+  return font;
+}
+
+void ViewWindow::startDrag(std::unique_ptr<Drag> drag) {
+  drag_ = std::move(drag);
+  if (!HasCapture()) CaptureMouse();
+  autoscroll_.Start(kAutoscrollMilliseconds);
+}
+
+void ViewWindow::onMotion(wxMouseEvent& event) {
+  if (drag_) drag_->move(event.GetPosition(), event.ShiftDown());
+  event.Skip();
+}
+
+void ViewWindow::onLeftUp(wxMouseEvent& event) {
+  if (drag_) {
+    // A drop may run a command whose message loop paints this window again.
+    const auto drag = std::move(drag_);
+    endDrag();
+    drag->drop();
+  }
+  event.Skip();
+}
+
+void ViewWindow::onTimer(wxTimerEvent&) {
+  if (!drag_ || ownScale() != view_.scale()) return;
+  const wxMouseState mouse = wxGetMouseState();
+  const wxPoint at = ScreenToClient(mouse.GetPosition());
+  const int beyond = at.x < 0 ? at.x : std::max(at.x - GetClientSize().x + 1, 0);
+  if (beyond == 0) return;
+  view_.scrollBy(beyond * 0.5);
+  drag_->move(at, mouse.ShiftDown());
+}
+
+bool ViewWindow::cancelDrag() {
+  if (!drag_) return false;
+  const auto drag = std::move(drag_);
+  endDrag();
+  drag->cancel();
+  return true;
+}
+
+void ViewWindow::endDrag() {
+  drag_.reset();
+  autoscroll_.Stop();
+  if (HasCapture()) ReleaseMouse();
+}
+
+void fillRect(wxGraphicsContext& gc, const wxColour& colour, double x, double y, double width, double height) {
+  if (width <= 0 || height <= 0) return;
+  gc.SetPen(wxNullPen);
+  gc.SetBrush(wxBrush(colour));
+  gc.DrawRectangle(x, y, width, height);
+}
+
+wxColour withAlpha(const wxColour& colour, unsigned char alpha) {
+  return wxColour(colour.Red(), colour.Green(), colour.Blue(), alpha);
+}
+
+wxString fromUtf8(const std::string& text) { return wxString::FromUTF8(text); }
+
+}  // namespace plumetta

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "doc/command.h"
+#include "doc/document.h"
+#include "doc/view_geometry.h"
+#include "ui/theme.h"
+
+namespace plumetta {
+
+// Annotations as they would be if the drag that is going on ended now.
+struct DragPreview {
+  struct MarkerPlace {
+    int index;
+    int32_t frame;
+  };
+  std::optional<MarkerPlace> marker;
+  std::optional<std::pair<int32_t, int32_t>> loop;
+  std::optional<CVolumeEnvelope> envelope;
+};
+
+// What the parts of a document window share: which stretch of which document they show, and how. Scroll
+// position and zoom live in the document, so that undo brings them back.
+class WaveView {
+ public:
+  explicit WaveView(CPlumettaDoc& document) : doc(document) {}
+
+  CPlumettaDoc& doc;
+  Theme theme = Theme::ofSystem();
+  DragPreview preview;
+  std::function<void()> onRefresh;         // everything shall be drawn again
+  std::function<void()> onPreviewChanged;  // annotations shall be drawn again
+
+  // Width of the waveform in pixels.
+  int width() const { return width_; }
+  void setWidth(int width) { width_ = width; }
+  FrameScale scale() const;
+  // Frames that the window spans.
+  double span() const { return scale().framesPerPixel * (width_ > 1 ? width_ - 1 : 1); }
+
+  void zoomAbout(double x, double factor);
+  // About the cursor when it can be seen, else about the middle.
+  void zoomBy(double factor);
+  void zoomAll();
+  void zoomToSelection();
+  void scrollTo(double firstFrame);
+  void scrollBy(double pixels) { scrollTo(scale().frame(pixels)); }
+  void show(double frame);
+
+  double amplitudeZoom() const { return amplitudeZoom_; }
+  void setAmplitudeZoom(double zoom);
+  bool decibels() const { return decibels_; }
+  void setDecibels(bool decibels);
+  bool timeInFrames() const { return timeInFrames_; }
+  void setTimeInFrames(bool inFrames);
+
+  // A position as the ruler counts.
+  std::string positionText(int64_t frame) const;
+
+  const CVolumeEnvelope& envelope() const { return preview.envelope ? *preview.envelope : doc.wave().envelope; }
+  int32_t markerFrame(int index) const;
+  std::pair<int32_t, int32_t> loopRange(int index) const;
+  void clearPreview();
+
+  // Runs a row of the command table.
+  template <typename... Values>
+  bool run(const char* id, Values... values) {
+    return runWith(id, {std::move(values)...});
+  }
+
+ private:
+  bool runWith(const char* id, Arguments arguments);
+  void apply(const FrameScale& scale);
+  void refresh();
+
+  int width_ = 1;
+  double amplitudeZoom_ = 1;
+  bool decibels_ = false;
+  bool timeInFrames_ = false;
+};
+
+}  // namespace plumetta

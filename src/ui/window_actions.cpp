@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The rows of the menus: those of the command table, and those that only a window has.
+#include <wx/aboutdlg.h>
+#include <wx/generic/aboutdlgg.h>
+#include <wx/toolbar.h>
+#include <wx/version.h>
+
+#include "ui/edit_dialogs.h"
+#include "ui/main_frame.h"
+#include "ui/parameter_dialog.h"
+#include "ui/shortcuts_dialog.h"
+#include "ui/text.h"
+#include "ui/toolbar_icons.h"
+
+namespace plumetta {
+namespace {
+
+const Action kSeparator{};
+
+void append(std::vector<Action>& actions, std::vector<Action> more) {
+  for (Action& action : more) actions.push_back(std::move(action));
+}
+
+// '&' in a file name is no mnemonic.
+std::string escaped(const std::string& text) {
+  std::string result;
+  for (const char c : text) result += c == '&' ? std::string("&&") : std::string(1, c);
+  return result;
+}
+
+}  // namespace
+
+std::vector<MenuPlan> MainFrame::menuPlan() {
+  std::vector<MenuPlan> plan{fileMenu(), editMenu(), viewMenu()};
+  if (auto process = commandActions(Menu::process); !process.empty()) plan.push_back({"&Process", process});
+  plan.push_back(channelMenu());
+  plan.push_back(markerMenu());
+  plan.push_back({"&Loop", commandActions(Menu::loop)});
+  plan.push_back({"V&olume", commandActions(Menu::volume)});
+  plan.push_back(windowMenu());
+  plan.push_back(helpMenu());
+  return plan;
+}
+
+// ---- Rows of the command table --------------------------------------------------------------------------
+
+std::vector<Action> MainFrame::commandActions(Menu menu) {
+  std::vector<Action> actions;
+  for (const Command& command : commandTable()) {
+    if (command.menu == menu && *command.menuText != '\0') actions.push_back(commandAction(command));
+  }
+  return actions;
+}
+
+Action MainFrame::commandAction(const Command& command) {
+  const std::string id = command.id;
+  const std::string dots = command.parameters.empty() ? "" : "…";
+  Action action{id, command.menuText + dots, command.key, "", [this, &command] {
+                  if (CPlumettaDoc* doc = tabs_->active()) runWithParameters(*doc, command);
+                }};
+  action.enabled = [this, id] {
+    const CPlumettaDoc* doc = tabs_->active();
+    if (doc == nullptr) return false;
+    if (id == "undo") return doc->journal().canUndo();
+    if (id == "redo") return doc->journal().canRedo();
+    return id != "paste" || app_.clipboard() != nullptr;
+  };
+  return action;
+}
+
+void MainFrame::runWithParameters(CPlumettaDoc& doc, const Command& command) {
+  prompter_.status("");
+  if (command.parameters.empty()) {
+    runCommand(doc, command);
+  } else if (auto arguments = askParameters(this, command, profile_)) {
+    runCommand(doc, command, std::move(*arguments));
+  }
+}
+
+Action MainFrame::documentAction(const char* id, const char* text, const char* key, const char* help,
+                                 std::function<void(CPlumettaDoc&)> run) {
+  Action action{id, text, key, help, [this, run = std::move(run)] {
+                  if (CPlumettaDoc* doc = tabs_->active()) run(*doc);
+                }};
+  action.enabled = [this] { return tabs_->active() != nullptr; };
+  return action;
+}
+
+Action MainFrame::viewAction(const char* id, const char* text, const char* key, const char* help,
+                             void (DocumentPanel::*run)()) {
+  return documentAction(id, text, key, help, [this, run](CPlumettaDoc&) { (tabs_->activePanel()->*run)(); });
+}
+
+// ---- File -----------------------------------------------------------------------------------------------
+
+MenuPlan MainFrame::fileMenu() {
+  Action save = documentAction("save", "&Save", "Ctrl+S", "Save the file under its name",
+                               [this](CPlumettaDoc& doc) { files_.save(doc); });
+  save.enabled = [this] {
+    const CPlumettaDoc* doc = tabs_->active();
+    return doc != nullptr && (doc->modified() || !FileCommands::isNamed(*doc));
+  };
+  Action saveSelection =
+      documentAction("save-selection", "Save se&lection as…", "", "Save the selected part as WAV",
+                     [this](CPlumettaDoc& doc) { files_.saveSelection(doc); });
+  Action split =
+      documentAction("split", "Split at &markers…", "", "Save each stretch between markers as a file",
+                     [this](CPlumettaDoc& doc) { files_.split(doc); });
+  split.enabled = [this] { return tabs_->active() != nullptr && !tabs_->active()->wave().markers.empty(); };
+  Action recent{"recent", "&Recent files", "", "", nullptr};
+  recent.entries = [this] { return recentActions(); };
+  recent.enabled = [this] { return !recent_.paths().empty(); };
+  const auto anyOpen = [this] { return tabs_->active() != nullptr; };
+  return {
+      "&File",
+      {{"new", "&New…", "Ctrl+N", "A new, silent file", [this] { files_.createNew(); }},
+       {"open", "&Open…", "Ctrl+O", "Open audio files", [this] { files_.open(); }},
+       recent,
+       kSeparator,
+       save,
+       documentAction("save-as", "Save &as…", "Ctrl+Shift+S", "Save under another name or in another format",
+                      [this](CPlumettaDoc& doc) { files_.saveAs(doc); }),
+       saveSelection,
+       split,
+       documentAction("export-text", "&Export as text…", "", "Write the samples as numbers",
+                      [this](CPlumettaDoc& doc) { files_.exportText(doc); }),
+       kSeparator,
+       documentAction("close", "&Close", "Ctrl+W", "Close this file",
+                      [this](CPlumettaDoc& doc) { files_.close(doc); }),
+       {"close-all", "Close all", "Ctrl+Shift+W", "Close every file", [this] { files_.closeAll(); }, anyOpen},
+       kSeparator,
+       {"exit", "E&xit", "Ctrl+Q", "Leave Plumetta", [this] { Close(); }}}};
+}
+
+std::vector<Action> MainFrame::recentActions() {
+  std::vector<Action> actions;
+  for (const std::string& path : recent_.paths()) {
+    const std::string digit = actions.size() < 9 ? "&" + std::to_string(actions.size() + 1) + "  " : "    ";
+    actions.push_back(
+        {"", digit + escaped(path), "", "Open " + path, [this, path] { files_.openRecent(path); }});
+  }
+  return actions;
+}
+
+// ---- Edit -----------------------------------------------------------------------------------------------
+
+MenuPlan MainFrame::editMenu() {
+  MenuPlan menu{"&Edit", {}};
+  for (Action& action : commandActions(Menu::edit)) {
+    const bool groupEnds = action.id == "redo";
+    menu.actions.push_back(std::move(action));
+    if (groupEnds) menu.actions.push_back(kSeparator);
+  }
+  append(menu.actions,
+         {documentAction("silence", "Insert &silence…", "Ctrl+I", "Insert a silent stretch",
+                         [this](CPlumettaDoc& doc) { insertSilence(doc); }),
+          kSeparator,
+          documentAction("select-all", "Select &all", "Ctrl+A", "Select the whole file",
+                         [](CPlumettaDoc& doc) { doc.select(0, doc.lastFrame()); }),
+          documentAction("select-none", "Select &none", "Ctrl+Shift+A", "Take the selection away",
+                         [](CPlumettaDoc& doc) { doc.selectNone(); }),
+          documentAction("go-to", "&Go to…", "Ctrl+G", "Put the cursor at a position",
+                         [this](CPlumettaDoc& doc) { goTo(doc); }),
+          kSeparator,
+          {"preferences", "Pre&ferences…", "", "How editing behaves", [this] { editPreferences(); }}});
+  return menu;
+}
+
+void MainFrame::insertSilence(CPlumettaDoc& doc) {
+  const auto choice = askSilence(this, doc, profile_);
+  if (!choice) return;
+  runCommand(doc, *findCommand("insert-silence"),
+             {FrameOrTime{static_cast<double>(choice->position)},
+              FrameOrTime{static_cast<double>(choice->lengthFrames)}});
+}
+
+void MainFrame::goTo(CPlumettaDoc& doc) {
+  const auto position = askPosition(this, doc, profile_);
+  if (!position) return;
+  doc.setCursor(*position);
+  tabs_->activePanel()->showFrame(doc.view().cursor);
+}
+
+void MainFrame::editPreferences() {
+  if (askPreferences(this, app_.settings())) app_.saveSettings();
+}
+
+// ---- View, channels, markers ----------------------------------------------------------------------------
+
+MenuPlan MainFrame::viewMenu() {
+  using Panel = DocumentPanel;
+  Action toolbar{"toolbar", "&Toolbar", "", "", [this] { showToolBar(GetToolBar() == nullptr); }};
+  toolbar.checked = [this] { return GetToolBar() != nullptr; };
+  Action status{"status-bar", "&Status bar", "", "", [this] {
+                  GetStatusBar()->Show(!GetStatusBar()->IsShown());
+                  profile_.setInteger("Window", "Status bar", GetStatusBar()->IsShown() ? 1 : 0);
+                  SendSizeEvent();
+                }};
+  status.checked = [this] { return GetStatusBar()->IsShown(); };
+  return {"&View",
+          {viewAction("zoom-in", "Zoom &in", "Ctrl++", "Show less of the file, larger", &Panel::zoomIn),
+           viewAction("zoom-out", "Zoom &out", "Ctrl+-", "Show more of the file", &Panel::zoomOut),
+           viewAction("zoom-selection", "Zoom to s&election", "Ctrl+E", "Fill the window with the selection",
+                      &Panel::zoomToSelection),
+           viewAction("zoom-all", "Zoom &all", "Ctrl+0", "Show the whole file", &Panel::zoomAll), kSeparator,
+           viewAction("zoom-vertical-in", "Zoom in &vertically", "Ctrl+Up", "Show quiet passages larger",
+                      &Panel::zoomVerticalIn),
+           viewAction("zoom-vertical-out", "Zoom out ve&rtically", "Ctrl+Down", "Show the waveform smaller",
+                      &Panel::zoomVerticalOut),
+           viewAction("zoom-vertical-reset", "&Full amplitude", "Ctrl+Shift+0", "Show full scale",
+                      &Panel::zoomVerticalReset),
+           kSeparator, toolbar, status}};
+}
+
+MenuPlan MainFrame::channelMenu() {
+  MenuPlan menu{"&Channel", commandActions(Menu::channel)};
+  if (!menu.actions.empty()) menu.actions.push_back(kSeparator);
+  Action all =
+      documentAction("all-channels", "&All channels active", "", "Edit every channel", [](CPlumettaDoc& doc) {
+        doc.wave().setActive(ActiveOperation::all, 0);
+        doc.annotationsChanged();
+      });
+  all.enabled = [this] { return tabs_->active() != nullptr && !tabs_->active()->wave().allActive(); };
+  menu.actions.push_back(all);
+  return menu;
+}
+
+MenuPlan MainFrame::markerMenu() {
+  MenuPlan menu{"&Marker", {}};
+  menu.actions.push_back(documentAction("marker-at-cursor", "&Marker at the cursor", "M",
+                                        "Mark this position", [this](CPlumettaDoc& doc) { addMarker(doc); }));
+  append(menu.actions, commandActions(Menu::marker));
+  return menu;
+}
+
+void MainFrame::addMarker(CPlumettaDoc& doc) {
+  runCommand(doc, *findCommand("marker"), {FrameOrTime{double(doc.view().cursor)}, std::string()});
+}
+
+// ---- Window and help ------------------------------------------------------------------------------------
+
+MenuPlan MainFrame::windowMenu() {
+  const auto several = [this] { return tabs_->GetPageCount() > 1; };
+  Action documents{"documents", "&Go to window", "", "", nullptr};
+  documents.entries = [this] { return documentActions(); };
+  documents.enabled = [this] { return tabs_->active() != nullptr; };
+  return {"&Window",
+          {{"next-window", "&Next", "Ctrl+F6", "", [this] { tabs_->activateNeighbour(1); }, several},
+           {"previous-window", "&Previous", "Ctrl+Shift+F6", "", [this] { tabs_->activateNeighbour(-1); },
+            several},
+           kSeparator,
+           documents}};
+}
+
+std::vector<Action> MainFrame::documentActions() {
+  std::vector<Action> actions;
+  for (CPlumettaDoc* doc : tabs_->documents()) {
+    Action action{"", escaped(fromWx(markedTitle(*doc))), "", "", [this, doc] { tabs_->activate(*doc); }};
+    action.checked = [this, doc] { return tabs_->active() == doc; };
+    actions.push_back(action);
+  }
+  return actions;
+}
+
+MenuPlan MainFrame::helpMenu() {
+  return {"&Help",
+          {{"shortcuts", "&Keyboard shortcuts", "F1", "", [this] { showShortcuts(this, menus_.plan()); }},
+           {"about", "&About Plumetta", "", "", [this] { showAbout(); }}}};
+}
+
+void MainFrame::showAbout() {
+  wxAboutDialogInfo info;
+  info.SetName("Plumetta");
+  info.SetVersion(kVersion, wxString("Version ") + kVersion);
+  info.SetDescription("An audio editor.\n\nLicence: GPL-3.0-or-later\nBuilt with " wxVERSION_STRING);
+  info.SetIcon(programMark(wxSize(64, 64)).GetIcon(FromDIP(wxSize(64, 64))));
+  wxGenericAboutBox(info, this);
+}
+
+}  // namespace plumetta

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/window_prompter.h"
+
+#include <wx/msgdlg.h>
+#include <wx/utils.h>
+
+#include "ui/text.h"
+
+namespace plumetta {
+namespace {
+
+constexpr auto kQuietTime = std::chrono::milliseconds(400);
+constexpr auto kUpdateInterval = std::chrono::milliseconds(50);
+
+int pauseBusyCursor() {
+  int levels = 0;
+  for (; wxIsBusy(); ++levels) wxEndBusyCursor();
+  return levels;
+}
+
+void resumeBusyCursor(int levels) {
+  for (; levels > 0; --levels) wxBeginBusyCursor();
+}
+
+// The usual cursor while a box is up, whatever is going on behind it.
+class BusyPause {
+ public:
+  BusyPause() : levels_(pauseBusyCursor()) {}
+  ~BusyPause() { resumeBusyCursor(levels_); }
+  BusyPause(const BusyPause&) = delete;
+  BusyPause& operator=(const BusyPause&) = delete;
+
+ private:
+  int levels_;
+};
+
+}  // namespace
+
+wxWindow* WindowPrompter::boxParent() const {
+  return dialog_ ? dialog_.get() : parent_;
+}
+
+void WindowPrompter::message(const std::string& text) {
+  const BusyPause pause;
+  wxMessageBox(toWx(text), "Plumetta", wxOK | wxICON_INFORMATION | wxCENTRE, boxParent());
+}
+
+bool WindowPrompter::question(const std::string& text) {
+  const BusyPause pause;
+  return wxMessageBox(toWx(text), "Plumetta", wxYES_NO | wxICON_QUESTION | wxCENTRE, boxParent()) == wxYES;
+}
+
+void WindowPrompter::status(const std::string& text) {
+  if (onStatus) onStatus(toWx(text));
+}
+
+void WindowPrompter::setBusy(bool busy) {
+  if (busy) {
+    wxBeginBusyCursor();
+  } else if (wxIsBusy()) {
+    wxEndBusyCursor();
+  }
+}
+
+WaveProgress WindowPrompter::beginProgress(const std::string& title) {
+  if (depth_++ == 0) {
+    title_ = toWx(title);
+    cancelled_ = false;
+    begun_ = Clock::now();
+    nextUpdate_ = begun_ + kQuietTime;
+  }
+  return {&WindowPrompter::onProgress, this};
+}
+
+void WindowPrompter::endProgress() {
+  if (--depth_ > 0) return;
+  dialog_.reset();
+  resumeBusyCursor(pausedBusy_);
+  pausedBusy_ = 0;
+}
+
+bool WindowPrompter::onProgress(float fractionDone, void* self) {
+  auto& prompter = *static_cast<WindowPrompter*>(self);
+  if (prompter.cancelled_) return false;
+  const auto now = Clock::now();
+  return now < prompter.nextUpdate_ || prompter.showProgress(fractionDone);
+}
+
+bool WindowPrompter::showProgress(float fractionDone) {
+  if (!dialog_) {
+    pausedBusy_ = pauseBusyCursor();
+    dialog_ = std::make_unique<ProgressDialog>(parent_, title_, begun_);
+  }
+  cancelled_ = !dialog_->update(fractionDone);
+  // Counted from after the drawing, so that a slow display can't eat all the time.
+  nextUpdate_ = Clock::now() + kUpdateInterval;
+  return !cancelled_;
+}
+
+}  // namespace plumetta
