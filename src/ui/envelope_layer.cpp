@@ -59,6 +59,7 @@ void EnvelopeLayer::paint(wxGraphicsContext& gc, int left, int right) const {
   if (!envelope.active()) return;
   const LaneLayout layout = lanes_();
   for (int channel = 0; channel < std::min(layout.lanes, envelope.channelCount()); ++channel) {
+    if (layout.laneHeight(channel) <= 0) continue;
     gc.Clip(left, layout.top(channel), right - left, layout.laneHeight(channel));
     paintCurve(gc, channel, left, right);
     paintPoints(gc, channel, left, right);
@@ -116,6 +117,7 @@ void EnvelopeLayer::paintPoints(wxGraphicsContext& gc, int channel, int left, in
     const EnvelopePoint point = envelope.point(i, channel);
     const double x = scale.x(point.position);
     if (x > right + radius) break;
+    if (x < left - radius) continue;
     gc.DrawEllipse(x - radius, lane.y(point.value) - radius, 2 * radius, 2 * radius);
   }
 }

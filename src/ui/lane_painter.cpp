@@ -24,7 +24,7 @@ LanePainter::LanePainter(wxGraphicsContext& gc, WaveView& view, double columnWid
     : gc_(gc), view_(view), scale_(view.scale()), columnWidth_(columnWidth), left_(left), right_(right) {}
 
 void LanePainter::paint(int channel, const AmplitudeScale& lane) {
-  if (view_.doc.wave().frames() == 0) return;
+  if (view_.doc.wave().frames() == 0 || lane.height <= 0) return;
   gc_.Clip(left_, lane.top, right_ - left_, lane.height);
   const bool active = view_.doc.wave().isActive(channel);
   if (scale_.framesPerPixel < kLineBelow) {

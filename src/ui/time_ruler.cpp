@@ -84,6 +84,7 @@ void TimeRuler::paint(wxGraphicsContext& gc, const wxRect& area) {
   }
   const double cursor = snapped(scale.x(state.cursor)) + hairline() / 2;
   const double arm = FromDIP(4);
+  if (cursor < area.x - arm || cursor > area.x + area.width + arm) return;
   wxGraphicsPath head = gc.CreatePath();
   head.MoveToPoint(cursor - arm, height - arm - FromDIP(1));
   head.AddLineToPoint(cursor + arm, height - arm - FromDIP(1));
