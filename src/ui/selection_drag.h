@@ -5,8 +5,8 @@
 
 namespace plumetta {
 
-// Draws a selection out from a fixed end; also moves one edge of a selection that is there, the other end being
-// the fixed one. Letting go at once leaves no selection, and the cursor there.
+// Draws a selection out from a fixed end; also moves one edge of a selection that is there, the other end
+// being the fixed one. Letting go at once leaves no selection, and the cursor there.
 class SelectionDrag : public Drag {
  public:
   // `before`: what a cancelled drag goes back to.

@@ -62,7 +62,8 @@ void TimeRuler::paint(wxGraphicsContext& gc, const wxRect& area) {
   const ViewState& state = doc().view();
   if (state.hasSelection()) {
     const double from = snapped(scale.x(state.lowerBound()));
-    fillRect(gc, theme().laneSelected, from, 0, snapped(scale.x(state.upperBound())) - from + hairline(), height);
+    fillRect(gc, theme().laneSelected, from, 0, snapped(scale.x(state.upperBound())) - from + hairline(),
+             height);
   }
   fillRect(gc, theme().line, area.x, height - hairline(), area.width, hairline());
 
@@ -106,8 +107,10 @@ void TimeRuler::onContextMenu(wxContextMenuEvent&) {
   wxMenuItem* time = menu.AppendRadioItem(wxID_ANY, "&Time");
   wxMenuItem* frames = menu.AppendRadioItem(wxID_ANY, "&Frames");
   (view_.timeInFrames() ? frames : time)->Check();
-  menu.Bind(wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(false); }, time->GetId());
-  menu.Bind(wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(true); }, frames->GetId());
+  menu.Bind(
+      wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(false); }, time->GetId());
+  menu.Bind(
+      wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(true); }, frames->GetId());
   PopupMenu(&menu);
 }
 
