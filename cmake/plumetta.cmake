@@ -2,10 +2,15 @@
 # Compiler settings that every target shares, and the one way in which a floor of the house is declared.
 
 add_library(plumetta_options INTERFACE)
-target_compile_options(plumetta_options INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Werror=return-type)
+# C++ alone: the compiler of Windows resources, which takes its own options, sees these too.
+target_compile_options(plumetta_options INTERFACE
+                       "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wshadow;-Wnon-virtual-dtor;-Werror=return-type>")
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 sees overlapping copies in std::string's operator+ where there are none.
-  target_compile_options(plumetta_options INTERFACE -Wno-restrict)
+  target_compile_options(plumetta_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+endif()
+if(PLUMETTA_WERROR)
+  target_compile_options(plumetta_options INTERFACE -Werror)
 endif()
 if(PLUMETTA_SANITIZE)
   target_compile_options(plumetta_options INTERFACE -fsanitize=${PLUMETTA_SANITIZE} -fno-omit-frame-pointer
@@ -20,6 +25,7 @@ if(WIN32)
                              WIN32_LEAN_AND_MEAN)
 endif()
 find_package(Threads REQUIRED)
+include(${CMAKE_CURRENT_LIST_DIR}/windows_resources.cmake)
 
 # plumetta_floor(NAME LINKS...): the library of src/NAME from its own sources, resting on the floors it may use.
 function(plumetta_floor name)

@@ -48,6 +48,20 @@ CPlumettaDoc* Application::newDocument(uint32_t sampleRate, int channels, int bi
   return documents_.emplace_back(std::move(document)).get();
 }
 
+CPlumettaDoc* Application::pasteAsNewDocument() {
+  constexpr const char* kPastedName = "paste.wav";
+  if (clipboard_ == nullptr) return nullptr;
+  auto document = std::make_unique<CPlumettaDoc>(services_);
+  if (!document->wave().copyFrom(*clipboard_)) {
+    prompter().message("There is not enough memory for this.");
+    return nullptr;
+  }
+  document->wave().setFileName(kPastedName);
+  document->setTitle(kPastedName);
+  document->setModified(true);
+  return documents_.emplace_back(std::move(document)).get();
+}
+
 void Application::closeDocument(CPlumettaDoc& document) {
   std::erase_if(documents_, [&](const auto& own) { return own.get() == &document; });
 }

@@ -18,24 +18,6 @@ std::optional<Number> numberIn(std::string_view text) {
   return number;
 }
 
-std::optional<FrameOrTime> frameIn(std::string_view text) {
-  double unit = 0;
-  if (text.ends_with("ms")) {
-    unit = 0.001;
-    text.remove_suffix(2);
-  } else if (text.ends_with('s')) {
-    unit = 1;
-    text.remove_suffix(1);
-  } else {
-    const auto frames = numberIn<int64_t>(text);
-    if (!frames) return std::nullopt;
-    return FrameOrTime{static_cast<double>(*frames), false};
-  }
-  const auto number = numberIn<double>(text);
-  if (!number) return std::nullopt;
-  return FrameOrTime{*number * unit, true};
-}
-
 std::optional<ParameterValue> valueIn(const std::string& text, ParameterType type) {
   switch (type) {
     case ParameterType::boolean:
@@ -51,7 +33,7 @@ std::optional<ParameterValue> valueIn(const std::string& text, ParameterType typ
     case ParameterType::text:
       return text;
     case ParameterType::frame:
-      if (const auto frame = frameIn(text)) return *frame;
+      if (const auto frame = readFrame(text)) return *frame;
       return std::nullopt;
   }
   return std::nullopt;
@@ -84,6 +66,24 @@ const Parameter* optionOf(const std::string& word, std::span<const Parameter> pa
 }
 
 }  // namespace
+
+std::optional<FrameOrTime> readFrame(std::string_view text) {
+  double unit = 0;
+  if (text.ends_with("ms")) {
+    unit = 0.001;
+    text.remove_suffix(2);
+  } else if (text.ends_with('s')) {
+    unit = 1;
+    text.remove_suffix(1);
+  } else {
+    const auto frames = numberIn<int64_t>(text);
+    if (!frames) return std::nullopt;
+    return FrameOrTime{static_cast<double>(*frames), false};
+  }
+  const auto number = numberIn<double>(text);
+  if (!number) return std::nullopt;
+  return FrameOrTime{*number * unit, true};
+}
 
 Arguments readArguments(WordReader& words, std::span<const Parameter> parameters, const std::string& what) {
   Arguments arguments;

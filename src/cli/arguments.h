@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "doc/command.h"
@@ -38,6 +40,9 @@ class WordReader {
 // Reads the positional arguments of `what`, then its key=value options in any order. What is left out takes
 // the parameter's fallback.
 Arguments readArguments(WordReader& words, std::span<const Parameter> parameters, const std::string& what);
+
+// A position or length as a call writes it: frames ("44100") or a time ("1.5s", "250ms").
+std::optional<FrameOrTime> readFrame(std::string_view text);
 
 // How a call of `what` looks: "resample RATE [type=0]".
 std::string usageOf(const std::string& what, std::span<const Parameter> parameters);

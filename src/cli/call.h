@@ -29,6 +29,7 @@ struct CliCommand {
 
 int runEdit(const CallOptions& options, WordReader words);
 int runInfo(const CallOptions& options, WordReader words);
+int runStats(const CallOptions& options, WordReader words);
 int runSettings(const CallOptions& options, WordReader words);
 
 // The steps of `edit` with their arguments, a line each.

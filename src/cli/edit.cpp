@@ -39,6 +39,8 @@ std::vector<ParsedStep> parse(WordReader& words) {
     const bool wantsOption = name == "active" && (words.atEnd() || words.peek().find('=') == std::string::npos);
     if (wantsOption) words.fail("active: all, solo=C, off=C, on=C or toggle=C is missing");
     chain.push_back({step, readArguments(words, step->parameters, name)});
+    const bool unknown = !words.failed() && step->known != nullptr && !step->known(chain.back().arguments);
+    if (unknown) words.fail(name + ": there is no such one");
   }
   if (chain.empty()) words.fail("edit: a step is missing");
   return chain;

@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 #include "cli/document_json.h"
+#include "doc/effect_names.h"
 #include "platform/paths.h"
 
 namespace plumetta {
@@ -161,6 +163,47 @@ StepOutcome selectMarker(EditSession& session, const StepArguments& arguments) {
   return StepOutcome::done;
 }
 
+// ---- Families of commands -------------------------------------------------------------------------------
+
+StepOutcome runFamily(EditSession& session, const char* family, int64_t number, Arguments arguments) {
+  const Command* command = findCommand(family + std::to_string(number));
+  if (command == nullptr) return StepOutcome::refused;
+  const bool done = runCommand(*session.doc, *command, std::move(arguments)) == CommandOutcome::done;
+  return done ? StepOutcome::done : StepOutcome::refused;
+}
+
+// By number, or by the name that it leaves in the history.
+std::optional<int64_t> quickEffectNumber(const std::string& word) {
+  constexpr int kQuickEffects = 34;
+  for (int i = 0; i < kQuickEffects; ++i) {
+    if (word == std::to_string(i) || word == EffectNames[static_cast<size_t>(i)]) return i;
+  }
+  return std::nullopt;
+}
+
+bool knownQuickEffect(const StepArguments& arguments) {
+  return quickEffectNumber(std::get<std::string>(arguments[0])).has_value();
+}
+
+StepOutcome quick(EditSession& session, const StepArguments& arguments) {
+  return runFamily(session, "quick-", *quickEffectNumber(std::get<std::string>(arguments[0])), {});
+}
+
+bool knownChannelOperation(const StepArguments& arguments) {
+  return findCommand("channel-" + std::to_string(integerOf(arguments, 0))) != nullptr;
+}
+
+StepOutcome channel(EditSession& session, const StepArguments& arguments) {
+  return runFamily(session, "channel-", integerOf(arguments, 0), {arguments[1]});
+}
+
+StepOutcome pasteNew(EditSession& session, const StepArguments&) {
+  CPlumettaDoc* pasted = session.app.pasteAsNewDocument();
+  if (pasted == nullptr) return StepOutcome::refused;
+  session.doc = pasted;
+  return StepOutcome::done;
+}
+
 // ---- What prints ----------------------------------------------------------------------------------------
 
 StepOutcome printState(EditSession& session, const StepArguments&) {
@@ -185,6 +228,11 @@ StepOutcome printSamples(EditSession& session, const StepArguments& arguments) {
   return StepOutcome::done;
 }
 
+StepOutcome printStatistics(EditSession& session, const StepArguments& arguments) {
+  session.output += session.doc->statistics(std::get<bool>(arguments[0]));
+  return StepOutcome::done;
+}
+
 StepOutcome printHistory(EditSession& session, const StepArguments&) {
   for (const std::string& name : session.app.history().names()) session.output += name + "\n";
   return StepOutcome::done;
@@ -201,6 +249,8 @@ Parameter frame(const char* key) { return positional(key, ParameterType::frame, 
 
 std::vector<EditStep> ownSteps() {
   const Parameter tag{"tag", "", "", ParameterType::integer, false, int64_t{kFormatPcm}, 0, 0, ""};
+  const Parameter index{"index", "", "", ParameterType::integer, false, int64_t{0}, 0, 0, ""};
+  const Parameter levels{"levels", "", "", ParameterType::boolean, false, true, 0, 0, ""};
   return {
       {"open", {file()}, false, open, nullptr},
       {"new", {integer("rate"), integer("channels"), integer("bits"), frame("frames"), tag}, false, makeNew, nullptr},
@@ -217,6 +267,10 @@ std::vector<EditStep> ownSteps() {
       {"active all", {}, true, activeAll, nullptr},
       {"active", activeParameters(), true, setActive, nullptr},
       {"marker-select", {integer("i")}, true, selectMarker, nullptr},
+      {"paste-new", {}, false, pasteNew, nullptr},
+      {"quick", {positional("n", ParameterType::text, std::string{})}, true, quick, nullptr, knownQuickEffect},
+      {"channel", {integer("op"), index}, true, channel, nullptr, knownChannelOperation},
+      {"stats", {levels}, true, printStatistics, nullptr},
       {"state", {}, true, printState, nullptr},
       {"print", {frame("from"), frame("to")}, true, printSamples, nullptr},
       {"history", {}, false, printHistory, nullptr},
@@ -229,6 +283,9 @@ const std::vector<EditStep>& editSteps() {
   static const std::vector<EditStep> steps = [] {
     std::vector<EditStep> all = ownSteps();
     for (const Command& command : commandTable()) {
+      // These are the steps `quick` and `channel`, which take the number as an argument.
+      const std::string_view id = command.id;
+      if (id.starts_with("quick-") || id.starts_with("channel-")) continue;
       all.push_back({command.id, command.parameters, true, nullptr, &command});
     }
     return all;

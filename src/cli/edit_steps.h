@@ -27,6 +27,8 @@ struct EditStep {
   bool needsDocument;
   StepOutcome (*run)(EditSession& session, const StepArguments& arguments);
   const Command* command;  // set instead of `run`
+  // Whether the arguments name something that there is; null where any will do.
+  bool (*known)(const StepArguments& arguments) = nullptr;
 };
 
 // All steps: those of the command line alone, then every row of the command table.

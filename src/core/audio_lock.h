@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <mutex>
+#include <thread>
 
 namespace plumetta {
 
@@ -10,16 +12,36 @@ namespace plumetta {
 class AudioLock {
  private:
   friend class AudioLockHeld;
+
+  void take() {
+    ++waiting_;
+    mutex_.lock();
+    --waiting_;
+  }
+  void give() { mutex_.unlock(); }
+
   std::mutex mutex_;
+  std::atomic<int> waiting_{0};
 };
 
 // Proof that the audio lock is held; functions that may only run under it ask for a reference to one.
 class AudioLockHeld {
  public:
-  explicit AudioLockHeld(AudioLock& lock) : guard_(lock.mutex_) {}
+  explicit AudioLockHeld(AudioLock& lock) : lock_(lock) { lock_.take(); }
+  ~AudioLockHeld() { lock_.give(); }
+  AudioLockHeld(const AudioLockHeld&) = delete;
+  AudioLockHeld& operator=(const AudioLockHeld&) = delete;
+
+  // Between two short pieces of long work: lets those through who wait for the lock, then goes on holding it.
+  void nextTurn() {
+    if (lock_.waiting_ == 0) return;
+    lock_.give();
+    std::this_thread::yield();
+    lock_.take();
+  }
 
  private:
-  std::lock_guard<std::mutex> guard_;
+  AudioLock& lock_;
 };
 
 }  // namespace plumetta

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace plumetta {
 namespace {
@@ -57,6 +58,10 @@ void CVolumeEnvelope::removeChannel(int channel) {
 
 void CVolumeEnvelope::copyChannel(int destination, int source) {
   if (valid(destination) && valid(source)) channels_[destination] = Channel(channels_[source]);
+}
+
+void CVolumeEnvelope::swapChannels(int a, int b) {
+  if (valid(a) && valid(b)) std::swap(channels_[a], channels_[b]);
 }
 
 void CVolumeEnvelope::reset() {
@@ -175,9 +180,10 @@ void CVolumeEnvelope::adjustForDelete(int32_t from, int32_t to) {
       if (point.position > last) point.position -= removed;
     }
     points.back().position = length_ - removed - 1;
-    // The end may have come down onto an inner point when the tail was cut away.
+    // Inner points may have come to stand on an end: positions stay distinct, and the ends stay.
     std::erase_if(points, [&](const EnvelopePoint& p) {
-      return &p != &points.front() && &p != &points.back() && p.position >= points.back().position;
+      const bool isEnd = &p == &points.front() || &p == &points.back();
+      return !isEnd && (p.position <= 0 || p.position >= points.back().position);
     });
   }
   length_ -= removed;

@@ -31,6 +31,7 @@ class CVolumeEnvelope {
   void insertChannel(int channel);
   void removeChannel(int channel);
   void copyChannel(int destination, int source);
+  void swapChannels(int a, int b);
   // Makes every channel flat.
   void reset();
   // Replaces everything by a copy of an active envelope; clears when `other` is inactive.

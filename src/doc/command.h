@@ -51,7 +51,7 @@ struct Refusal {
   std::string message;
 };
 
-enum class Menu { none, edit, process, channel, marker, loop, volume };
+enum class Menu { none, edit, process, fade, normalize, generate, channel, marker, loop, volume };
 
 // One command: everything that menus, dialogs, the history and the command line know of it.
 struct Command {
@@ -65,21 +65,24 @@ struct Command {
   std::optional<Refusal> (*check)(CommandCall&);
   // What kind of undo step is recorded; none for a command that changes nothing that undo knows.
   std::optional<UndoKind> (*undoKind)(CommandCall&);
-  // Changes length or layout, and therefore runs under the audio lock.
-  bool takesLock;
+  // How it takes the audio lock: not at all, in short turns (sample values change), or throughout (the length or
+  // the layout changes).
+  enum class Lock { none, turns, throughout } lock;
   // Does it. A refusal after the check (no memory) has left the document as it was.
   std::optional<Refusal> (*run)(CommandCall&);
   // The line of the history list; empty for none.
   std::string (*historyName)(CommandCall&);
   // Whether the document is a different one afterwards.
   enum class Changes { nothing, annotations, samples } changes;
+  // Which one of a family of commands that share their functions: the effect, the channel operation.
+  int number = 0;
 };
 
 // One run of a command on a document with its arguments.
 class CommandCall {
  public:
-  CommandCall(CPlumettaDoc& document, Arguments arguments)
-      : doc(document), arguments_(std::move(arguments)) {}
+  CommandCall(CPlumettaDoc& document, const Command& called, Arguments arguments)
+      : doc(document), command(called), arguments_(std::move(arguments)) {}
 
   bool boolean(size_t i) const { return std::get<bool>(arguments_[i]); }
   int64_t integer(size_t i) const { return std::get<int64_t>(arguments_[i]); }
@@ -90,7 +93,9 @@ class CommandCall {
   }
 
   CPlumettaDoc& doc;
-  bool named = true;  // cleared by a run that leaves no history line and counts as no change of its own
+  const Command& command;
+  bool named = true;    // cleared by a run that leaves no history line
+  bool skipped = false;  // set by a check after which nothing happens, and nothing is said
 
  private:
   Arguments arguments_;

@@ -19,10 +19,15 @@ std::optional<Refusal> boundsRefusal(const Command& command, const Arguments& ar
   return std::nullopt;
 }
 
+// Work on sample values gives the lock away in turns; a change of length or layout holds it throughout.
 std::optional<Refusal> runUnderLock(CommandCall& call, const Command& command) {
-  if (!command.takesLock) return command.run(call);
-  const AudioLockHeld lock(call.doc.services().audioLock);
-  return command.run(call);
+  if (command.lock == Command::Lock::none) return command.run(call);
+  AudioLockHeld held(call.doc.services().audioLock);
+  CWave& wave = call.doc.wave();
+  wave.lock = command.lock == Command::Lock::turns ? &held : nullptr;
+  const auto refusal = command.run(call);
+  wave.lock = nullptr;
+  return refusal;
 }
 
 void refreshViews(CPlumettaDoc& doc, Command::Changes changes) {
@@ -53,10 +58,11 @@ bool withinBounds(const Parameter& parameter, const ParameterValue& value) {
 
 CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments arguments) {
   if (const auto refusal = boundsRefusal(command, arguments)) return refuse(doc, *refusal);
-  CommandCall call(doc, std::move(arguments));
+  CommandCall call(doc, command, std::move(arguments));
   const BusyScope busy(doc.prompter());
   if (command.check != nullptr) {
     if (const auto refusal = command.check(call)) return refuse(doc, *refusal);
+    if (call.skipped) return CommandOutcome::done;
   }
   std::unique_ptr<UndoStep> step;
   if (const auto kind = command.undoKind != nullptr ? command.undoKind(call) : std::nullopt) {

@@ -8,9 +8,13 @@
 namespace plumetta {
 
 // The rows of the command table, by subject. Each group lives in a file of its own.
-std::vector<Command> editCommands();      // clipboard, trim, delete, insert silence, undo, redo
-std::vector<Command> markerCommands();    // markers, loops and regions
-std::vector<Command> envelopeCommands();  // volume envelope points
+std::vector<Command> editCommands();         // clipboard, trim, delete, insert silence, undo, redo
+std::vector<Command> mixCommands();          // paste and mix
+std::vector<Command> quickEffectCommands();  // the 34 one-click effects
+std::vector<Command> levelCommands();        // normalize, volume, truncate, bit depth
+std::vector<Command> channelCommands();      // the 16 channel operations
+std::vector<Command> markerCommands();       // markers, loops and regions
+std::vector<Command> envelopeCommands();     // volume envelope points
 
 // Kinds of undo step and history names for rows.
 template <UndoKind kind>
@@ -19,6 +23,9 @@ std::optional<UndoKind> undoAs(CommandCall&) {
 }
 template <int effectNumber>
 std::string effectName(CommandCall&);
+
+// The clipboard buffer has another layout than the document.
+Refusal clipboardMismatch(const CWave& clipboard);
 
 // A parameter that stands by its place.
 Parameter positionalFrame(const char* key, const char* label);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <cstdio>
 #include <iterator>
 
 #include "doc/command_groups.h"
@@ -8,7 +9,8 @@ namespace plumetta {
 const std::vector<Command>& commandTable() {
   static const std::vector<Command> table = [] {
     std::vector<Command> all;
-    for (auto group : {editCommands(), markerCommands(), envelopeCommands()}) {
+    for (auto group : {editCommands(), mixCommands(), levelCommands(), quickEffectCommands(), channelCommands(),
+                       markerCommands(), envelopeCommands()}) {
       std::move(group.begin(), group.end(), std::back_inserter(all));
     }
     return all;
@@ -21,6 +23,12 @@ const Command* findCommand(std::string_view id) {
     if (id == command.id) return &command;
   }
   return nullptr;
+}
+
+Refusal clipboardMismatch(const CWave& clipboard) {
+  char text[96];
+  std::snprintf(text, sizeof text, "Clipboard channel number:%d\nUnable to paste data", clipboard.channels());
+  return {text};
 }
 
 Parameter positionalFrame(const char* key, const char* label) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Clipboard, trim, delete, insert silence, undo and redo.
 #include <algorithm>
-#include <cstdio>
 
 #include "doc/command_groups.h"
 
@@ -9,6 +8,7 @@ namespace plumetta {
 namespace {
 
 using Changes = Command::Changes;
+using Lock = Command::Lock;
 
 constexpr const char* kNoMemory = "There is not enough memory for this.";
 constexpr const char* kUndoLost = "This step can't be undone: its samples could not be kept.";
@@ -67,19 +67,13 @@ bool replaces(const CPlumettaDoc& doc) {
   return doc.services().settings.pasteReplace && doc.view().hasSelection();
 }
 
-Refusal channelMismatch(const CWave& clipboard) {
-  char text[96];
-  std::snprintf(text, sizeof text, "Clipboard channel number:%d\nUnable to paste data", clipboard.channels());
-  return {text};
-}
-
 std::optional<Refusal> checkPaste(CommandCall& call) {
   const CWave* clipboard = call.doc.services().clipboard.get();
   if (clipboard == nullptr) return Refusal{};
   const CWave& wave = call.doc.wave();
   if (wave.frames() == 0) return std::nullopt;
   if (clipboard->channels() != 1 && clipboard->channels() != wave.channels()) {
-    return channelMismatch(*clipboard);
+    return clipboardMismatch(*clipboard);
   }
   if (clipboard->frames() > kMaxFrames - wave.frames()) return Refusal{kNoMemory};
   return std::nullopt;
@@ -179,24 +173,26 @@ std::optional<Refusal> doNothing(CommandCall&) { return std::nullopt; }
 
 std::vector<Command> editCommands() {
   const std::vector<Parameter> silence{positionalFrame("at", "Position"), positionalFrame("length", "Length")};
+  // clang-format off
   return {
-      {"undo", "&Undo", "Ctrl+Z", Menu::edit, {}, nullptr, nullptr, true, runUndo,
+      {"undo", "&Undo", "Ctrl+Z", Menu::edit, {}, nullptr, nullptr, Lock::throughout, runUndo,
        [](CommandCall&) -> std::string { return "Undo"; }, Changes::samples},
-      {"redo", "&Redo", "Ctrl+Y", Menu::edit, {}, nullptr, nullptr, true, runRedo,
+      {"redo", "&Redo", "Ctrl+Y", Menu::edit, {}, nullptr, nullptr, Lock::throughout, runRedo,
        [](CommandCall&) -> std::string { return "Redo"; }, Changes::samples},
-      {"cut", "Cu&t", "Ctrl+X", Menu::edit, {}, copyToClipboard, undoAs<UndoKind::cut>, true, deleteSelection,
+      {"cut", "Cu&t", "Ctrl+X", Menu::edit, {}, copyToClipboard, undoAs<UndoKind::cut>, Lock::throughout, deleteSelection,
        [](CommandCall&) -> std::string { return "Cut"; }, Changes::samples},
-      {"copy", "&Copy", "Ctrl+C", Menu::edit, {}, copyToClipboard, nullptr, false, doNothing,
+      {"copy", "&Copy", "Ctrl+C", Menu::edit, {}, copyToClipboard, nullptr, Lock::none, doNothing,
        [](CommandCall&) -> std::string { return "Copy"; }, Changes::nothing},
-      {"paste", "&Paste", "Ctrl+V", Menu::edit, {}, checkPaste, pasteUndo, true, runPaste,
+      {"paste", "&Paste", "Ctrl+V", Menu::edit, {}, checkPaste, pasteUndo, Lock::throughout, runPaste,
        [](CommandCall&) -> std::string { return "Paste"; }, Changes::samples},
-      {"delete", "&Delete", "Delete", Menu::edit, {}, checkDelete, deleteUndo, true, runDelete,
+      {"delete", "&Delete", "Delete", Menu::edit, {}, checkDelete, deleteUndo, Lock::throughout, runDelete,
        [](CommandCall&) -> std::string { return "Suppr"; }, Changes::samples},
-      {"trim", "&Trim crop", "Ctrl+T", Menu::edit, {}, checkTrim, undoAs<UndoKind::layout>, true, runTrim,
+      {"trim", "&Trim crop", "Ctrl+T", Menu::edit, {}, checkTrim, undoAs<UndoKind::layout>, Lock::throughout, runTrim,
        [](CommandCall&) -> std::string { return "Trim crop"; }, Changes::samples},
-      {"insert-silence", "", "", Menu::edit, silence, checkInsertSilence, undoAs<UndoKind::insertSilence>, true,
+      {"insert-silence", "", "", Menu::edit, silence, checkInsertSilence, undoAs<UndoKind::insertSilence>, Lock::throughout,
        runInsertSilence, [](CommandCall&) -> std::string { return "Insert silence"; }, Changes::samples},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta

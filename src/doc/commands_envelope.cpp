@@ -8,6 +8,7 @@ namespace plumetta {
 namespace {
 
 using Changes = Command::Changes;
+using Lock = Command::Lock;
 
 constexpr const char* kPointChanged = "Volume point changed";
 constexpr const char* kDeleteQuestion = "Do you want to delete all the volume envelope?";
@@ -185,31 +186,33 @@ std::vector<Command> envelopeCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
   const Parameter index = positionalInteger("index", "Point", 0, kMaxFrames);
   const Parameter kind{"kind", "Kind", "", ParameterType::integer, false, int64_t{0}, 0, kEnvelopeKinds - 1, ""};
+  // clang-format off
   return {
       {"envelope-point", "", "", Menu::none,
        {positionalFrame("position", "Position"), positionalReal("value", "Value", "", 0, 1),
         channelParameter(), kind},
-       checkPoint, annotations, false, runPoint, effectName<effect::kVolumePointAdded>, Changes::annotations},
+       checkPoint, annotations, Lock::none, runPoint, effectName<effect::kVolumePointAdded>, Changes::annotations},
       {"envelope-remove", "", "", Menu::none,
        {index, channelParameter()}, checkRemovePoint, annotations,
-       false, runRemovePoint, effectName<effect::kVolumePointRemoved>, Changes::annotations},
+       Lock::none, runRemovePoint, effectName<effect::kVolumePointRemoved>, Changes::annotations},
       {"envelope-move", "", "", Menu::none,
        {index, channelParameter(), positionalFrame("position", "Position"),
         positionalReal("value", "Value", "", 0, 1)},
-       checkMovePoint, annotations, false, runMovePoint,
+       checkMovePoint, annotations, Lock::none, runMovePoint,
        [](CommandCall&) -> std::string { return kPointChanged; }, Changes::annotations},
       {"envelope-kind", "", "", Menu::none,
        {index, channelParameter(), positionalInteger("kind", "Kind", 0, kEnvelopeKinds - 1)},
-       checkExistingPoint, annotations, false, runPointKind, pointKindName, Changes::annotations},
+       checkExistingPoint, annotations, Lock::none, runPointKind, pointKindName, Changes::annotations},
       {"envelope-point-reset", "", "", Menu::none, {index, channelParameter()}, checkExistingPoint, annotations,
-       false, runResetPoint, effectName<effect::kVolumePointReset>, Changes::annotations},
-      {"envelope-reset", "&Flat volume envelope", "", Menu::volume, {}, needAudio, annotations, false, runReset,
+       Lock::none, runResetPoint, effectName<effect::kVolumePointReset>, Changes::annotations},
+      {"envelope-reset", "&Flat volume envelope", "", Menu::volume, {}, needAudio, annotations, Lock::none, runReset,
        effectName<effect::kVolumeReset>, Changes::annotations},
-      {"envelope-invert", "", "", Menu::none, {channelParameter()}, checkInvert, annotations, false, runInvert,
+      {"envelope-invert", "", "", Menu::none, {channelParameter()}, checkInvert, annotations, Lock::none, runInvert,
        effectName<effect::kVolumeReversed>, Changes::annotations},
-      {"envelope-clear", "&Delete volume envelope", "", Menu::volume, {}, checkClear, annotations, false,
+      {"envelope-clear", "&Delete volume envelope", "", Menu::volume, {}, checkClear, annotations, Lock::none,
        runClear, effectName<effect::kVolumeDeleted>, Changes::annotations},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta

@@ -9,6 +9,7 @@ namespace plumetta {
 namespace {
 
 using Changes = Command::Changes;
+using Lock = Command::Lock;
 
 constexpr int kMaxScrambles = 1000000;
 
@@ -131,36 +132,38 @@ std::optional<Refusal> runScramble(CommandCall& call) {
 
 std::vector<Command> markerCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
+  // clang-format off
   return {
       {"marker", "", "", Menu::marker, {positionalFrame("frame", "Position"), labelParameter()},
-       [](CommandCall& call) { return checkFrame(call, 0); }, annotations, false, runMarker,
+       [](CommandCall& call) { return checkFrame(call, 0); }, annotations, Lock::none, runMarker,
        effectName<effect::kMarkerCreated>, Changes::annotations},
       {"marker-move", "", "", Menu::none, {markerIndex(), positionalFrame("frame", "Position")},
-       checkMarkerMove, annotations, false, runMarkerMove,
+       checkMarkerMove, annotations, Lock::none, runMarkerMove,
        [](CommandCall&) -> std::string { return "Marker moved"; }, Changes::annotations},
       {"marker-label", "", "", Menu::none, {markerIndex(), labelParameter()}, checkMarkerIndex, annotations,
-       false, runMarkerLabel, [](CommandCall&) -> std::string { return "Marker renamed"; },
+       Lock::none, runMarkerLabel, [](CommandCall&) -> std::string { return "Marker renamed"; },
        Changes::annotations},
-      {"marker-delete", "", "", Menu::none, {markerIndex()}, checkMarkerIndex, annotations, false,
+      {"marker-delete", "", "", Menu::none, {markerIndex()}, checkMarkerIndex, annotations, Lock::none,
        runMarkerDelete, effectName<effect::kMarkerDeleted>, Changes::annotations},
-      {"marker-selection", "Mark &selection", "Ctrl+M", Menu::marker, {}, needSelection, annotations, false,
+      {"marker-selection", "Mark &selection", "Ctrl+M", Menu::marker, {}, needSelection, annotations, Lock::none,
        runMarkSelection, effectName<effect::kSelectionMarked>, Changes::annotations},
-      {"marker-clear", "&Remove all markers", "", Menu::marker, {}, nullptr, annotations, false,
+      {"marker-clear", "&Remove all markers", "", Menu::marker, {}, nullptr, annotations, Lock::none,
        runMarkerClear, effectName<effect::kMarkersCleared>, Changes::annotations},
       {"loop", "", "", Menu::none, {positionalFrame("from", "Start"), positionalFrame("to", "End")}, checkLoop,
-       annotations, false, runLoop, effectName<effect::kLoopCreated>, Changes::annotations},
-      {"loop-selection", "&Loop from selection", "Ctrl+L", Menu::loop, {}, needSelection, annotations, false,
+       annotations, Lock::none, runLoop, effectName<effect::kLoopCreated>, Changes::annotations},
+      {"loop-selection", "&Loop from selection", "Ctrl+L", Menu::loop, {}, needSelection, annotations, Lock::none,
        runLoopOfSelection, effectName<effect::kLoopCreated>, Changes::annotations},
-      {"loop-clear", "&Remove loop", "", Menu::loop, {}, nullptr, annotations, false, runLoopClear,
+      {"loop-clear", "&Remove loop", "", Menu::loop, {}, nullptr, annotations, Lock::none, runLoopClear,
        effectName<effect::kLoopsCleared>, Changes::annotations},
       {"swap-regions", "", "", Menu::none,
        {positionalFrame("a", "First region"), positionalFrame("b", "Second region")}, checkSwap,
-       undoAs<UndoKind::layout>, true, runSwap, [](CommandCall&) -> std::string { return "Swap region"; },
+       undoAs<UndoKind::layout>, Lock::throughout, runSwap, [](CommandCall&) -> std::string { return "Swap region"; },
        Changes::samples},
       {"scramble", "", "", Menu::none, {positionalInteger("count", "Exchanges", -kMaxScrambles, kMaxScrambles)},
-       needMarkers, undoAs<UndoKind::layout>, true, runScramble,
+       needMarkers, undoAs<UndoKind::layout>, Lock::throughout, runScramble,
        [](CommandCall&) -> std::string { return "Scramble region"; }, Changes::samples},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta

@@ -84,6 +84,9 @@ class CPlumettaDoc : public DisplayState {
   FileOutcome exportText(const std::string& path);
   FileOutcome dumpFloats(const std::string& path);
 
+  // The statistics report of the selection, or of the whole file.
+  std::string statistics(bool includeLevels) const;
+  FileOutcome saveStatistics(const std::string& path, bool includeLevels);
   // What views draw the waveform from; made when it is first asked for after a change.
   const PeakPyramid& peaks();
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Opening, saving and exporting: the part of a document that meets files and tells the person how it went.
 #include "doc/document.h"
+#include "dsp/statistics.h"
 #include "formats/sample_codec.h"
 #include "formats/text_export.h"
 #include "formats/wav_writer.h"
@@ -115,6 +116,14 @@ FileOutcome CPlumettaDoc::exportText(const std::string& path) {
   return writeWithProgress(path, "Exporting " + fileNameOf(path), [&] {
     return exportWaveAsText(services_.files, path, wave_, SyncToDisk::yes);
   });
+}
+
+std::string CPlumettaDoc::statistics(bool includeLevels) const {
+  return statisticsReport(wave_, view_.lowerBound(), view_.upperBound(), includeLevels);
+}
+
+FileOutcome CPlumettaDoc::saveStatistics(const std::string& path, bool includeLevels) {
+  return report(writeTextFile(services_.files, path, kStatisticsFileHead + statistics(includeLevels)), path);
 }
 
 FileOutcome CPlumettaDoc::dumpFloats(const std::string& path) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/text_export.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "platform/text_file.h"
@@ -30,6 +31,19 @@ SaveResult exportWaveAsText(FileSystem& files, const std::string& path, const CW
       if (reports && !wave.progress.report(static_cast<float>(frame) / static_cast<float>(wave.frames()))) {
         return false;
       }
+    }
+    return true;
+  }));
+}
+
+SaveResult writeTextFile(FileSystem& files, const std::string& path, const std::string& text) {
+  return SaveResult::from(writeAtomically(files, path, SyncToDisk::yes, [&](OutputStream& out) {
+    for (size_t start = 0; start < text.size();) {
+      const size_t end = std::min(text.find('\n', start), text.size());
+      out.write(std::string_view(text).substr(start, end - start));
+      const bool carriesReturn = end > 0 && text[end - 1] == '\r';
+      if (end < text.size()) out.write(carriesReturn ? "\n" : kTextLineEnd);
+      start = end + 1;
     }
     return true;
   }));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/action_menus.h"
 
-#include <wx/accel.h>
+#include <wx/textentry.h>
 #include <wx/toolbar.h>
 
 #include <algorithm>
@@ -19,6 +19,11 @@ wxString labelOf(const Action& action) {
   return toWx(action.key.empty() ? action.text : action.text + "\t" + action.key);
 }
 
+int flagsOf(const wxKeyEvent& event) {
+  return (event.ControlDown() ? wxACCEL_CTRL : 0) | (event.AltDown() ? wxACCEL_ALT : 0) |
+         (event.ShiftDown() ? wxACCEL_SHIFT : 0);
+}
+
 }  // namespace
 
 std::string plainText(const Action& action) {
@@ -31,6 +36,7 @@ std::string plainText(const Action& action) {
 ActionMenus::ActionMenus(wxFrame& frame, std::function<bool()> mayRun)
     : frame_(frame), mayRun_(std::move(mayRun)), nextNumber_(wxID_HIGHEST + 1) {
   frame_.Bind(wxEVT_MENU, &ActionMenus::onMenu, this);
+  frame_.Bind(wxEVT_CHAR_HOOK, &ActionMenus::onCharHook, this);
 }
 
 void ActionMenus::build(std::vector<MenuPlan> plan) {
@@ -60,19 +66,16 @@ void ActionMenus::append(wxMenu& menu, const Action& action) {
     refill(action.id);
     return;
   }
+  if (!action.key.empty()) addKey(action.key, action.id);
   const auto kind = action.checked ? wxITEM_CHECK : wxITEM_NORMAL;
   items_[number] = {&action, menu.Append(number, labelOf(action), toWx(action.help), kind)};
 }
 
-void ActionMenus::addKeys(const std::vector<std::pair<std::string, std::string>>& keysAndIds) {
-  std::vector<wxAcceleratorEntry> entries;
-  for (const auto& [key, id] : keysAndIds) {
-    wxAcceleratorEntry entry;
-    if (!entry.FromString(toWx(key))) throw std::logic_error("no such key: " + key);
-    entry.Set(entry.GetFlags(), entry.GetKeyCode(), numberOf(id));
-    entries.push_back(entry);
-  }
-  frame_.SetAcceleratorTable(wxAcceleratorTable(static_cast<int>(entries.size()), entries.data()));
+void ActionMenus::addKey(const std::string& key, const std::string& id) {
+  wxAcceleratorEntry entry;
+  if (!entry.FromString(toWx(key))) throw std::logic_error("no such key: " + key);
+  entry.Set(entry.GetFlags(), entry.GetKeyCode(), numberOf(id));
+  keys_.push_back(entry);
 }
 
 void ActionMenus::refill(const std::string& id) {
@@ -103,13 +106,9 @@ void ActionMenus::refresh() {
   }
 }
 
-int ActionMenus::numberOf(const std::string& id) const {
-  return numbers_.at(id);
-}
+int ActionMenus::numberOf(const std::string& id) const { return numbers_.at(id); }
 
-const Action& ActionMenus::action(const std::string& id) const {
-  return *items_.at(numberOf(id)).action;
-}
+const Action& ActionMenus::action(const std::string& id) const { return *items_.at(numberOf(id)).action; }
 
 void ActionMenus::onMenu(wxCommandEvent& event) {
   if (const auto found = items_.find(event.GetId()); found != items_.end()) {
@@ -122,6 +121,18 @@ void ActionMenus::onMenu(wxCommandEvent& event) {
     // A copy, for running may refill the submenu.
     const Action entry = submenu.entries[static_cast<size_t>(index)];
     run(entry);
+    return;
+  }
+  event.Skip();
+}
+
+void ActionMenus::onCharHook(wxKeyEvent& event) {
+  const bool typing = dynamic_cast<wxTextEntry*>(wxWindow::FindFocus()) != nullptr;
+  for (const wxAcceleratorEntry& key : keys_) {
+    if (typing || event.GetKeyCode() != key.GetKeyCode() || flagsOf(event) != key.GetFlags()) continue;
+    const Action& action = *items_.at(key.GetCommand()).action;
+    if (action.enabled && !action.enabled()) continue;
+    run(action);
     return;
   }
   event.Skip();

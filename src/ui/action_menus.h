@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <wx/accel.h>
 #include <wx/frame.h>
 #include <wx/menu.h>
 
@@ -36,8 +37,8 @@ class ActionMenus {
 
   // Makes the menu bar. Once.
   void build(std::vector<MenuPlan> plan);
-  // Other keys for the same actions, beside those in the menus.
-  void addKeys(const std::vector<std::pair<std::string, std::string>>& keysAndIds);
+  // Another key for an action, beside the one in its menu.
+  void addKey(const std::string& key, const std::string& id);
   void refill(const std::string& id);
   // Brings enabled and checked states of menus and toolbar up to date. Cheap when nothing has changed.
   void refresh();
@@ -55,6 +56,9 @@ class ActionMenus {
 
   void append(wxMenu& menu, const Action& action);
   void onMenu(wxCommandEvent& event);
+  // Some toolkits leave keys without Ctrl or Alt, and Ctrl+Tab, to the window that has the focus; here every
+  // key of an action counts wherever no text is being typed.
+  void onCharHook(wxKeyEvent& event);
   void run(const Action& action);
 
   wxFrame& frame_;
@@ -62,6 +66,7 @@ class ActionMenus {
   std::vector<MenuPlan> plan_;
   std::map<int, Item> items_;
   std::map<std::string, int> numbers_;
+  std::vector<wxAcceleratorEntry> keys_;
   struct Submenu {
     wxMenu* menu;
     int firstNumber;

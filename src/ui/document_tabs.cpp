@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "ui/flat_tab_art.h"
 #include "ui/text.h"
 
 namespace plumetta {
@@ -20,6 +21,7 @@ wxString markedTitle(const CPlumettaDoc& doc) {
 
 DocumentTabs::DocumentTabs(wxWindow* parent)
     : wxAuiNotebook(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, kStyle) {
+  SetArtProvider(new FlatTabArt);
   Bind(wxEVT_AUINOTEBOOK_PAGE_CHANGED, [this](wxAuiNotebookEvent& event) {
     if (const Entry* entry = entryAt(event.GetSelection())) entry->panel->SetFocus();
     if (onActivated) onActivated();

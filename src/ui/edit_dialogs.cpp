@@ -68,7 +68,7 @@ FormDialog::Check silenceLength(const CPlumettaDoc& doc) {
   const int64_t room = kMaxFrames - doc.wave().frames();
   return [=](const std::string& text) -> std::string {
     const auto seconds = parseNumber(text);
-    if (!seconds) return "This is no number.";
+    if (!seconds) return "This is not a number.";
     const int64_t frames = framesOf(*seconds, rate);
     if (frames < 1) return "At least one frame is needed.";
     return frames > room ? "No file can become that long." : "";
@@ -100,7 +100,7 @@ std::optional<NewFileChoice> askNewFile(wxWindow* parent, WindowProfile& profile
       "Samples", encodings, within(profile.integer(kNewFile, "Encoding", 1), 0, kEncodingCount - 1));
   const auto checkLength = [rate](const std::string& text) -> std::string {
     const auto seconds = parseNumber(text);
-    if (!seconds || *seconds < 0) return seconds ? "A length is never negative." : "This is no number.";
+    if (!seconds || *seconds < 0) return seconds ? "A length is never negative." : "This is not a number.";
     return std::round(*seconds * checkedNumber(*rate)) > kMaxFrames ? "No file can be that long." : "";
   };
   wxTextCtrl* length =

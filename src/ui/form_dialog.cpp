@@ -23,7 +23,7 @@ wxColour problemColour() {
 FormDialog::Check boundedNumber(double minimum, double maximum, const std::string& message, bool whole) {
   return [=](const std::string& text) -> std::string {
     const auto value = parseNumber(text);
-    if (!value) return "This is no number.";
+    if (!value) return "This is not a number.";
     if (whole && *value != std::floor(*value)) return "A whole number is needed.";
     if (*value >= minimum && *value <= maximum) return {};
     return message.empty() ? "From " + numberText(minimum) + " to " + numberText(maximum) + "." : message;

@@ -54,7 +54,12 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   place_.restore();
   buildStatusBar();
   menus_.build(menuPlan());
-  menus_.addKeys({{"Ctrl+=", "zoom-in"}, {"Ctrl+Shift+Z", "redo"}});
+  for (const char* key : {"Ctrl+=", "Ctrl+Shift+=", "Ctrl+Shift++", "Ctrl+KP_Add"})
+    menus_.addKey(key, "zoom-in");
+  menus_.addKey("Ctrl+KP_Subtract", "zoom-out");
+  menus_.addKey("Ctrl+Shift+Z", "redo");
+  menus_.addKey("Ctrl+Tab", "next-window");
+  menus_.addKey("Ctrl+Shift+Tab", "previous-window");
   if (profile_.integer(kWindow, "Toolbar", 1) != 0) buildToolBar();
 
   startPage_->onOpen = [this] { files_.open(); };

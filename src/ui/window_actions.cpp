@@ -178,11 +178,7 @@ void MainFrame::goTo(CPlumettaDoc& doc) {
   const auto position = askPosition(this, doc, profile_);
   if (!position) return;
   doc.setCursor(*position);
-  const ViewState& view = doc.view();
-  if (view.framesPerPixel <= 0) return;  // the whole file is in sight
-  const double seen = view.framesPerPixel * tabs_->activePanel()->GetClientSize().x;
-  if (view.cursor >= view.firstVisibleFrame && view.cursor < view.firstVisibleFrame + seen) return;
-  doc.setScrollAndZoom(std::max(0.0, view.cursor - seen / 2), view.framesPerPixel);
+  tabs_->activePanel()->showFrame(doc.view().cursor);
 }
 
 void MainFrame::editPreferences() {
@@ -248,12 +244,12 @@ MenuPlan MainFrame::windowMenu() {
   Action documents{"documents", "&Go to window", "", "", nullptr};
   documents.entries = [this] { return documentActions(); };
   documents.enabled = [this] { return tabs_->active() != nullptr; };
-  return {
-      "&Window",
-      {{"next-window", "&Next", "Ctrl+PageDown", "", [this] { tabs_->activateNeighbour(1); }, several},
-       {"previous-window", "&Previous", "Ctrl+PageUp", "", [this] { tabs_->activateNeighbour(-1); }, several},
-       kSeparator,
-       documents}};
+  return {"&Window",
+          {{"next-window", "&Next", "Ctrl+F6", "", [this] { tabs_->activateNeighbour(1); }, several},
+           {"previous-window", "&Previous", "Ctrl+Shift+F6", "", [this] { tabs_->activateNeighbour(-1); },
+            several},
+           kSeparator,
+           documents}};
 }
 
 std::vector<Action> MainFrame::documentActions() {

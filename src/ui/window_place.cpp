@@ -49,7 +49,7 @@ void WindowPlace::restore() {
   if (canBeGrabbed(wanted, frame_.FromDIP(80))) {
     frame_.Move(wanted.GetPosition());
     // Some window managers take a place only from a window that they show already.
-    place_ = wanted.GetPosition();
+    place_ = wanted;
     frame_.Bind(wxEVT_ACTIVATE, &WindowPlace::onFirstActivation, this);
   } else {
     frame_.CentreOnScreen();
@@ -59,7 +59,9 @@ void WindowPlace::restore() {
 
 void WindowPlace::onFirstActivation(wxActivateEvent& event) {
   frame_.Unbind(wxEVT_ACTIVATE, &WindowPlace::onFirstActivation, this);
-  if (!frame_.IsMaximized() && frame_.GetPosition() != place_) frame_.Move(place_);
+  frame_.CallAfter([this] {
+    if (!frame_.IsMaximized() && frame_.GetRect() != place_) frame_.SetSize(place_);
+  });
   event.Skip();
 }
 

@@ -22,7 +22,7 @@ class WindowPlace {
 
   wxFrame& frame_;
   WindowProfile& profile_;
-  wxPoint place_;  // where the frame shall stand once it is shown
+  wxRect place_;   // where the frame shall stand once it is shown
   wxRect normal_;  // while neither maximised nor an icon
 };
 

@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+
+# plumetta_windows_resources(TARGET [WINDOW]): the manifest (UTF-8 code page, long paths, DPI awareness, visual styles)
+# and the version of an executable for Windows; with WINDOW also the icon and what wxWidgets needs, and no console.
+# Nothing elsewhere.
+function(plumetta_windows_resources target)
+  if(NOT WIN32)
+    return()
+  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 argument "WINDOW" "" "")
+  set(window 0)
+  set(description "Plumetta, command line")
+  if(argument_WINDOW)
+    set(window 1)
+    set(description "Plumetta audio editor")
+    set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
+  endif()
+  set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/resources/windows/plumetta.rc.in ${script} @ONLY)
+  set_source_files_properties(
+    ${script} PROPERTIES OBJECT_DEPENDS
+    "${PROJECT_SOURCE_DIR}/resources/windows/plumetta.manifest;${PROJECT_SOURCE_DIR}/resources/plumetta.ico")
+  target_sources(${target} PRIVATE ${script})
+endfunction()
