@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kPointReach = 6;
 constexpr double kCurveReach = 4;
+constexpr double kCutBeyond = 16;
 constexpr double kPointRadius = 3.5;
 
 // The curve's value at a frame between two points, as stored: the gain is twice as much, but for the points.
@@ -58,6 +59,7 @@ void EnvelopeLayer::paint(wxGraphicsContext& gc, int left, int right) const {
   if (!envelope.active()) return;
   const LaneLayout layout = lanes_();
   for (int channel = 0; channel < std::min(layout.lanes, envelope.channelCount()); ++channel) {
+    if (layout.laneHeight(channel) <= 0) continue;
     gc.Clip(left, layout.top(channel), right - left, layout.laneHeight(channel));
     paintCurve(gc, channel, left, right);
     paintPoints(gc, channel, left, right);
@@ -70,24 +72,33 @@ void EnvelopeLayer::paintCurve(wxGraphicsContext& gc, int channel, int left, int
   const FrameScale scale = view_.scale();
   const EnvelopeScale lane = laneScale(channel);
   const int last = envelope.pointCount(channel) - 1;
+  // Points far outside of the window are beyond what a rasteriser can count: every segment is cut there.
+  const double low = left - kCutBeyond;
+  const double high = right + kCutBeyond;
   wxGraphicsPath path = gc.CreatePath();
-  const int first = segmentAt(envelope, channel, scale.frame(left));
-  path.MoveToPoint(scale.x(envelope.point(first, channel).position), lane.y(envelope.point(first, channel).value));
+  const int first = segmentAt(envelope, channel, scale.frame(low));
   for (int i = first; i < last; ++i) {
     const EnvelopePoint from = envelope.point(i, channel);
     const EnvelopePoint to = envelope.point(i + 1, channel);
     const double fromX = scale.x(from.position);
     const double toX = scale.x(to.position);
-    if (fromX > right) break;
-    if (from.kind == EnvelopeKind::hold) path.AddLineToPoint(toX, lane.y(from.value));
-    if (from.kind == EnvelopeKind::smooth || from.kind == EnvelopeKind::curve) {
-      const double end = std::min<double>(toX, right + 2);
-      for (double x = std::max<double>(fromX, left - 2) + 2; x < end; x += 2) {
-        const auto frame = static_cast<int32_t>(scale.nearestFrame(x));
-        path.AddLineToPoint(scale.x(frame), lane.y(valueBetween(envelope, channel, i, frame)));
-      }
+    const double begin = std::max(fromX, low);
+    const double end = std::min(toX, high);
+    if (fromX > high) break;
+    const auto linear = [&](double x) {
+      return lane.y(from.value + (to.value - from.value) * (x - fromX) / std::max(toX - fromX, 1e-9));
+    };
+    const auto at = [&](double x) {
+      if (from.kind == EnvelopeKind::linear) return linear(x);
+      return lane.y(valueBetween(envelope, channel, i, static_cast<int32_t>(scale.nearestFrame(x))));
+    };
+    if (i == first) path.MoveToPoint(begin, at(begin));
+    if (from.kind == EnvelopeKind::hold) {
+      path.AddLineToPoint(end, lane.y(from.value));
+    } else if (from.kind != EnvelopeKind::linear) {
+      for (double x = begin + 2; x < end; x += 2) path.AddLineToPoint(x, at(x));
     }
-    path.AddLineToPoint(toX, lane.y(to.value));
+    path.AddLineToPoint(end, end < toX ? at(end) : lane.y(to.value));
   }
   const Theme& theme = view_.theme;
   const wxColour colour = view_.doc.wave().isActive(channel) ? theme.envelope : withAlpha(theme.envelope, 0x80);
@@ -106,6 +117,7 @@ void EnvelopeLayer::paintPoints(wxGraphicsContext& gc, int channel, int left, in
     const EnvelopePoint point = envelope.point(i, channel);
     const double x = scale.x(point.position);
     if (x > right + radius) break;
+    if (x < left - radius) continue;
     gc.DrawEllipse(x - radius, lane.y(point.value) - radius, 2 * radius, 2 * radius);
   }
 }

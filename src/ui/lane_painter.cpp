@@ -24,7 +24,7 @@ LanePainter::LanePainter(wxGraphicsContext& gc, WaveView& view, double columnWid
     : gc_(gc), view_(view), scale_(view.scale()), columnWidth_(columnWidth), left_(left), right_(right) {}
 
 void LanePainter::paint(int channel, const AmplitudeScale& lane) {
-  if (view_.doc.wave().frames() == 0) return;
+  if (view_.doc.wave().frames() == 0 || lane.height <= 0) return;
   gc_.Clip(left_, lane.top, right_ - left_, lane.height);
   const bool active = view_.doc.wave().isActive(channel);
   if (scale_.framesPerPixel < kLineBelow) {
@@ -88,8 +88,11 @@ void LanePainter::paintColumns(int channel, const AmplitudeScale& lane, bool act
     gc_.SetPen(gc_.CreatePen(wxGraphicsPenInfo(colour).Width(columnWidth_).Cap(wxCAP_BUTT)));
     gc_.StrokePath(path);
   };
-  draw(plain.peak, active ? theme.peak : theme.peakOff);
-  draw(selected.peak, active ? theme.peakSelected : theme.peakOff);
+  // Without a body inside, the columns themselves are the body.
+  const bool solid = scale_.framesPerPixel < kRmsFrom;
+  const wxColour off = solid ? theme.rmsOff : theme.peakOff;
+  draw(plain.peak, !active ? off : solid ? theme.rms : theme.peak);
+  draw(selected.peak, !active ? off : solid ? theme.rmsSelected : theme.peakSelected);
   draw(plain.rms, active ? theme.rms : theme.rmsOff);
   draw(selected.rms, active ? theme.rmsSelected : theme.rmsOff);
   draw(plain.clip, theme.clip);

@@ -36,6 +36,25 @@ TimeRuler::TimeRuler(wxWindow* parent, WaveView& view) : ViewWindow(parent, view
   Bind(wxEVT_CONTEXT_MENU, &TimeRuler::onContextMenu, this);
 }
 
+wxString TimeRuler::label(double frame, const TickSpacing& ticks) const {
+  if (view_.timeInFrames()) return fromUtf8(formatCount(std::llround(frame)));
+  return fromUtf8(formatTime(frame / std::max<uint32_t>(doc().wave().sampleRate(), 1), ticks.timeDecimals));
+}
+
+// Fine steps need wide labels, which need wider steps.
+TickSpacing TimeRuler::spacing(wxGraphicsContext& gc) const {
+  const FrameScale scale = view_.scale();
+  const auto apartBy = [&](double pixels) {
+    return view_.timeInFrames() ? frameTicks(scale.framesPerPixel, pixels)
+                                : timeTicks(scale.framesPerPixel, doc().wave().sampleRate(), pixels);
+  };
+  const TickSpacing ticks = apartBy(FromDIP(kLabelDistance));
+  double width = 0, height = 0;
+  gc.GetTextExtent(label(scale.frame(view_.width()), ticks), &width, &height);
+  const double needed = width + FromDIP(20);
+  return needed > FromDIP(kLabelDistance) ? apartBy(needed) : ticks;
+}
+
 void TimeRuler::paint(wxGraphicsContext& gc, const wxRect& area) {
   const int height = GetClientSize().y;
   const FrameScale scale = view_.scale();
@@ -47,14 +66,12 @@ void TimeRuler::paint(wxGraphicsContext& gc, const wxRect& area) {
   }
   fillRect(gc, theme().line, area.x, height - hairline(), area.width, hairline());
 
-  const TickSpacing ticks = view_.timeInFrames()
-                                ? frameTicks(scale.framesPerPixel, FromDIP(kLabelDistance))
-                                : timeTicks(scale.framesPerPixel, doc().wave().sampleRate(), FromDIP(kLabelDistance));
   gc.SetFont(smallFont(), theme().textQuiet);
+  const TickSpacing ticks = spacing(gc);
   const double minor = ticks.major / ticks.minorParts;
   // A label that begins left of the area may reach into it.
-  const auto first = std::max<int64_t>(
-      static_cast<int64_t>(std::floor(scale.frame(area.x - FromDIP(kLabelDistance)) / minor)), 0);
+  const double begin = scale.frame(area.x) - ticks.major;
+  const auto first = std::max<int64_t>(static_cast<int64_t>(std::floor(begin / minor)), 0);
   for (int64_t i = first;; ++i) {
     const double frame = static_cast<double>(i) * minor;
     const double x = snapped(scale.x(frame));
@@ -63,14 +80,11 @@ void TimeRuler::paint(wxGraphicsContext& gc, const wxRect& area) {
     const int length = FromDIP(major ? 8 : 4);
     fillRect(gc, major ? theme().textQuiet : theme().line, x, height - length, hairline(), length);
     if (!major) continue;
-    const std::string label = view_.timeInFrames()
-                                  ? formatCount(std::llround(frame))
-                                  : formatTime(frame / std::max<uint32_t>(doc().wave().sampleRate(), 1),
-                                               ticks.timeDecimals);
-    gc.DrawText(fromUtf8(label), x + FromDIP(4), FromDIP(2));
+    gc.DrawText(label(frame, ticks), x + FromDIP(4), FromDIP(2));
   }
   const double cursor = snapped(scale.x(state.cursor)) + hairline() / 2;
   const double arm = FromDIP(4);
+  if (cursor < area.x - arm || cursor > area.x + area.width + arm) return;
   wxGraphicsPath head = gc.CreatePath();
   head.MoveToPoint(cursor - arm, height - arm - FromDIP(1));
   head.AddLineToPoint(cursor + arm, height - arm - FromDIP(1));

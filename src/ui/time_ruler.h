@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "doc/ruler_ticks.h"
 #include "ui/view_window.h"
 
 namespace plumetta {
@@ -15,6 +16,8 @@ class TimeRuler : public ViewWindow {
   void paint(wxGraphicsContext& gc, const wxRect& area) override;
 
  private:
+  wxString label(double frame, const TickSpacing& ticks) const;
+  TickSpacing spacing(wxGraphicsContext& gc) const;
   void onLeftDown(wxMouseEvent& event);
   void onContextMenu(wxContextMenuEvent& event);
 };

@@ -126,10 +126,14 @@ void ViewWindow::endDrag() {
 }
 
 void fillRect(wxGraphicsContext& gc, const wxColour& colour, double x, double y, double width, double height) {
-  if (width <= 0 || height <= 0) return;
+  // Deep in a long file an edge may lie beyond what a rasteriser can count.
+  constexpr double kFar = 1e5;
+  const double left = std::max(x, -kFar);
+  const double right = std::min(x + width, kFar);
+  if (right <= left || height <= 0) return;
   gc.SetPen(wxNullPen);
   gc.SetBrush(wxBrush(colour));
-  gc.DrawRectangle(x, y, width, height);
+  gc.DrawRectangle(left, y, right - left, height);
 }
 
 wxColour withAlpha(const wxColour& colour, unsigned char alpha) {

@@ -127,7 +127,7 @@ void WaveformCanvas::onLeftDown(wxMouseEvent& event) {
     }
   }
   if (doc().wave().frames() == 0) return;
-  const ViewState& state = doc().view();
+  const ViewState state = doc().view();
   const int32_t frame = doc().clampFrame(view_.scale().nearestFrame(at.x));
   int32_t fixed = frame;
   int slack = FromDIP(3);
@@ -147,7 +147,7 @@ void WaveformCanvas::onLeftDown(wxMouseEvent& event) {
     doc().select(frame, frame);
     doc().setCursor(frame);
   }
-  startDrag(std::make_unique<SelectionDrag>(view_, fixed, at.x, slack));
+  startDrag(std::make_unique<SelectionDrag>(view_, state, fixed, at.x, slack));
 }
 
 void WaveformCanvas::selectRegionAt(int64_t frame) {

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <wx/panel.h>
+#include <wx/scrolbar.h>
+
+#include <functional>
+
+#include "doc/document.h"
+#include "ui/wave_view.h"
+
+namespace plumetta {
+
+class LaneHeader;
+class MarkerStrip;
+class OverviewStrip;
+class TimeRuler;
+class WaveformCanvas;
+class ViewWindow;
+
+// The whole content of a document window: overview, time ruler, markers, one lane a channel, scroll bar. It
+// listens to its document.
+class DocumentPanel : public wxPanel, public DocumentListener {
+ public:
+  DocumentPanel(wxWindow* parent, CPlumettaDoc& doc);
+  ~DocumentPanel() override;
+
+  void zoomIn();
+  void zoomOut();
+  void zoomToSelection();
+  void zoomAll();
+  void zoomVerticalIn();
+  void zoomVerticalOut();
+  void zoomVerticalReset();
+  // Scrolls as little as needed for a frame to be seen.
+  void showFrame(int32_t frame) { view_.show(frame); }
+
+  // The fields of a status bar, as the person counts time at this moment.
+  wxString statusFormat() const;
+  wxString statusLength() const;
+  wxString statusCursor() const;
+  wxString statusSelection() const;
+
+  std::function<void()> onStatusChanged;
+  std::function<void()> onTitleChanged;
+
+  void samplesChanged() override;
+  void annotationsChanged() override;
+  void viewChanged() override;
+  void titleChanged() override;
+
+  void SetFocus() override;
+
+ private:
+  void arrange();
+  void refreshAll();
+  void followAnnotations();
+  void syncScrollBar();
+  void onScroll(wxScrollEvent& event);
+  void onCanvasSize(wxSizeEvent& event);
+  void onCharHook(wxKeyEvent& event);
+
+  WaveView view_;
+  OverviewStrip* overview_;
+  TimeRuler* ruler_;
+  MarkerStrip* markers_;
+  WaveformCanvas* canvas_;
+  LaneHeader* header_;
+  wxScrollBar* scrollBar_;
+};
+
+}  // namespace plumetta
