@@ -115,7 +115,8 @@ class RecentRow : public wxWindow {
 
 }  // namespace
 
-StartPage::StartPage(wxWindow* parent) : wxPanel(parent) {
+StartPage::StartPage(wxWindow* parent) : wxScrolled<wxPanel>(parent) {
+  SetScrollRate(0, FromDIP(8));
   auto* column = new wxBoxSizer(wxVERTICAL);
   column->Add(makeHeading(), 0, wxLEFT, FromDIP(kRowPadding));
   column->AddSpacer(FromDIP(24));
@@ -175,6 +176,7 @@ void StartPage::setRecent(const std::vector<std::string>& paths) {
     recentRows_->Add(new RecentRow(this, path, [this, path] { onRecent(path); }));
   }
   recentHeading_->Show(!paths.empty());
+  FitInside();
   Layout();
 }
 
