@@ -26,11 +26,13 @@ enum Operation {
 
 constexpr const char* kNoMemory = "There is not enough memory for this.";
 
+// clang-format off
 constexpr std::array<const char*, 16> kMenuTexts{
     "Mix &active channels to mono", "&Mix all channels to mono", "Keep &left only", "Keep &right only",
     "Keep &center only",            "Keep &fourth only",         "Keep &back left only", "Keep back ri&ght only",
     "Keep auxiliary left &only",    "Keep auxiliary rig&ht only", "Convert to &stereo", "Add a cha&nnel",
     "&Delete channel",           "&Insert channel",        "&Clone channel",    "S&wap channel"};
+// clang-format on
 
 // The channel that is meant; checked before it is used.
 int channelOf(const CommandCall& call) { return static_cast<int>(call.integer(0)); }
