@@ -1,19 +1,18 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 
-# plumetta_windows_resources(TARGET [WINDOW]): the manifest (UTF-8 code page, long paths, DPI awareness, visual styles)
-# and the version of an executable for Windows; with WINDOW also the icon and what wxWidgets needs, and no console.
+# plumetta_windows_resources(TARGET): the manifest (UTF-8 code page, long paths, DPI awareness, visual styles) and the
+# version of an executable for Windows; for one with a window (WIN32_EXECUTABLE) also the icon and what wxWidgets needs.
 # Nothing elsewhere.
 function(plumetta_windows_resources target)
   if(NOT WIN32)
     return()
   endif()
-  cmake_parse_arguments(PARSE_ARGV 1 argument "WINDOW" "" "")
+  get_target_property(has_window ${target} WIN32_EXECUTABLE)
   set(window 0)
   set(description "Plumetta, command line")
-  if(argument_WINDOW)
+  if(has_window)
     set(window 1)
     set(description "Plumetta audio editor")
-    set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
   endif()
   set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
   configure_file(${PROJECT_SOURCE_DIR}/resources/windows/plumetta.rc.in ${script} @ONLY)

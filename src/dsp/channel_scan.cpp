@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "core/wave.h"
-#include "platform/cpu_variants.h"
+#include "core/cpu_variants.h"
 
 namespace plumetta {
 namespace {

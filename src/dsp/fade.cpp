@@ -5,7 +5,7 @@
 #include <numbers>
 
 #include "dsp/amplitude.h"
-#include "platform/cpu_variants.h"
+#include "core/cpu_variants.h"
 
 namespace plumetta {
 namespace {

@@ -4,12 +4,12 @@
 #include <aclapi.h>
 #include <sddl.h>
 
+#include <vector>
+
 #include "platform/windows/wide.h"
 
 namespace plumetta {
 namespace {
-
-constexpr SECURITY_INFORMATION kKept = DACL_SECURITY_INFORMATION | UNPROTECTED_DACL_SECURITY_INFORMATION;
 
 bool keepsAccessLists(const std::wstring& path) {
   std::wstring root(path.size() + MAX_PATH, L'\0');
@@ -19,18 +19,15 @@ bool keepsAccessLists(const std::wstring& path) {
          (flags & FILE_PERSISTENT_ACLS) != 0;
 }
 
-std::error_code setAccess(const std::wstring& path, SECURITY_INFORMATION what, PSID owner, PACL list) {
-  // The system's function takes a name that it may write to.
-  std::wstring name = path;
-  const DWORD code = SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, what, owner, nullptr, list, nullptr);
-  return code == ERROR_SUCCESS ? std::error_code{} : systemError(code);
-}
-
 std::error_code takeFolderRules(const std::wstring& path) {
-  // An empty list of its own, open to what the folder hands down.
+  // An empty list of its own, open to what the folder hands down. The call takes a name that it may write to.
   ACL empty{};
   if (!InitializeAcl(&empty, sizeof empty, ACL_REVISION)) return lastSystemError();
-  return setAccess(path, kKept, nullptr, &empty);
+  std::wstring name = path;
+  const DWORD code = SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT,
+                                           DACL_SECURITY_INFORMATION | UNPROTECTED_DACL_SECURITY_INFORMATION,
+                                           nullptr, nullptr, &empty, nullptr);
+  return code == ERROR_SUCCESS ? std::error_code{} : systemError(code);
 }
 
 // The account that this process runs under, as access rules spell it; empty when the system doesn't tell.
@@ -64,22 +61,18 @@ std::unique_ptr<void, LocalDeleter> ownerOnlyDescriptor() {
 std::error_code copyAccess(const std::wstring& path, const std::wstring& model) {
   if (!keepsAccessLists(path)) return {};
   if (GetFileAttributesW(model.c_str()) == INVALID_FILE_ATTRIBUTES) return takeFolderRules(path);
-  PSECURITY_DESCRIPTOR descriptor = nullptr;
-  PSID owner = nullptr;
-  PACL list = nullptr;
-  const DWORD code = GetNamedSecurityInfoW(model.c_str(), SE_FILE_OBJECT,
-                                           DACL_SECURITY_INFORMATION | OWNER_SECURITY_INFORMATION, &owner,
-                                           nullptr, &list, nullptr, &descriptor);
-  const std::unique_ptr<void, LocalDeleter> held(descriptor);
-  if (code != ERROR_SUCCESS) return systemError(code);
-  SECURITY_DESCRIPTOR_CONTROL control = 0;
-  DWORD revision = 0;
-  if (!GetSecurityDescriptorControl(descriptor, &control, &revision)) return lastSystemError();
+  // The older calls, because they copy a list as it is; the newer ones would work out anew what the folder
+  // hands down.
+  constexpr SECURITY_INFORMATION kOwnerAndList = OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
+  DWORD bytes = 0;
+  GetFileSecurityW(model.c_str(), kOwnerAndList, nullptr, 0, &bytes);
+  std::vector<char> descriptor(bytes);
+  if (!GetFileSecurityW(model.c_str(), kOwnerAndList, descriptor.data(), bytes, &bytes))
+    return lastSystemError();
   // Giving a file away is the right of few; the list matters, the owner is kept where it can be.
-  setAccess(path, OWNER_SECURITY_INFORMATION, owner, nullptr);
-  const bool closed = (control & SE_DACL_PROTECTED) != 0;
-  return setAccess(path, closed ? DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION : kKept,
-                   nullptr, list);
+  SetFileSecurityW(path.c_str(), OWNER_SECURITY_INFORMATION, descriptor.data());
+  if (!SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor.data())) return lastSystemError();
+  return {};
 }
 
 }  // namespace plumetta

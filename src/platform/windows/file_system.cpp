@@ -16,21 +16,15 @@ namespace {
 constexpr size_t kLargestTransfer = size_t{1} << 30;
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-std::error_code check(BOOL done) {
-  return done ? std::error_code{} : lastSystemError();
-}
+std::error_code check(BOOL done) { return done ? std::error_code{} : lastSystemError(); }
 
-DWORD attributesOf(const std::wstring& path) {
-  return GetFileAttributesW(path.c_str());
-}
+DWORD attributesOf(const std::wstring& path) { return GetFileAttributesW(path.c_str()); }
 
 bool has(DWORD attributes, DWORD wanted) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & wanted) != 0;
 }
 
-bool isAbsent(DWORD code) {
-  return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND;
-}
+bool isAbsent(DWORD code) { return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND; }
 
 // Names like NUL and \\.\pipe\name, which the system itself spells in full this way. They are told by name
 // because opening a pipe in order to ask would use it up.
@@ -191,8 +185,11 @@ class WindowsFileSystem : public FileSystem {
   }
 
   std::error_code replace(const std::string& from, const std::string& to, bool syncFolder) override {
+    const std::wstring target = systemPath(to);
+    // Not every implementation of the system's call looks at the mark.
+    if (has(attributesOf(target), FILE_ATTRIBUTE_READONLY)) return systemError(ERROR_ACCESS_DENIED);
     const DWORD flags = MOVEFILE_REPLACE_EXISTING | (syncFolder ? MOVEFILE_WRITE_THROUGH : 0);
-    return check(MoveFileExW(systemPath(from).c_str(), systemPath(to).c_str(), flags));
+    return check(MoveFileExW(systemPath(from).c_str(), target.c_str(), flags));
   }
 
   std::error_code remove(const std::string& path) override {

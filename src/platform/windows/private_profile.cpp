@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "platform/paths.h"
+#include "platform/windows/wide.h"
 
 // The functions for narrow strings: the executables' manifest makes the active code page UTF-8, so that names
 // and the file's own bytes are UTF-8 alike. A path without a folder would mean the system's own folder.
@@ -14,7 +14,7 @@ std::string readProfileString(const std::string& path, const std::string& sectio
                               const std::string& fallback) {
   // What no file holds: the system trims a fallback of its own, so it is told apart and put in here.
   const char* const absent = "\x01";
-  const std::string file = absolutePath(path);
+  const std::string file = narrow(systemPath(path));
   std::string value(256, '\0');
   for (;;) {
     const DWORD length = GetPrivateProfileStringA(section.c_str(), key.c_str(), absent, value.data(),
@@ -31,11 +31,11 @@ std::string readProfileString(const std::string& path, const std::string& sectio
 bool writeProfileString(const std::string& path, const std::string& section, const std::string& key,
                         const std::string& value) {
   return WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(),
-                                    absolutePath(path).c_str()) != 0;
+                                    narrow(systemPath(path)).c_str()) != 0;
 }
 
 bool eraseProfileSection(const std::string& path, const std::string& section) {
-  return WritePrivateProfileStringA(section.c_str(), nullptr, nullptr, absolutePath(path).c_str()) != 0;
+  return WritePrivateProfileStringA(section.c_str(), nullptr, nullptr, narrow(systemPath(path)).c_str()) != 0;
 }
 
 }  // namespace plumetta

@@ -1,0 +1,66 @@
+#!/bin/bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Usage: window_starts.sh PLUMETTA.exe [SCREENSHOT.png]  Starts the editor under Wine on a display of its own with a sound
+# file, waits for a window that names the file, and closes it as a person would. Fails when no window comes, or when the
+# program doesn't end.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+built=$1
+# Unlike any other that runs in the same Wine folder, so that it alone is asked to close.
+program=plumetta-$$.exe
+picture=${2:-$(dirname "$built")/window.png}
+folder=$(mktemp -d)
+name=Glöckchen
+
+fail() {
+  echo "$1" >&2
+  tail -n 20 "$folder/output" >&2 || true
+  exit 1
+}
+
+# Waits until COMMAND succeeds, for at most as many seconds.
+within() {  # SECONDS COMMAND...
+  local until=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    ((SECONDS < until)) || return 1
+    sleep 0.5
+  done
+}
+
+titled() { xdotool search --onlyvisible --name "$name" >"$folder/window" 2>/dev/null && [[ -s $folder/window ]]; }
+ended() { ! kill -0 "$editor" 2>/dev/null; }
+
+# The display's server picks a free number and tells it.
+mkfifo "$folder/display"
+Xvfb -displayfd 4 -screen 0 1280x800x24 -nolisten tcp 4>"$folder/display" >"$folder/xvfb" 2>&1 &
+server=$!
+editor=
+cleanup() {
+  [[ -z $editor ]] || kill -9 "$editor" 2>/dev/null || true
+  kill "$server" 2>/dev/null || true
+  rm -rf "$folder"
+}
+trap cleanup EXIT
+read -r -t 20 number <"$folder/display" || fail "Xvfb does not start."
+export DISPLAY=:$number
+
+# In a folder of its own, the program keeps its settings beside itself and finds none.
+cp "$built" "$folder/$program"
+"$root/tools/make_demo" "$folder/$name.wav"
+(cd "$folder" && exec "$root/tools/windows/wine-run" "$program" "$name.wav") >"$folder/output" 2>&1 &
+editor=$!
+
+within 90 titled || { import -window root "$picture" || true; fail "No window names $name.wav."; }
+sleep 2  # for the first drawing
+import -window root "$picture"
+ended && fail "The program ended on its own."
+# As the taskbar does it: asked to close, not killed.
+"$root/tools/windows/wine-run" taskkill.exe /im "$program" >>"$folder/output" 2>&1 || fail "Closing did not reach it."
+within 30 ended || fail "The program does not end when its window is closed."
+status=0
+wait "$editor" || status=$?
+editor=
+[[ $status -eq 0 ]] || fail "The program ended with $status."
+echo "A window named $name.wav; its picture is $picture"
