@@ -101,12 +101,22 @@ std::vector<Command> channelCommands() {
     for (size_t i = 0; i < all.size(); ++i) all[i] = "channel-" + std::to_string(i);
     return all;
   }();
-  const Parameter index{"index", "Channel", "counted from 0", ParameterType::integer, false, int64_t{0}, -1e9, 1e9, ""};
+  const Parameter index{"index", "Channel", "counted from 0", ParameterType::integer, false, int64_t{0}, -1e9,
+                        1e9,     ""};
   std::vector<Command> commands;
   for (size_t i = 0; i < kMenuTexts.size(); ++i) {
-    commands.push_back({ids[i].c_str(), kMenuTexts[i], "", Menu::channel, {index}, checkChannel,
-                        undoAs<UndoKind::layout>, Lock::throughout, runChannel, channelName,
-                        Command::Changes::samples, static_cast<int>(i)});
+    commands.push_back({ids[i].c_str(),
+                        kMenuTexts[i],
+                        "",
+                        Menu::channel,
+                        {index},
+                        checkChannel,
+                        undoAs<UndoKind::layout>,
+                        Lock::throughout,
+                        runChannel,
+                        channelName,
+                        Command::Changes::samples,
+                        static_cast<int>(i)});
   }
   return commands;
 }
