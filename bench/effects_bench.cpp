@@ -38,10 +38,10 @@ void run(benchmark::State& state, Effect effect) {
   wave.setActive(ActiveOperation::all, 0);
 }
 
-#define PLUMETTA_EFFECT_BENCH(name, call)                                               \
-  void name(benchmark::State& state) {                                                  \
-    run(state, [](CWave& wave, [[maybe_unused]] FrameRange all) { call; });             \
-  }                                                                                     \
+#define PLUMETTA_EFFECT_BENCH(name, call)                                   \
+  void name(benchmark::State& state) {                                      \
+    run(state, [](CWave& wave, [[maybe_unused]] FrameRange all) { call; }); \
+  }                                                                         \
   BENCHMARK(name)->Unit(benchmark::kMillisecond)->Arg(0)->Arg(1)
 
 PLUMETTA_EFFECT_BENCH(volumeEffect, volume(wave, all, 1.0f));

@@ -13,8 +13,8 @@ namespace {
 float curveAt(const EnvelopePoint& left, const EnvelopePoint& right, int32_t position) {
   const double y0 = left.value;
   const double y1 = right.value;
-  const double t = (static_cast<double>(position) - left.position) /
-                   (static_cast<double>(right.position) - left.position);
+  const double t =
+      (static_cast<double>(position) - left.position) / (static_cast<double>(right.position) - left.position);
   switch (left.kind) {
     case EnvelopeKind::linear:
       return static_cast<float>(y0 + (y1 - y0) * t);

@@ -106,8 +106,8 @@ std::vector<Parameter> bitDepthParameters() {
 
 std::vector<Command> levelCommands() {
   return {
-      {"normalize", "&Normalize", "Ctrl+Shift+N", Menu::normalize, levelParameter(-3.0), nullptr, selectionOrFile,
-       Lock::turns, runNormalize,
+      {"normalize", "&Normalize", "Ctrl+Shift+N", Menu::normalize, levelParameter(-3.0), nullptr,
+       selectionOrFile, Lock::turns, runNormalize,
        [](CommandCall& call) { return formatted("Normalize %2.2fdB", call.real(0)); }, Changes::samples},
       {"volume", "&Volume", "", Menu::process, levelParameter(3.0), nullptr, undoAs<UndoKind::selection>,
        Lock::turns, runVolume, [](CommandCall& call) { return formatted("Volume %2.2fdB", call.real(0)); },

@@ -12,9 +12,8 @@ namespace {
 float activePeak(CWave& wave, FrameRange range) {
   const auto channels = static_cast<size_t>(wave.channels());
   Extremes extremes[kMaxChannels];
-  forPieces(wave, range, [&](const float* samples, size_t frames) {
-    scanExtremes(samples, frames, channels, extremes);
-  });
+  forPieces(wave, range,
+            [&](const float* samples, size_t frames) { scanExtremes(samples, frames, channels, extremes); });
   Extremes all;
   for (size_t c = 0; c < channels; ++c) {
     if (wave.isActive(static_cast<int>(c))) all.take(extremes[c]);
@@ -54,9 +53,8 @@ bool removeDc(CWave& wave, FrameRange range) {
   if (range.first == range.last || !range.liesIn(wave)) return false;
   const auto channels = static_cast<size_t>(wave.channels());
   double sums[kMaxChannels] = {};
-  forPieces(wave, range, [&](const float* samples, size_t frames) {
-    scanSums(samples, frames, channels, sums, nullptr);
-  });
+  forPieces(wave, range,
+            [&](const float* samples, size_t frames) { scanSums(samples, frames, channels, sums, nullptr); });
   // A block of whole frames, so that the offsets line up with the samples and vectors can be used.
   float offsets[4 * kMaxChannels];
   const size_t block = 4 * channels;

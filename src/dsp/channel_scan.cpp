@@ -5,14 +5,14 @@
 
 #include <algorithm>
 
-#include "core/wave.h"
 #include "core/cpu_variants.h"
+#include "core/wave.h"
 
 namespace plumetta {
 namespace {
 
-// Interleaved samples are read as lanes, sample i on lane i modulo the lanes; where the lanes are a multiple of
-// the channels, each lane belongs to one channel, and a run of lanes is a vector.
+// Interleaved samples are read as lanes, sample i on lane i modulo the lanes; where the lanes are a multiple
+// of the channels, each lane belongs to one channel, and a run of lanes is a vector.
 constexpr size_t kLanes = 16;
 // For channel counts that don't divide the lanes: this many frames side by side.
 constexpr size_t kFramesAbreast = 4;

@@ -5,8 +5,8 @@
 
 namespace plumetta {
 
-// The largest and the smallest sample; the starting values stand for no sample at all. What is not a number is
-// passed over.
+// The largest and the smallest sample; the starting values stand for no sample at all. What is not a number
+// is passed over.
 struct Extremes {
   float largest = -1000.0f;
   float smallest = 1000.0f;

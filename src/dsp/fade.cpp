@@ -4,8 +4,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "dsp/amplitude.h"
 #include "core/cpu_variants.h"
+#include "dsp/amplitude.h"
 
 namespace plumetta {
 namespace {
@@ -47,9 +47,9 @@ PLUMETTA_WIDE_VECTORS void scaleStereo(float* samples, const float* gains, size_
   }
 }
 
-// The gains of a fade in, block by block. Exponentials and cosines of a block follow from one at its start and a
-// table of the steps inside a block (e^(a+b) = e^a e^b, and the cosine's addition theorem), in double precision,
-// so that a gain costs two multiplications and is still right to the last bit of a float.
+// The gains of a fade in, block by block. Exponentials and cosines of a block follow from one at its start
+// and a table of the steps inside a block (e^(a+b) = e^a e^b, and the cosine's addition theorem), in double
+// precision, so that a gain costs two multiplications and is still right to the last bit of a float.
 class FadeGains {
  public:
   FadeGains(FadeCurve curve, int32_t last) : curve_(curve), step_(1.0 / last) {

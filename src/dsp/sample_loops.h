@@ -6,8 +6,8 @@
 
 namespace plumetta {
 
-// Calls `work(samples, frames)` piece by piece over a range that lies in the buffer, with a turn for others in
-// between.
+// Calls `work(samples, frames)` piece by piece over a range that lies in the buffer, with a turn for others
+// in between.
 template <class Work>
 void forPieces(CWave& wave, FrameRange range, Work work) {
   const auto channels = static_cast<size_t>(wave.channels());

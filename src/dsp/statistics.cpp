@@ -42,9 +42,10 @@ struct Figure {
 };
 
 constexpr Figure kFigures[] = {
-    {"\tRMS power :\t\t", "\tRMS power L:\t\t", "\tRMS power R:\t\t", "\tRMS power ch%d:\t\t", &ChannelLevels::rms},
-    {"\tAverage value (DC offset) :\t", "\tAverage value L (DC offset):\t", "\tAverage value R (DC offset):\t",
-     "\tAverage value %d (DC offset):\t", &ChannelLevels::mean},
+    {"\tRMS power :\t\t", "\tRMS power L:\t\t", "\tRMS power R:\t\t", "\tRMS power ch%d:\t\t",
+     &ChannelLevels::rms},
+    {"\tAverage value (DC offset) :\t", "\tAverage value L (DC offset):\t",
+     "\tAverage value R (DC offset):\t", "\tAverage value %d (DC offset):\t", &ChannelLevels::mean},
     {"\tMin value :\t\t", "\tMin value L:\t\t", "\tMin value R:\t\t", "\tMin value ch%d:\t\t",
      &ChannelLevels::minimum},
     {"\tMax value :\t\t", "\tMax value L:\t\t", "\tMax value R:\t\t", "\tMax value ch%d:\t\t",
@@ -89,12 +90,14 @@ const char* formatLine(uint16_t tag) {
 std::string generalSection(const CWave& wave) {
   const int64_t rate = std::max<int64_t>(wave.sampleRate(), 1);
   const int64_t milliseconds = static_cast<int64_t>(wave.frames()) * 1000 / rate;
-  const auto part = [&](int64_t unit, int64_t modulo) { return static_cast<int>(milliseconds / unit % modulo); };
+  const auto part = [&](int64_t unit, int64_t modulo) {
+    return static_cast<int>(milliseconds / unit % modulo);
+  };
   std::string text = "General information:\r\n\tSample name:\t\t" + wave.fileName() + "\r\n";
   text += formatted("\tChannel number:\t\t%d\r\n", wave.channels());
   text += formatted("\tSample number:\t\t%d\r\n", wave.frames());
-  text += formatted("\tTotal duration:\t\t%2.2d:%2.2d:%2.2d:%3.3d\r\n", part(3600000, 1 << 30), part(60000, 60),
-                    part(1000, 60), part(1, 1000));
+  text += formatted("\tTotal duration:\t\t%2.2d:%2.2d:%2.2d:%3.3d\r\n", part(3600000, 1 << 30),
+                    part(60000, 60), part(1000, 60), part(1, 1000));
   text += formatted("\tFrequency:\t\t%uHz\r\n", wave.sampleRate());
   text += formatted("\tBits per sample:\t\t%d\r\n", wave.bitsPerSample());
   return text + formatLine(wave.formatTag());
@@ -102,8 +105,8 @@ std::string generalSection(const CWave& wave) {
 
 std::string selectionSection(int32_t from, int32_t to) {
   if (from == to) return {};
-  return formatted("Selection:\r\n\tSelection start:\t\t%d\r\n\tSelection end:\t\t%d\r\n\tDelta:\t\t\t%d\r\n", from, to,
-                   to - from + 1);
+  return formatted("Selection:\r\n\tSelection start:\t\t%d\r\n\tSelection end:\t\t%d\r\n\tDelta:\t\t\t%d\r\n",
+                   from, to, to - from + 1);
 }
 
 std::string annotationSections(const CWave& wave) {

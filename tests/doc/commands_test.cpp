@@ -165,10 +165,10 @@ TEST_F(Commands, AnnotationsAreEditedAndUndoneWithTheirIds) {
   run("loop", {at(50), at(40)});
   run("loop-clear");
   run("marker-clear");
-  EXPECT_EQ(history_.names(), (std::vector<std::string>{"Marker point created", "Marker point created",
-                                                        "Marker point created", "Marker deleted", "Marker moved",
-                                                        "Loop points created", "All loop points suppr",
-                                                        "All marker removed"}));
+  EXPECT_EQ(history_.names(),
+            (std::vector<std::string>{"Marker point created", "Marker point created", "Marker point created",
+                                      "Marker deleted", "Marker moved", "Loop points created",
+                                      "All loop points suppr", "All marker removed"}));
   run("undo");
   EXPECT_EQ(markerPositions(doc_->wave()), (std::vector<int>{20, 40}));
   EXPECT_EQ(doc_->wave().markers[1].id, 3u);
@@ -202,8 +202,8 @@ TEST_F(Commands, EnvelopeComesToLifeWithItsFirstPoint) {
   prompter_.answer = true;
   EXPECT_TRUE(run("envelope-clear"));
   EXPECT_TRUE(run("envelope-reset"));
-  EXPECT_EQ(history_.names(), (std::vector<std::string>{"Volume add", "Volume point removed", "Volume delete all",
-                                                        "Volume reset"}));
+  EXPECT_EQ(history_.names(), (std::vector<std::string>{"Volume add", "Volume point removed",
+                                                        "Volume delete all", "Volume reset"}));
 }
 
 TEST_F(Commands, PeaksFollowTheSamples) {
@@ -246,7 +246,8 @@ TEST_F(Commands, AVolumePointIsChangedBetweenItsNeighbours) {
   EXPECT_EQ(envelope.point(3, 1).value, 0.2f);
   // Ends that would leave their place, a neighbour's place, what isn't there, values out of range.
   const size_t steps = history_.names().size();
-  EXPECT_FALSE(move(0, 1, 0.5) || move(3, 98, 0.5) || move(1, 0, 0.5) || move(1, 60, 0.5) || move(2, 30, 0.5));
+  EXPECT_FALSE(move(0, 1, 0.5) || move(3, 98, 0.5) || move(1, 0, 0.5) || move(1, 60, 0.5) ||
+               move(2, 30, 0.5));
   EXPECT_FALSE(move(4, 99, 0.5) || move(1, 40, 1.01) || move(1, 40, -0.01));
   EXPECT_FALSE(run("envelope-move", {number(1), number(2), at(40), 0.5}));
 
@@ -293,7 +294,8 @@ TEST_F(Commands, RegionsNeedMarkersToBeScrambled) {
 
 TEST_F(Commands, EmptyDocumentsRefuseAndTakeWhatIsPasted) {
   reset(1, 0);
-  for (const char* id : {"cut", "copy", "delete", "trim", "envelope-reset", "undo"}) EXPECT_FALSE(run(id)) << id;
+  for (const char* id : {"cut", "copy", "delete", "trim", "envelope-reset", "undo"})
+    EXPECT_FALSE(run(id)) << id;
   EXPECT_FALSE(run("marker", {at(0)}));
   EXPECT_TRUE(history_.names().empty());
   clipboard_ = countingWave(2, 5);
@@ -305,7 +307,8 @@ TEST_F(Commands, EmptyDocumentsRefuseAndTakeWhatIsPasted) {
 
 TEST_F(Commands, LostSamplesRefuseTheUndoAloud) {
   settings_.undoInRam = false;
-  writeBytes(folder_.file("~plumetta_undo_" + std::to_string(processId())), "a file where the folder should be");
+  writeBytes(folder_.file("~plumetta_undo_" + std::to_string(processId())),
+             "a file where the folder should be");
   doc_->select(1, 2);
   run("cut");
   EXPECT_FALSE(run("undo"));
@@ -325,7 +328,8 @@ TEST_F(Commands, DocumentsLoadSaveAndSayWhyNot) {
   EXPECT_EQ(doc_->title(), "b.wav");
   EXPECT_EQ(doc_->wave().fileName(), saved);
   EXPECT_FALSE(doc_->modified());
-  EXPECT_EQ(bytesOf(saved).substr(44), std::string(180, 'a') + chunk("ETTA", "1.5.0.1" + std::string(25, '\0')));
+  EXPECT_EQ(bytesOf(saved).substr(44),
+            std::string(180, 'a') + chunk("ETTA", "1.5.0.1" + std::string(25, '\0')));
   run("undo");
   EXPECT_EQ(doc_->save(folder_.file("c.unknown")), FileOutcome::fileError);
   EXPECT_EQ(doc_->save(folder_.file("no/c.wav")), FileOutcome::fileError);
@@ -353,7 +357,8 @@ TEST(CommandTable, RowsAreWhole) {
     EXPECT_EQ(findCommand(command.id), &command) << "two rows of one name: " << command.id;
     EXPECT_NE(command.run, nullptr);
     if (command.key[0] == '\0') continue;
-    EXPECT_EQ(std::count(keys.begin(), keys.end(), command.key), 0) << "a key of two commands: " << command.key;
+    EXPECT_EQ(std::count(keys.begin(), keys.end(), command.key), 0)
+        << "a key of two commands: " << command.key;
     keys.push_back(command.key);
   }
 }

@@ -23,7 +23,8 @@ std::unique_ptr<CWave> waveOf(const std::vector<std::vector<float>>& channels) {
   const auto frames = static_cast<int32_t>(channels[0].size());
   wave->create(8000, static_cast<int>(channels.size()), 32, frames, kFormatFloat);
   for (size_t c = 0; c < channels.size(); ++c) {
-    for (int32_t f = 0; f < frames; ++f) wave->setSample(f, static_cast<int>(c), channels[c][static_cast<size_t>(f)]);
+    for (int32_t f = 0; f < frames; ++f)
+      wave->setSample(f, static_cast<int>(c), channels[c][static_cast<size_t>(f)]);
   }
   return wave;
 }
@@ -284,9 +285,11 @@ TEST(Statistics, ReportsInTheWordsOfTheWindow) {
   auto wave = waveOf({std::vector<float>(100, -0.5f)});
   wave->setFileName("x.wav");
   EXPECT_EQ(statisticsReport(*wave, 0, 0, true),
-            "Statistics:\r\n\tRMS power :\t\t50.00%\t(-6.02 dB)\r\n\tAverage value (DC offset) :\t-50.00%\t(-6.02 dB)\r\n"
+            "Statistics:\r\n\tRMS power :\t\t50.00%\t(-6.02 dB)\r\n\tAverage value (DC offset) "
+            ":\t-50.00%\t(-6.02 dB)\r\n"
             "\tMin value :\t\t-50.00%\t(-6.02 dB)\r\n\tMax value :\t\t-50.00%\t(-6.02 dB)\r\n"
-            "General information:\r\n\tSample name:\t\tx.wav\r\n\tChannel number:\t\t1\r\n\tSample number:\t\t100\r\n"
+            "General information:\r\n\tSample name:\t\tx.wav\r\n\tChannel number:\t\t1\r\n\tSample "
+            "number:\t\t100\r\n"
             "\tTotal duration:\t\t00:00:00:012\r\n\tFrequency:\t\t8000Hz\r\n\tBits per sample:\t\t32\r\n"
             "\tFormat:\t\t\tFLOAT\r\nNo loop points\r\nNo marker points\r\nNo automation points\r\n");
 
@@ -304,7 +307,8 @@ TEST(Statistics, ReportsInTheWordsOfTheWindow) {
   EXPECT_EQ(report.find("Statistics:\r\n" + line + "\tRMS power ch0:\t\t0.00%\t(-inf dB)\r\n"), 0u);
   EXPECT_TRUE(has("\tMax value ch3:\t\t25.00%\t(-12.04 dB)\r\n"));
   EXPECT_TRUE(has("\tAverage value 4 (DC offset):\t0.00%\t(-inf dB)\r\n"));
-  EXPECT_TRUE(has("Selection:\r\n\tSelection start:\t\t10\r\n\tSelection end:\t\t20\r\n\tDelta:\t\t\t11\r\n"));
+  EXPECT_TRUE(
+      has("Selection:\r\n\tSelection start:\t\t10\r\n\tSelection end:\t\t20\r\n\tDelta:\t\t\t11\r\n"));
   EXPECT_TRUE(has("Loop points:\r\n\tLoop start:\t\t1\r\n\tLoop end:\t\t2\r\n"));
   EXPECT_TRUE(has("Marker points: 1 markers\r\n\tMarker 00:\t\t7\r\n"));
   EXPECT_TRUE(has("Automation points:\r\n\tChannel 00:\t\t2 points\r\n"));

@@ -22,9 +22,7 @@ constexpr size_t kAskFrom = size_t{64} << 20;
 // More than any address space holds; keeps the sums below from wrapping round.
 constexpr size_t kLargestBlock = size_t{1} << 47;
 
-size_t roundUp(size_t bytes) {
-  return (bytes + kUnit - 1) / kUnit * kUnit;
-}
+size_t roundUp(size_t bytes) { return (bytes + kUnit - 1) / kUnit * kUnit; }
 
 bool tooMuch(size_t present, size_t wanted) {
   if (wanted > kLargestBlock) return true;

@@ -48,8 +48,6 @@ LockFile::~LockFile() {
   CloseHandle(handle);
 }
 
-uint64_t processId() {
-  return GetCurrentProcessId();
-}
+uint64_t processId() { return GetCurrentProcessId(); }
 
 }  // namespace plumetta

@@ -26,9 +26,7 @@ std::wstring roamingFolder() {
 
 }  // namespace
 
-bool isPathSeparator(char c) {
-  return c == '\\' || c == '/';
-}
+bool isPathSeparator(char c) { return c == '\\' || c == '/'; }
 
 std::string executableFolder() {
   std::wstring path(MAX_PATH, L'\0');
@@ -40,12 +38,8 @@ std::string executableFolder() {
   }
 }
 
-std::string userConfigFolder() {
-  return narrow(roamingFolder()) + "\\Plumetta";
-}
+std::string userConfigFolder() { return narrow(roamingFolder()) + "\\Plumetta"; }
 
-std::string absolutePath(const std::string& path) {
-  return narrow(fullPath(path));
-}
+std::string absolutePath(const std::string& path) { return narrow(fullPath(path)); }
 
 }  // namespace plumetta

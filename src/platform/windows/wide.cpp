@@ -49,12 +49,8 @@ std::wstring systemPath(const std::string& path) {
   return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
 }
 
-std::error_code lastSystemError() {
-  return systemError(GetLastError());
-}
+std::error_code lastSystemError() { return systemError(GetLastError()); }
 
-std::error_code systemError(unsigned long code) {
-  return {static_cast<int>(code), std::system_category()};
-}
+std::error_code systemError(unsigned long code) { return {static_cast<int>(code), std::system_category()}; }
 
 }  // namespace plumetta
