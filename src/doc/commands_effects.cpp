@@ -59,7 +59,7 @@ void impulses(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType
 void sweepExp(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType::sweepExponential, 0.5f); }
 void sweepLinear(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType::sweepLinear, 0.5f); }
 void applyEnvelope(CWave& wave, FrameRange, int32_t) {
-  if (wave.envelope.channelCount() == wave.channels()) wave.envelope.apply(wave.samples());
+  applyVolumeEnvelope(wave);
 }
 
 using enum FadeCurve;

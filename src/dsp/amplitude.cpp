@@ -80,15 +80,34 @@ bool interpolate(CWave& wave, FrameRange range) {
   range = range.ordered();
   if (range.first == range.last || wave.frames() == 0) return false;
   range = range.clampedTo(wave);
+  if (range.first == range.last) return false;
+  const auto channels = static_cast<size_t>(wave.channels());
+  float starts[kMaxChannels];
+  float steps[kMaxChannels];
   for (int c = 0; c < wave.channels(); ++c) {
-    if (!wave.isActive(c)) continue;
-    const float a = wave.sample(range.first, c);
-    const float step = (wave.sample(range.last, c) - a) / static_cast<float>(range.last - range.first);
-    for (int32_t k = 0; k < range.length(); ++k) {
-      wave.setSample(range.first + k, c, a + static_cast<float>(k) * step);
-    }
+    starts[c] = wave.sample(range.first, c);
+    steps[c] = (wave.sample(range.last, c) - starts[c]) / static_cast<float>(range.last - range.first);
   }
-  return range.first != range.last;
+  size_t k = 0;
+  forPieces(wave, range, [&](float* samples, size_t frames) {
+    for (const size_t end = k + frames; k < end; ++k, samples += channels) {
+      for (size_t c = 0; c < channels; ++c) {
+        if (wave.isActive(static_cast<int>(c))) samples[c] = starts[c] + static_cast<float>(k) * steps[c];
+      }
+    }
+  });
+  return true;
+}
+
+bool applyVolumeEnvelope(CWave& wave) {
+  if (!wave.envelope.active() || wave.envelope.channelCount() != wave.channels()) return false;
+  int32_t first = 0;
+  forPieces(wave, {0, wave.frames() - 1}, [&](float* samples, size_t frames) {
+    const auto count = static_cast<int32_t>(frames);
+    wave.envelope.apply(samples, first, count);
+    first += count;
+  });
+  return true;
 }
 
 bool setDirac(CWave& wave, int32_t frame) {

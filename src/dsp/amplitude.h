@@ -42,6 +42,9 @@ bool swapStereo(CWave& wave, FrameRange range);
 // without a click.
 bool crossfadeLoop(CWave& wave, double fraction);
 
+// Multiplies every channel by its curve of the volume envelope; the envelope stays as it is.
+bool applyVolumeEnvelope(CWave& wave);
+
 // A single full-scale sample at the frame.
 bool setDirac(CWave& wave, int32_t frame);
 // Silence before the frame, full scale from it on.

@@ -140,6 +140,7 @@ bool crossfadeLoop(CWave& wave, double fraction) {
       const int32_t frame = loop.last - blended + k;
       wave.setSample(frame, c, wave.sample(frame, c) + before * weight);
     }
+    if (k % kBlockFrames == 0) wave.nextTurn();
   }
   return true;
 }

@@ -110,7 +110,8 @@ TEST_F(Envelope, EachKindRunsItsCurve) {
     envelope.insertPoint(60, 1.0f, 0, EnvelopeKind::linear);
     EXPECT_NEAR(envelope.gainAt(30, 0), c.quarter, 1e-6f);
     std::vector<float> ones(100, 1.0f);
-    envelope.apply(ones.data());
+    envelope.apply(ones.data(), 0, 25);  // in pieces that cut a segment
+    envelope.apply(ones.data() + 25, 25, 75);
     EXPECT_NEAR(ones[30], c.quarter, 1e-6f);
     EXPECT_FLOAT_EQ(ones[20], 0.0f);
     EXPECT_FLOAT_EQ(ones[60], 2.0f);
