@@ -54,8 +54,17 @@ void windowOfColumns(benchmark::State& state) {
     first = std::fmod(first + 1e6, wave.frames() / 2.0);
   }
 }
-BENCHMARK(windowOfColumns)->Arg(1)->Arg(16)->Arg(255)->Arg(256)->Arg(1000)->Arg(1023)->Arg(1024)->Arg(20000)
-    ->Arg(0)->Unit(benchmark::kMicrosecond);
+BENCHMARK(windowOfColumns)
+    ->Arg(1)
+    ->Arg(16)
+    ->Arg(255)
+    ->Arg(256)
+    ->Arg(1000)
+    ->Arg(1023)
+    ->Arg(1024)
+    ->Arg(20000)
+    ->Arg(0)
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace plumetta

@@ -12,6 +12,10 @@ endif()
 if(PLUMETTA_WERROR)
   target_compile_options(plumetta_options INTERFACE -Werror)
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32 AND NOT PLUMETTA_SANITIZE)
+  # Needs the dynamic linker's help, which Windows doesn't offer and the sanitizers don't bear.
+  target_compile_definitions(plumetta_options INTERFACE PLUMETTA_CPU_VARIANTS)
+endif()
 if(PLUMETTA_SANITIZE)
   target_compile_options(plumetta_options INTERFACE -fsanitize=${PLUMETTA_SANITIZE} -fno-omit-frame-pointer
                          -fno-sanitize-recover=all)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any bytes as a chain of commands on a small document. Whatever happens, annotations stay inside the file, and
-// undoing everything gives the first samples back bit for bit.
+// Any bytes as a chain of commands on a small document. Whatever happens, annotations stay inside the file,
+// and undoing everything gives the first samples back bit for bit.
 #include <cstdlib>
 #include <cstring>
 

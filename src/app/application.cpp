@@ -11,8 +11,7 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
     : home_(programFolder(home)),
       settingsFile_(joinPath(home_, "plumetta.cfg")),
       undoFolder_(files, home_),
-      services_{files,     undoFolder_, audioLock_, prompter, history_, settings_.edit,
-                clipboard_} {
+      services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_} {
   if (!home.empty()) {
     if (const auto error = files.makeFolders(home_)) {
       prompter.message("Unable to make the folder " + home_ + "\n" + error.message());

@@ -43,8 +43,8 @@ class Application {
   CPlumettaDoc* openDocument(const std::string& path, FileOutcome& outcome);
   // Null when no buffer can have these values.
   CPlumettaDoc* newDocument(uint32_t sampleRate, int channels, int bits, int64_t frames, uint16_t formatTag);
-  // A copy of the clipboard buffer as a document of its own, "paste.wav"; null when there is nothing to paste, or
-  // no memory (a message has said so).
+  // A copy of the clipboard buffer as a document of its own, "paste.wav"; null when there is nothing to
+  // paste, or no memory (a message has said so).
   CPlumettaDoc* pasteAsNewDocument();
   void closeDocument(CPlumettaDoc& document);
   // In the order of opening.

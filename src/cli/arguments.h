@@ -21,7 +21,9 @@ class WordReader {
   std::string take() { return words_[next_++]; }
 
   // What has not been read yet, as a call of its own.
-  WordReader remaining() const { return WordReader({words_.begin() + static_cast<std::ptrdiff_t>(next_), words_.end()}); }
+  WordReader remaining() const {
+    return WordReader({words_.begin() + static_cast<std::ptrdiff_t>(next_), words_.end()});
+  }
   size_t consumed() const { return next_; }
   size_t rest() const { return words_.size() - next_; }
 

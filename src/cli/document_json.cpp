@@ -68,7 +68,11 @@ std::string documentJson(const CPlumettaDoc& doc, const Application& app) {
   json.key("format_tag").value(static_cast<int>(wave.formatTag())).key("channels").value(wave.channels());
   json.key("rate").value(wave.sampleRate()).key("bits").value(wave.bitsPerSample());
   json.key("frames").value(wave.frames());
-  json.key("selection").beginArray().value(doc.view().selectionStart).value(doc.view().selectionEnd).endArray();
+  json.key("selection")
+      .beginArray()
+      .value(doc.view().selectionStart)
+      .value(doc.view().selectionEnd)
+      .endArray();
   json.key("cursor").value(doc.view().cursor).key("active").beginArray();
   for (int channel = 0; channel < wave.channels(); ++channel) json.value(wave.isActive(channel) ? 1 : 0);
   json.endArray().key("modified").value(doc.modified());

@@ -36,7 +36,8 @@ std::vector<ParsedStep> parse(WordReader& words) {
       words.fail("edit: unknown step '" + name + "'");
       break;
     }
-    const bool wantsOption = name == "active" && (words.atEnd() || words.peek().find('=') == std::string::npos);
+    const bool wantsOption =
+        name == "active" && (words.atEnd() || words.peek().find('=') == std::string::npos);
     if (wantsOption) words.fail("active: all, solo=C, off=C, on=C or toggle=C is missing");
     chain.push_back({step, readArguments(words, step->parameters, name)});
     const bool unknown = !words.failed() && step->known != nullptr && !step->known(chain.back().arguments);

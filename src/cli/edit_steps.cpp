@@ -53,11 +53,14 @@ StepOutcome makeNew(EditSession& session, const StepArguments& arguments) {
   constexpr int64_t kMaxRate = 0xFFFFFFFF;
   const int64_t rate = integerOf(arguments, 0);
   if (rate < 1 || rate > kMaxRate) return StepOutcome::refused;
-  const auto small = [&](size_t i) { return static_cast<int>(std::clamp<int64_t>(integerOf(arguments, i), -1, 65535)); };
+  const auto small = [&](size_t i) {
+    return static_cast<int>(std::clamp<int64_t>(integerOf(arguments, i), -1, 65535));
+  };
   const int tag = small(4);
   const auto sampleRate = static_cast<uint32_t>(rate);
-  CPlumettaDoc* made = session.app.newDocument(sampleRate, small(1), small(2), framesOf(arguments, 3, sampleRate),
-                                               static_cast<uint16_t>(tag < 0 ? 0 : tag));
+  CPlumettaDoc* made =
+      session.app.newDocument(sampleRate, small(1), small(2), framesOf(arguments, 3, sampleRate),
+                              static_cast<uint16_t>(tag < 0 ? 0 : tag));
   if (made == nullptr) return StepOutcome::refused;
   session.doc = made;
   return StepOutcome::done;
@@ -253,7 +256,11 @@ std::vector<EditStep> ownSteps() {
   const Parameter levels{"levels", "", "", ParameterType::boolean, false, true, 0, 0, ""};
   return {
       {"open", {file()}, false, open, nullptr},
-      {"new", {integer("rate"), integer("channels"), integer("bits"), frame("frames"), tag}, false, makeNew, nullptr},
+      {"new",
+       {integer("rate"), integer("channels"), integer("bits"), frame("frames"), tag},
+       false,
+       makeNew,
+       nullptr},
       {"doc", {integer("n")}, false, makeCurrent, nullptr},
       {"save", {file()}, true, save, nullptr},
       {"save-range", {frame("from"), frame("to"), file()}, true, saveRange, nullptr},
@@ -268,7 +275,12 @@ std::vector<EditStep> ownSteps() {
       {"active", activeParameters(), true, setActive, nullptr},
       {"marker-select", {integer("i")}, true, selectMarker, nullptr},
       {"paste-new", {}, false, pasteNew, nullptr},
-      {"quick", {positional("n", ParameterType::text, std::string{})}, true, quick, nullptr, knownQuickEffect},
+      {"quick",
+       {positional("n", ParameterType::text, std::string{})},
+       true,
+       quick,
+       nullptr,
+       knownQuickEffect},
       {"channel", {integer("op"), index}, true, channel, nullptr, knownChannelOperation},
       {"stats", {levels}, true, printStatistics, nullptr},
       {"state", {}, true, printState, nullptr},
@@ -300,7 +312,7 @@ StepOutcome runStep(EditSession& session, const EditStep& step, const StepArgume
   }
   if (step.command == nullptr) return step.run(session, arguments);
   return runCommand(*session.doc, *step.command, arguments) == CommandOutcome::done ? StepOutcome::done
-                                                                                     : StepOutcome::refused;
+                                                                                    : StepOutcome::refused;
 }
 
 }  // namespace plumetta

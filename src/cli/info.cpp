@@ -11,7 +11,8 @@ namespace plumetta {
 namespace {
 
 std::string encodingName(const CWave& wave) {
-  return std::to_string(wave.bitsPerSample()) + "-bit " + (wave.formatTag() == kFormatFloat ? "float" : "PCM");
+  return std::to_string(wave.bitsPerSample()) + "-bit " +
+         (wave.formatTag() == kFormatFloat ? "float" : "PCM");
 }
 
 std::string describe(const CWave& wave) {

@@ -13,13 +13,13 @@ namespace {
 constexpr CliCommand kCommands[] = {
     {"edit", "edit STEP [ARG...] STEP [ARG...] ...", "a chain of steps on documents", runEdit},
     {"info", "info FILE... [--json]", "what files hold", runInfo},
-    {"stats", "stats FILE [--select FROM TO] [--no-levels] [--out FILE]", "the statistics report of a file", runStats},
+    {"stats", "stats FILE [--select FROM TO] [--no-levels] [--out FILE]", "the statistics report of a file",
+     runStats},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},
 };
 
 std::string help() {
-  std::string text =
-      "Usage: plumetta-cli [OPTION...] COMMAND [ARG...]\n\nCommands:\n";
+  std::string text = "Usage: plumetta-cli [OPTION...] COMMAND [ARG...]\n\nCommands:\n";
   for (const CliCommand& command : kCommands) {
     text += std::string("  ") + command.usage + "\n      " + command.summary + "\n";
   }

@@ -5,8 +5,8 @@
 
 namespace plumetta {
 
-// Where a document is looked at and what is selected in it. A selection whose ends are equal is none; the ends
-// may stand in either order.
+// Where a document is looked at and what is selected in it. A selection whose ends are equal is none; the
+// ends may stand in either order.
 struct ViewState {
   int32_t selectionStart = 0;
   int32_t selectionEnd = 0;

@@ -28,8 +28,8 @@ struct SamplerHeader {
   uint32_t samplerData = 0;
 };
 
-// The loops of a buffer. Editing goes through loop 0; only a loaded file brings more. Indices out of range are
-// ignored, read as an empty record.
+// The loops of a buffer. Editing goes through loop 0; only a loaded file brings more. Indices out of range
+// are ignored, read as an empty record.
 class CLoopPoints {
  public:
   static constexpr int kMaxLoops = 10;

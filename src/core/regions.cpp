@@ -45,8 +45,8 @@ void exchangeAnnotations(CWave& wave, const Exchange& exchange) {
     // A marker that ends a region goes on ending whatever region stands there now.
     if (at == exchange.secondEnd && at != exchange.secondStart) continue;
     const bool endsFirst = at == exchange.firstEnd && at != exchange.firstStart;
-    wave.markers.setPosition(i, endsFirst ? exchange.firstStart + exchange.secondLength() - 1
-                                          : exchange.map(at));
+    wave.markers.setPosition(
+        i, endsFirst ? exchange.firstStart + exchange.secondLength() - 1 : exchange.map(at));
   }
   for (const int32_t start : {exchange.firstStart, exchange.firstGoesTo()}) {
     const bool marked = std::any_of(wave.markers.begin(), wave.markers.end(),

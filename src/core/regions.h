@@ -14,9 +14,9 @@ namespace plumetta {
 // The stretches between markers, the file's ends included: ascending positions, each once.
 std::vector<int32_t> regionBoundaries(const CWave& wave);
 
-// Exchanges the places of the regions that begin at the markers `a` and `b`, in place; markers and loops inside
-// go along. Nothing happens when the two are the same, when either has no frame behind it, or when not every
-// channel is active.
+// Exchanges the places of the regions that begin at the markers `a` and `b`, in place; markers and loops
+// inside go along. Nothing happens when the two are the same, when either has no frame behind it, or when not
+// every channel is active.
 void swapRegions(CWave& wave, int32_t a, int32_t b);
 
 // Exchanges two regions chosen at random, `count` times. `random` gives any non-negative number.

@@ -85,11 +85,18 @@ bool CDoUndo::exchange(std::unique_ptr<UndoStep>& slot) {
     wave_->exchangeBlock(samples, channels, frames);
     if (!present->holdsSamples()) present->adopt(std::move(samples));
   }
+  present->setName(slot->name());
   slot->restoreAnnotations(*wave_);
   display_->setViewState(slot->view());
   display_->samplesChanged();
   slot = std::move(present);
   return true;
+}
+
+std::vector<std::string> CDoUndo::stepNames() const {
+  std::vector<std::string> names;
+  for (size_t i = 0; i < kSlots && slots_[i]; ++i) names.push_back(slots_[i]->name());
+  return names;
 }
 
 void CDoUndo::destroy() {

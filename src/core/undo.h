@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "core/display_state.h"
 #include "core/undo_folder.h"
@@ -45,6 +46,8 @@ class CDoUndo {
   bool canUndo() const { return current_ > 0; }
   bool canRedo() const { return current_ < kSlots && slots_[current_] != nullptr; }
   size_t undoCount() const { return current_; }
+  // The steps' names, the oldest first; the first `undoCount()` can be undone, the rest redone.
+  std::vector<std::string> stepNames() const;
   void destroy();
 
  private:

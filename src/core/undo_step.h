@@ -45,6 +45,9 @@ class UndoStep {
   // Puts format and annotations back; the samples are the journal's business.
   void restoreAnnotations(CWave& wave) const;
   const ViewState& view() const { return view_; }
+  // What undoing this step takes back, as the history names it.
+  const std::string& name() const { return name_; }
+  void setName(std::string name) { name_ = std::move(name); }
   int channels() const { return channels_; }
   int32_t frames() const { return frames_; }
   bool inMemory() const { return samples_ == Samples::memory; }
@@ -55,6 +58,7 @@ class UndoStep {
 
   UndoKind kind_;
   ViewState view_;
+  std::string name_;
   CLoopPoints loops_;
   CVolumeEnvelope envelope_;
   CMarkerList markers_;

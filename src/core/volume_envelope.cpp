@@ -13,8 +13,8 @@ namespace {
 float curveAt(const EnvelopePoint& left, const EnvelopePoint& right, int32_t position) {
   const double y0 = left.value;
   const double y1 = right.value;
-  const double t = (static_cast<double>(position) - left.position) /
-                   (static_cast<double>(right.position) - left.position);
+  const double t =
+      (static_cast<double>(position) - left.position) / (static_cast<double>(right.position) - left.position);
   switch (left.kind) {
     case EnvelopeKind::linear:
       return static_cast<float>(y0 + (y1 - y0) * t);
@@ -208,31 +208,35 @@ float CVolumeEnvelope::gainAt(int32_t position, int channel) const {
   return 2.0f * curveAt(left, *behind, position);
 }
 
-void CVolumeEnvelope::apply(float* samples) const {
+void CVolumeEnvelope::apply(float* samples, int32_t first, int32_t frames) const {
   if (!active()) return;
-  for (int channel = 0; channel < channelCount(); ++channel) applyChannel(samples, channel);
+  frames = std::min(frames, length_ - first);
+  for (int channel = 0; channel < channelCount(); ++channel) applyChannel(samples, first, frames, channel);
 }
 
-void CVolumeEnvelope::applyChannel(float* samples, int channel) const {
+void CVolumeEnvelope::applyChannel(float* samples, int32_t first, int32_t frames, int channel) const {
   const auto& points = channels_[channel].points;
-  if (points.empty() || length_ < 1) return;
+  if (points.empty() || frames < 1) return;
   const auto stride = static_cast<size_t>(channelCount());
+  const int32_t end = first + frames;
+  const auto scale = [&](int32_t frame, float gain) {
+    samples[static_cast<size_t>(frame - first) * stride + static_cast<size_t>(channel)] *= gain;
+  };
   for (size_t i = 1; i < points.size(); ++i) {
     const EnvelopePoint& left = points[i - 1];
     const EnvelopePoint& right = points[i];
     if (right.position <= left.position) break;
-    const int32_t stop = std::min(right.position, length_);
     const double slope = (static_cast<double>(left.value) - right.value) /
                          (static_cast<double>(left.position) - right.position);
-    for (int32_t frame = left.position; frame < stop; ++frame) {
+    const int32_t stop = std::min(right.position, end);
+    for (int32_t frame = std::max(left.position, first); frame < stop; ++frame) {
       const float curve = left.kind == EnvelopeKind::linear
                               ? static_cast<float>(left.value + slope * (frame - left.position))
                               : curveAt(left, right, frame);
-      samples[static_cast<size_t>(frame) * stride + static_cast<size_t>(channel)] *= 2.0f * curve;
+      scale(frame, 2.0f * curve);
     }
   }
-  samples[static_cast<size_t>(length_ - 1) * stride + static_cast<size_t>(channel)] *=
-      2.0f * points.back().value;
+  if (end == length_) scale(length_ - 1, 2.0f * points.back().value);
 }
 
 }  // namespace plumetta

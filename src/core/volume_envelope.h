@@ -67,8 +67,9 @@ class CVolumeEnvelope {
   // The gain at a frame: 1 when inactive, 0 at or beyond the length. Exactly at a point it is that point's
   // stored value, not doubled, for the view reads point values through this.
   float gainAt(int32_t position, int channel) const;
-  // Multiplies the interleaved samples of a buffer of `length()` frames and `channelCount()` channels.
-  void apply(float* samples) const;
+  // Multiplies `frames` frames of interleaved samples, `channelCount()` to a frame, that stand from frame `first`
+  // of the buffer on.
+  void apply(float* samples, int32_t first, int32_t frames) const;
 
  private:
   struct Channel {
@@ -79,7 +80,7 @@ class CVolumeEnvelope {
   bool valid(int channel) const { return channel >= 0 && channel < channelCount(); }
   bool valid(int index, int channel) const;
   Channel flatChannel() const;
-  void applyChannel(float* samples, int channel) const;
+  void applyChannel(float* samples, int32_t first, int32_t frames, int channel) const;
 
   std::vector<Channel> channels_;
   int32_t length_ = 0;

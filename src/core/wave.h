@@ -41,9 +41,9 @@ inline constexpr int kMixActiveChannels = -2;
 
 // The whole content of one audio document: every sample of every channel in memory, the channels that editing
 // acts on, and the annotations that travel with the audio. Samples are 32-bit floats, interleaved by frame
-// (channel c of frame f at f × channels + c), full scale ±1.0, whatever the file's format. Bits and format tag
-// say how the audio was read and will be written. Operations report failure by their result, show nothing and
-// leave the buffer usable. No lock inside: callers keep threads apart.
+// (channel c of frame f at f × channels + c), full scale ±1.0, whatever the file's format. Bits and format
+// tag say how the audio was read and will be written. Operations report failure by their result, show nothing
+// and leave the buffer usable. No lock inside: callers keep threads apart.
 class CWave {
  public:
   // A tenth of a second of silence: mono, 16 bits, 44100 Hz.
@@ -82,8 +82,8 @@ class CWave {
 
   // A whole copy: samples, format, loops, markers and envelope; unnamed.
   bool copyFrom(const CWave& source);
-  // Copies the frames between the two, both included, of the active channels into `target`, with the loops and
-  // markers that lie inside. False outside the buffer or with no active channel.
+  // Copies the frames between the two, both included, of the active channels into `target`, with the loops
+  // and markers that lie inside. False outside the buffer or with no active channel.
   bool copyRangeTo(CWave& target, int32_t from, int32_t to) const;
   // Fills and returns the range marker list with the markers between the two frames, relative to the lower.
   const CMarkerList& copyMarkersOfRange(int32_t from, int32_t to);
@@ -119,8 +119,8 @@ class CWave {
   CChunkList extraChunks;
   WaveProgress progress;
 
-  // Work on sample values says so between pieces of about a tenth of a millisecond; whoever set `lock` for the
-  // time of that work lets playback in there.
+  // Work on sample values says so between pieces of about a tenth of a millisecond; whoever set `lock` for
+  // the time of that work lets playback in there.
   static constexpr size_t kSamplesPerTurn = size_t{1} << 17;
   void nextTurn() {
     if (lock != nullptr) lock->nextTurn();

@@ -65,8 +65,8 @@ struct Command {
   std::optional<Refusal> (*check)(CommandCall&);
   // What kind of undo step is recorded; none for a command that changes nothing that undo knows.
   std::optional<UndoKind> (*undoKind)(CommandCall&);
-  // How it takes the audio lock: not at all, in short turns (sample values change), or throughout (the length or
-  // the layout changes).
+  // How it takes the audio lock: not at all, in short turns (sample values change), or throughout (the length
+  // or the layout changes).
   enum class Lock { none, turns, throughout } lock;
   // Does it. A refusal after the check (no memory) has left the document as it was.
   std::optional<Refusal> (*run)(CommandCall&);
@@ -94,7 +94,7 @@ class CommandCall {
 
   CPlumettaDoc& doc;
   const Command& command;
-  bool named = true;    // cleared by a run that leaves no history line
+  bool named = true;     // cleared by a run that leaves no history line
   bool skipped = false;  // set by a check after which nothing happens, and nothing is said
 
  private:
@@ -103,8 +103,8 @@ class CommandCall {
 
 enum class CommandOutcome { done, refused };
 
-// The one sequence that every command follows: check, wait cursor, undo step, lock, operation, views, history,
-// modified flag. A refused command changes nothing, records nothing and shows its message.
+// The one sequence that every command follows: check, wait cursor, undo step, lock, operation, views,
+// history, modified flag. A refused command changes nothing, records nothing and shows its message.
 CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments arguments);
 // With every parameter at its fallback.
 CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command);

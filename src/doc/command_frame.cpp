@@ -70,9 +70,13 @@ CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments a
     step = doc.journal().makeStep(*kind);
   }
   if (const auto refusal = runUnderLock(call, command)) return refuse(doc, *refusal);
-  if (step) doc.journal().push(std::move(step));
+  const std::string name = call.named && command.historyName != nullptr ? command.historyName(call) : "";
+  if (step) {
+    step->setName(name);
+    doc.journal().push(std::move(step));
+  }
   refreshViews(doc, command.changes);
-  if (call.named && command.historyName != nullptr) doc.services().history.add(command.historyName(call));
+  if (!name.empty()) doc.services().history.add(name);
   if (command.changes != Command::Changes::nothing) doc.setModified(true);
   return CommandOutcome::done;
 }

@@ -30,7 +30,8 @@ Refusal clipboardMismatch(const CWave& clipboard);
 // A parameter that stands by its place.
 Parameter positionalFrame(const char* key, const char* label);
 Parameter positionalInteger(const char* key, const char* label, double minimum, double maximum);
-Parameter positionalReal(const char* key, const char* label, const char* unit, double minimum, double maximum);
+Parameter positionalReal(const char* key, const char* label, const char* unit, double minimum,
+                         double maximum);
 
 }  // namespace plumetta
 

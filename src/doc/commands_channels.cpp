@@ -26,11 +26,13 @@ enum Operation {
 
 constexpr const char* kNoMemory = "There is not enough memory for this.";
 
+// clang-format off
 constexpr std::array<const char*, 16> kMenuTexts{
     "Mix &active channels to mono", "&Mix all channels to mono", "Keep &left only", "Keep &right only",
     "Keep &center only",            "Keep &fourth only",         "Keep &back left only", "Keep back ri&ght only",
     "Keep auxiliary left &only",    "Keep auxiliary rig&ht only", "Convert to &stereo", "Add a cha&nnel",
-    "&Delete channel...",           "&Insert channel...",        "&Clone channel...",    "S&wap channel..."};
+    "&Delete channel",           "&Insert channel",        "&Clone channel",    "S&wap channel"};
+// clang-format on
 
 // The channel that is meant; checked before it is used.
 int channelOf(const CommandCall& call) { return static_cast<int>(call.integer(0)); }
@@ -99,12 +101,22 @@ std::vector<Command> channelCommands() {
     for (size_t i = 0; i < all.size(); ++i) all[i] = "channel-" + std::to_string(i);
     return all;
   }();
-  const Parameter index{"index", "Channel", "counted from 0", ParameterType::integer, false, int64_t{0}, -1e9, 1e9, ""};
+  const Parameter index{"index", "Channel", "counted from 0", ParameterType::integer, false, int64_t{0}, -1e9,
+                        1e9,     ""};
   std::vector<Command> commands;
   for (size_t i = 0; i < kMenuTexts.size(); ++i) {
-    commands.push_back({ids[i].c_str(), kMenuTexts[i], "", Menu::channel, {index}, checkChannel,
-                        undoAs<UndoKind::layout>, Lock::throughout, runChannel, channelName,
-                        Command::Changes::samples, static_cast<int>(i)});
+    commands.push_back({ids[i].c_str(),
+                        kMenuTexts[i],
+                        "",
+                        Menu::channel,
+                        {index},
+                        checkChannel,
+                        undoAs<UndoKind::layout>,
+                        Lock::throughout,
+                        runChannel,
+                        channelName,
+                        Command::Changes::samples,
+                        static_cast<int>(i)});
   }
   return commands;
 }

@@ -172,7 +172,8 @@ std::optional<Refusal> doNothing(CommandCall&) { return std::nullopt; }
 }  // namespace
 
 std::vector<Command> editCommands() {
-  const std::vector<Parameter> silence{positionalFrame("at", "Position"), positionalFrame("length", "Length")};
+  const std::vector<Parameter> silence{positionalFrame("at", "Position"),
+                                       positionalFrame("length", "Length")};
   // clang-format off
   return {
       {"undo", "&Undo", "Ctrl+Z", Menu::edit, {}, nullptr, nullptr, Lock::throughout, runUndo,

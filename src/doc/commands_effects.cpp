@@ -14,11 +14,11 @@ using Lock = Command::Lock;
 
 // What an effect works on: with a selection the selection, unless it is `wholeFile`.
 enum class Without {
-  skipped,     // without a selection nothing happens at all
-  cursor,      // the frame at the cursor
-  nothing,     // recorded and named, but no sample changes
-  all,         // the whole file
-  wholeFile,   // the whole file, selection or not; also loop and cursor effects, which find their own place
+  skipped,    // without a selection nothing happens at all
+  cursor,     // the frame at the cursor
+  nothing,    // recorded and named, but no sample changes
+  all,        // the whole file
+  wholeFile,  // the whole file, selection or not; also loop and cursor effects, which find their own place
 };
 
 struct QuickEffect {
@@ -59,7 +59,7 @@ void impulses(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType
 void sweepExp(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType::sweepExponential, 0.5f); }
 void sweepLinear(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType::sweepLinear, 0.5f); }
 void applyEnvelope(CWave& wave, FrameRange, int32_t) {
-  if (wave.envelope.channelCount() == wave.channels()) wave.envelope.apply(wave.samples());
+  applyVolumeEnvelope(wave);
 }
 
 using enum FadeCurve;
@@ -166,8 +166,18 @@ std::vector<Command> quickEffectCommands() {
   std::vector<Command> commands;
   for (size_t i = 0; i < kQuickEffects.size(); ++i) {
     const auto number = static_cast<int>(i);
-    commands.push_back({ids[i].c_str(), kQuickEffects[i].menuText, "", menuOf(number), {}, checkQuick, quickUndo,
-                        Lock::turns, runQuick, quickName, Command::Changes::samples, number});
+    commands.push_back({ids[i].c_str(),
+                        kQuickEffects[i].menuText,
+                        "",
+                        menuOf(number),
+                        {},
+                        checkQuick,
+                        quickUndo,
+                        Lock::turns,
+                        runQuick,
+                        quickName,
+                        Command::Changes::samples,
+                        number});
   }
   return commands;
 }

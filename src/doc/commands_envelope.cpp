@@ -39,7 +39,8 @@ enum PointArgument : size_t { kPosition, kValue, kChannel, kKind };
 std::optional<Refusal> checkPoint(CommandCall& call) {
   const CWave& wave = call.doc.wave();
   const int64_t position = call.frames(kPosition);
-  if (call.integer(kChannel) >= wave.channels() || position < 1 || position >= wave.frames()) return Refusal{};
+  if (call.integer(kChannel) >= wave.channels() || position < 1 || position >= wave.frames())
+    return Refusal{};
   const auto channel = static_cast<int>(call.integer(kChannel));
   for (int i = 0; i < wave.envelope.pointCount(channel); ++i) {
     if (wave.envelope.point(i, channel).position == position) return Refusal{};
@@ -185,7 +186,8 @@ std::optional<Refusal> runInvert(CommandCall& call) {
 std::vector<Command> envelopeCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
   const Parameter index = positionalInteger("index", "Point", 0, kMaxFrames);
-  const Parameter kind{"kind", "Kind", "", ParameterType::integer, false, int64_t{0}, 0, kEnvelopeKinds - 1, ""};
+  const Parameter kind{"kind", "Kind", "", ParameterType::integer, false, int64_t{0}, 0, kEnvelopeKinds - 1,
+                       ""};
   // clang-format off
   return {
       {"envelope-point", "", "", Menu::none,

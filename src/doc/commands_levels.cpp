@@ -106,15 +106,15 @@ std::vector<Parameter> bitDepthParameters() {
 
 std::vector<Command> levelCommands() {
   return {
-      {"normalize", "&Normalize...", "Ctrl+Shift+N", Menu::normalize, levelParameter(-3.0), nullptr, selectionOrFile,
-       Lock::turns, runNormalize,
+      {"normalize", "&Normalize", "Ctrl+Shift+N", Menu::normalize, levelParameter(-3.0), nullptr,
+       selectionOrFile, Lock::turns, runNormalize,
        [](CommandCall& call) { return formatted("Normalize %2.2fdB", call.real(0)); }, Changes::samples},
-      {"volume", "&Volume...", "", Menu::process, levelParameter(3.0), nullptr, undoAs<UndoKind::selection>,
+      {"volume", "&Volume", "", Menu::process, levelParameter(3.0), nullptr, undoAs<UndoKind::selection>,
        Lock::turns, runVolume, [](CommandCall& call) { return formatted("Volume %2.2fdB", call.real(0)); },
        Changes::samples},
-      {"truncate", "&Truncate...", "", Menu::process, levelParameter(-3.0), nullptr, undoAs<UndoKind::wholeFile>,
+      {"truncate", "&Truncate", "", Menu::process, levelParameter(-3.0), nullptr, undoAs<UndoKind::wholeFile>,
        Lock::turns, runTruncate, truncateName, Changes::samples},
-      {"bit-depth", "&Bit depth converter...", "", Menu::process, bitDepthParameters(), checkBitDepth,
+      {"bit-depth", "&Bit depth converter", "", Menu::process, bitDepthParameters(), checkBitDepth,
        bitDepthUndo, Lock::turns, runBitDepth,
        [](CommandCall&) -> std::string { return "Bit depth convertion"; }, Changes::samples},
   };

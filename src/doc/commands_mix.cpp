@@ -63,6 +63,7 @@ std::optional<Refusal> runMixAtMarkers(CommandCall& call) {
 }  // namespace
 
 std::vector<Command> mixCommands() {
+  // clang-format off
   return {
       {"paste-mix", "Paste and mi&x", "Ctrl+Shift+V", Menu::edit, {}, checkMix, undoAs<UndoKind::layout>,
        Lock::throughout, runMix, [](CommandCall&) -> std::string { return "Paste and mix"; }, Changes::samples},
@@ -70,6 +71,7 @@ std::vector<Command> mixCommands() {
        undoAs<UndoKind::layout>, Lock::throughout, runMixAtMarkers,
        [](CommandCall&) -> std::string { return "Paste and mix at marker"; }, Changes::samples},
   };
+  // clang-format on
 }
 
 }  // namespace plumetta

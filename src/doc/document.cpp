@@ -66,7 +66,8 @@ CPlumettaDoc::Range CPlumettaDoc::selectionOrPoint() const {
   return {clampFrame(view_.lowerBound()), clampFrame(view_.upperBound())};
 }
 
-bool CPlumettaDoc::createNew(uint32_t sampleRate, int channels, int bits, int64_t frames, uint16_t formatTag) {
+bool CPlumettaDoc::createNew(uint32_t sampleRate, int channels, int bits, int64_t frames,
+                             uint16_t formatTag) {
   if (!wave_.create(sampleRate, channels, bits, frames, formatTag)) return false;
   view_ = {};
   samplesChanged();

@@ -107,15 +107,13 @@ FileOutcome CPlumettaDoc::saveRange(int32_t from, int32_t to, const std::string&
 }
 
 FileOutcome CPlumettaDoc::split(const std::string& prefix) {
-  return writeWithProgress(prefix, "Saving regions", [&] {
-    return splitAtMarkers(services_.files, prefix, wave_, SyncToDisk::yes);
-  });
+  return writeWithProgress(prefix, "Saving regions",
+                           [&] { return splitAtMarkers(services_.files, prefix, wave_, SyncToDisk::yes); });
 }
 
 FileOutcome CPlumettaDoc::exportText(const std::string& path) {
-  return writeWithProgress(path, "Exporting " + fileNameOf(path), [&] {
-    return exportWaveAsText(services_.files, path, wave_, SyncToDisk::yes);
-  });
+  return writeWithProgress(path, "Exporting " + fileNameOf(path),
+                           [&] { return exportWaveAsText(services_.files, path, wave_, SyncToDisk::yes); });
 }
 
 std::string CPlumettaDoc::statistics(bool includeLevels) const {
@@ -128,12 +126,11 @@ FileOutcome CPlumettaDoc::saveStatistics(const std::string& path, bool includeLe
 
 FileOutcome CPlumettaDoc::dumpFloats(const std::string& path) {
   return writeWithProgress(path, "Writing " + fileNameOf(path), [&] {
-    return SaveResult::from(
-        writeAtomically(services_.files, path, SyncToDisk::yes, [&](OutputStream& out) {
-          const SampleFormat floats{Encoding::float32, ByteOrder::little, SignType::isSigned};
-          return encodeSamples(out, floats, wave_.samples(), wave_.frames(), wave_.channels(),
-                               wave_.progress) != CodecResult::cancelled;
-        }));
+    return SaveResult::from(writeAtomically(services_.files, path, SyncToDisk::yes, [&](OutputStream& out) {
+      const SampleFormat floats{Encoding::float32, ByteOrder::little, SignType::isSigned};
+      return encodeSamples(out, floats, wave_.samples(), wave_.frames(), wave_.channels(), wave_.progress) !=
+             CodecResult::cancelled;
+    }));
   });
 }
 

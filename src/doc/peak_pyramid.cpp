@@ -19,8 +19,8 @@ inline float lower(float x, float smallest) { return x < smallest ? x : smallest
 inline float upper(float x, float largest) { return x > largest ? x : largest; }
 inline float squareOfNumber(float x) { return x == x ? x * x : 0.0f; }
 
-// Takes `rows` × `lanes` samples into accumulators that each see every lanes-th sample. The number of lanes is
-// a multiple of the channel count and of a vector, so that a lane belongs to one channel.
+// Takes `rows` × `lanes` samples into accumulators that each see every lanes-th sample. The number of lanes
+// is a multiple of the channel count and of a vector, so that a lane belongs to one channel.
 template <int lanes>
 struct LaneSums {
   std::array<float, lanes> min, max, energy;
@@ -130,8 +130,8 @@ void PeakPyramid::rebuildFrom(const CWave& wave, int32_t firstChangedFrame) {
   int64_t firstBin = firstChangedFrame / kBaseFrames;
   if (wave.channels() != channels_) firstBin = 0;
   // The last bin of the last build may have been cut short by the end.
-  firstBin = std::max<int64_t>(0, std::min<int64_t>({firstBin, frames_ / kBaseFrames,
-                                                     int64_t{wave.frames()} / kBaseFrames}));
+  firstBin = std::max<int64_t>(
+      0, std::min<int64_t>({firstBin, frames_ / kBaseFrames, int64_t{wave.frames()} / kBaseFrames}));
   channels_ = wave.channels();
   frames_ = wave.frames();
 

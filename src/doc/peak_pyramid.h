@@ -17,9 +17,9 @@ struct PeakColumn {
   float rms = 0;
 };
 
-// Smallest and largest sample and the energy of every channel, in bins of 256 frames, and again in bins of four
-// times as many, up to one bin for the whole buffer; about 1.6 % of the samples' memory. What is not a number
-// is passed over, and counts as silence in the energy.
+// Smallest and largest sample and the energy of every channel, in bins of 256 frames, and again in bins of
+// four times as many, up to one bin for the whole buffer; about 1.6 % of the samples' memory. What is not a
+// number is passed over, and counts as silence in the energy.
 class PeakPyramid {
  public:
   static constexpr int kBaseFrames = 256;
@@ -32,9 +32,10 @@ class PeakPyramid {
   // Whether the last build was of a buffer of this length and layout.
   bool fits(const CWave& wave) const { return wave.frames() == frames_ && wave.channels() == channels_; }
 
-  // Column i covers the frames in [first + i × fpp, first + (i + 1) × fpp), or the one before it where no frame
-  // falls into a column: neighbours leave nothing out. Exact below 256 frames a pixel; above, edges fall on
-  // bins: of 256 frames up to 4 bins a pixel, beyond that of at most a quarter of a column. `wave` is the buffer of the last build.
+  // Column i covers the frames in [first + i × fpp, first + (i + 1) × fpp), or the one before it where no
+  // frame falls into a column: neighbours leave nothing out. Exact below 256 frames a pixel; above, edges
+  // fall on bins: of 256 frames up to 4 bins a pixel, beyond that of at most a quarter of a column. `wave` is
+  // the buffer of the last build.
   void columns(const CWave& wave, int channel, double firstFrame, double framesPerPixel,
                std::span<PeakColumn> out) const;
 

@@ -24,9 +24,9 @@ Step decimalStep(double minimum) {
   return {10 * power, 5};
 }
 
-constexpr std::array kClockSteps{Step{1, 5},    Step{2, 4},    Step{5, 5},     Step{10, 5},   Step{15, 3},
-                                 Step{30, 3},   Step{60, 6},   Step{120, 4},   Step{300, 5},  Step{600, 5},
-                                 Step{900, 3},  Step{1800, 3}, Step{3600, 6},  Step{7200, 4}, Step{18000, 5}};
+constexpr std::array kClockSteps{Step{1, 5},   Step{2, 4},    Step{5, 5},    Step{10, 5},   Step{15, 3},
+                                 Step{30, 3},  Step{60, 6},   Step{120, 4},  Step{300, 5},  Step{600, 5},
+                                 Step{900, 3}, Step{1800, 3}, Step{3600, 6}, Step{7200, 4}, Step{18000, 5}};
 
 Step clockStep(double minimumSeconds) {
   if (minimumSeconds <= 0.5) return decimalStep(minimumSeconds);

@@ -9,9 +9,9 @@ namespace plumetta {
 
 // Regular ticks along time, in frames.
 struct TickSpacing {
-  double major;       // frames between labels
-  int minorParts;     // small ticks divide a major step into this many
-  int timeDecimals;   // decimals that labels in seconds need to differ
+  double major;      // frames between labels
+  int minorParts;    // small ticks divide a major step into this many
+  int timeDecimals;  // decimals that labels in seconds need to differ
 };
 
 // Steps that people count in (1, 2, 5 and their like; 15 and 30 seconds and minutes), labels at least
@@ -29,8 +29,8 @@ struct AmplitudeTick {
   std::string label;
 };
 
-// Labels for a lane of this height in pixels that shows ±1/zoom, at least `minimumPixels` apart; the zero line
-// first. In decibels the same heights carry full-scale levels.
+// Labels for a lane of this height in pixels that shows ±1/zoom, at least `minimumPixels` apart; the zero
+// line first. In decibels the same heights carry full-scale levels.
 std::vector<AmplitudeTick> amplitudeTicks(double height, double zoom, bool decibels, double minimumPixels);
 
 }  // namespace plumetta

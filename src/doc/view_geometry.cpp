@@ -53,7 +53,8 @@ bool showsAll(const FrameScale& scale, int32_t frames, int width) {
   return scale.framesPerPixel >= fitScale(frames, width).framesPerPixel;
 }
 
-std::optional<RangeEdge> edgeAt(const FrameScale& scale, int32_t lower, int32_t upper, double x, double reach) {
+std::optional<RangeEdge> edgeAt(const FrameScale& scale, int32_t lower, int32_t upper, double x,
+                                double reach) {
   const double toLower = std::abs(scale.x(lower) - x);
   const double toUpper = std::abs(scale.x(upper) - x);
   if (std::min(toLower, toUpper) > reach) return std::nullopt;

@@ -35,7 +35,8 @@ bool showsAll(const FrameScale& scale, int32_t frames, int width);
 
 enum class RangeEdge { lower, upper };
 // The edge of a range that lies within `reach` pixels of x; the nearer one of two.
-std::optional<RangeEdge> edgeAt(const FrameScale& scale, int32_t lower, int32_t upper, double x, double reach);
+std::optional<RangeEdge> edgeAt(const FrameScale& scale, int32_t lower, int32_t upper, double x,
+                                double reach);
 
 // Lanes of one height each, from the top down, with a line between neighbours.
 struct LaneLayout {

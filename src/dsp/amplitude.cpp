@@ -1,76 +1,24 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dsp/amplitude.h"
 
-#include <algorithm>
 #include <cmath>
-#include <vector>
 
+#include "dsp/channel_scan.h"
 #include "dsp/sample_loops.h"
 
 namespace plumetta {
 namespace {
 
-// The largest and smallest active sample; starting values as for no sample at all.
-struct Extremes {
-  float largest = -1000.0f;
-  float smallest = 1000.0f;
-
-  // What is not a number fails both comparisons and is passed over.
-  void take(float x) {
-    largest = x > largest ? x : largest;
-    smallest = x < smallest ? x : smallest;
-  }
-  void take(const Extremes& other) {
-    take(other.largest);
-    take(other.smallest);
-  }
-  float peak() const { return std::max(largest, -smallest); }
-};
-
-// Independent lanes, which the compiler turns into vectors.
-Extremes extremesOf(const float* samples, size_t count) {
-  constexpr size_t kLanes = 32;
-  float largest[kLanes];
-  float smallest[kLanes];
-  std::fill_n(largest, kLanes, Extremes{}.largest);
-  std::fill_n(smallest, kLanes, Extremes{}.smallest);
-  size_t i = 0;
-  for (; i + kLanes <= count; i += kLanes) {
-    for (size_t lane = 0; lane < kLanes; ++lane) {
-      const float x = samples[i + lane];
-      largest[lane] = x > largest[lane] ? x : largest[lane];
-      smallest[lane] = x < smallest[lane] ? x : smallest[lane];
-    }
-  }
+float activePeak(CWave& wave, FrameRange range) {
+  const auto channels = static_cast<size_t>(wave.channels());
+  Extremes extremes[kMaxChannels];
+  forPieces(wave, range,
+            [&](const float* samples, size_t frames) { scanExtremes(samples, frames, channels, extremes); });
   Extremes all;
-  for (size_t lane = 0; lane < kLanes; ++lane) all.take(Extremes{largest[lane], smallest[lane]});
-  for (; i < count; ++i) all.take(samples[i]);
-  return all;
-}
-
-Extremes activeExtremes(CWave& wave, FrameRange range) {
-  Extremes all;
-  forActiveSamples(
-      wave, range, [&](const float* samples, size_t count) { all.take(extremesOf(samples, count)); },
-      [&](const float* samples, size_t frames, size_t stride) {
-        for (size_t i = 0; i < frames; ++i) all.take(samples[i * stride]);
-      });
-  return all;
-}
-
-// Sums of one to sixteen interleaved channels, in double precision. Four partial sums a channel keep the adders
-// busy; frames are taken in blocks of four.
-void channelSums(const float* samples, size_t frames, size_t channels, double* sums) {
-  double lanes[4 * kMaxChannels] = {};
-  const size_t block = 4 * channels;
-  size_t f = 0;
-  for (; f + 4 <= frames; f += 4, samples += block) {
-    for (size_t lane = 0; lane < block; ++lane) lanes[lane] += samples[lane];
-  }
-  for (size_t i = 0; i < (frames - f) * channels; ++i) lanes[i % channels] += samples[i];
   for (size_t c = 0; c < channels; ++c) {
-    sums[c] = (lanes[c] + lanes[c + channels]) + (lanes[c + 2 * channels] + lanes[c + 3 * channels]);
+    if (wave.isActive(static_cast<int>(c))) all.take(extremes[c]);
   }
+  return all.peak();
 }
 
 }  // namespace
@@ -85,7 +33,7 @@ bool volume(CWave& wave, FrameRange range, float factor) {
 
 bool normalize(CWave& wave, FrameRange range, double levelDb) {
   if (wave.frames() == 0 || wave.activeCount() == 0) return false;
-  const float peak = activeExtremes(wave, range.clampedTo(wave).ordered()).peak();
+  const float peak = activePeak(wave, range.clampedTo(wave).ordered());
   return volume(wave, range, peak != 0.0f ? gainOfLevel(levelDb) / peak : 0.0f);
 }
 
@@ -104,24 +52,25 @@ bool removeDc(CWave& wave, FrameRange range) {
   range = range.ordered();
   if (range.first == range.last || !range.liesIn(wave)) return false;
   const auto channels = static_cast<size_t>(wave.channels());
-  const auto frames = static_cast<size_t>(range.length());
-  float* first = wave.samples() + static_cast<size_t>(range.first) * channels;
-  double sums[kMaxChannels];
-  channelSums(first, frames, channels, sums);
+  double sums[kMaxChannels] = {};
+  forPieces(wave, range,
+            [&](const float* samples, size_t frames) { scanSums(samples, frames, channels, sums, nullptr); });
   // A block of whole frames, so that the offsets line up with the samples and vectors can be used.
   float offsets[4 * kMaxChannels];
-  for (size_t i = 0; i < 4 * channels; ++i) {
+  const size_t block = 4 * channels;
+  for (size_t i = 0; i < block; ++i) {
     const size_t c = i % channels;
     const bool active = wave.isActive(static_cast<int>(c));
     offsets[i] = active ? static_cast<float>(sums[c] / (range.last - range.first)) : 0.0f;
   }
-  const size_t block = 4 * channels;
-  const size_t count = frames * channels;
-  size_t i = 0;
-  for (; i + block <= count; i += block) {
-    for (size_t lane = 0; lane < block; ++lane) first[i + lane] -= offsets[lane];
-  }
-  for (size_t lane = 0; i < count; ++i, ++lane) first[i] -= offsets[lane];
+  forPieces(wave, range, [&](float* samples, size_t frames) {
+    const size_t count = frames * channels;
+    size_t i = 0;
+    for (; i + block <= count; i += block) {
+      for (size_t lane = 0; lane < block; ++lane) samples[i + lane] -= offsets[lane];
+    }
+    for (size_t lane = 0; i < count; ++i, ++lane) samples[i] -= offsets[lane];
+  });
   return true;
 }
 
@@ -131,15 +80,34 @@ bool interpolate(CWave& wave, FrameRange range) {
   range = range.ordered();
   if (range.first == range.last || wave.frames() == 0) return false;
   range = range.clampedTo(wave);
+  if (range.first == range.last) return false;
+  const auto channels = static_cast<size_t>(wave.channels());
+  float starts[kMaxChannels];
+  float steps[kMaxChannels];
   for (int c = 0; c < wave.channels(); ++c) {
-    if (!wave.isActive(c)) continue;
-    const float a = wave.sample(range.first, c);
-    const float step = (wave.sample(range.last, c) - a) / static_cast<float>(range.last - range.first);
-    for (int32_t k = 0; k < range.length(); ++k) {
-      wave.setSample(range.first + k, c, a + static_cast<float>(k) * step);
-    }
+    starts[c] = wave.sample(range.first, c);
+    steps[c] = (wave.sample(range.last, c) - starts[c]) / static_cast<float>(range.last - range.first);
   }
-  return range.first != range.last;
+  size_t k = 0;
+  forPieces(wave, range, [&](float* samples, size_t frames) {
+    for (const size_t end = k + frames; k < end; ++k, samples += channels) {
+      for (size_t c = 0; c < channels; ++c) {
+        if (wave.isActive(static_cast<int>(c))) samples[c] = starts[c] + static_cast<float>(k) * steps[c];
+      }
+    }
+  });
+  return true;
+}
+
+bool applyVolumeEnvelope(CWave& wave) {
+  if (!wave.envelope.active() || wave.envelope.channelCount() != wave.channels()) return false;
+  int32_t first = 0;
+  forPieces(wave, {0, wave.frames() - 1}, [&](float* samples, size_t frames) {
+    const auto count = static_cast<int32_t>(frames);
+    wave.envelope.apply(samples, first, count);
+    first += count;
+  });
+  return true;
 }
 
 bool setDirac(CWave& wave, int32_t frame) {

@@ -6,9 +6,9 @@
 
 namespace plumetta {
 
-// Level and shape of the active channels over a range of frames. Levels are in dB of full scale; every gain is
-// rounded to a 32-bit float before it multiplies a sample. Routines return false, and change nothing, when the
-// range is refused as each of them says.
+// Level and shape of the active channels over a range of frames. Levels are in dB of full scale; every gain
+// is rounded to a 32-bit float before it multiplies a sample. Routines return false, and change nothing, when
+// the range is refused as each of them says.
 
 enum class FadeCurve { linear = 0, exponential = 1, sinus = 2, square = 3, cubic = 4 };
 enum class FadeDirection { in, out };
@@ -41,6 +41,9 @@ bool swapStereo(CWave& wave, FrameRange range);
 // Blends the end of loop 0 into what precedes its start, over `fraction` of its length, so that it wraps
 // without a click.
 bool crossfadeLoop(CWave& wave, double fraction);
+
+// Multiplies every channel by its curve of the volume envelope; the envelope stays as it is.
+bool applyVolumeEnvelope(CWave& wave);
 
 // A single full-scale sample at the frame.
 bool setDirac(CWave& wave, int32_t frame);

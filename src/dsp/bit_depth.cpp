@@ -3,6 +3,8 @@
 
 #include <random>
 
+#include "dsp/sample_loops.h"
+
 namespace plumetta {
 namespace {
 
@@ -24,31 +26,36 @@ float clamped(float x) {
   return x < 1.0f ? x : 1.0f;
 }
 
+// Of every channel, active or not.
+template <class Change>
+void forEverySample(CWave& wave, Change change) {
+  if (wave.frames() == 0) return;
+  const auto channels = static_cast<size_t>(wave.channels());
+  forPieces(wave, {0, wave.frames() - 1}, [&](float* samples, size_t frames) {
+    for (size_t i = 0; i < frames * channels; ++i) samples[i] = change(samples[i]);
+  });
+}
+
 }  // namespace
 
 void addDither(CWave& wave, int targetBits, DitherType type) {
   const float peak = noisePeak(targetBits, type);
   if (peak == 0.0f) return;
   std::mt19937 random(std::random_device{}());
-  float* samples = wave.samples();
-  for (size_t i = 0; i < wave.sampleCount(); ++i) {
-    samples[i] += uniformNoise(static_cast<uint32_t>(random() >> 17)) * peak;
-  }
+  forEverySample(wave, [&](float x) {
+    return x + uniformNoise(static_cast<uint32_t>(random() >> 17)) * peak;
+  });
 }
 
 void quantize(CWave& wave, int targetBits) {
-  float* samples = wave.samples();
-  const size_t count = wave.sampleCount();
   if (targetBits == 8) {
-    for (size_t i = 0; i < count; ++i) {
-      const auto q = static_cast<int32_t>(clamped(samples[i]) * 127.0 + 128.5);
-      samples[i] = static_cast<float>((q - 128.0) / 127.0);
-    }
+    forEverySample(wave, [](float x) {
+      return static_cast<float>((static_cast<int32_t>(clamped(x) * 127.0 + 128.5) - 128.0) / 127.0);
+    });
   } else if (targetBits == 16) {
-    for (size_t i = 0; i < count; ++i) {
-      const auto q = static_cast<int32_t>(clamped(samples[i]) * 32767.0);
-      samples[i] = static_cast<float>(q / 32767.0);
-    }
+    forEverySample(wave, [](float x) {
+      return static_cast<float>(static_cast<int32_t>(clamped(x) * 32767.0) / 32767.0);
+    });
   }
 }
 

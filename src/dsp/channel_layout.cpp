@@ -6,8 +6,8 @@
 namespace plumetta {
 namespace {
 
-// Makes room for a channel at `index`, holding what `source` gives for a frame; works from the last frame down,
-// in place.
+// Makes room for a channel at `index`, holding what `source` gives for a frame; works from the last frame
+// down, in place.
 template <class Source>
 bool widen(CWave& wave, int index, Source source) {
   const int channels = wave.channels();

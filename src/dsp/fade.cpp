@@ -4,16 +4,52 @@
 #include <cmath>
 #include <numbers>
 
+#include "core/cpu_variants.h"
 #include "dsp/amplitude.h"
 
 namespace plumetta {
 namespace {
 
-constexpr int32_t kBlockFrames = 1024;
+// Small enough for tables, gains and samples of a block to stay in the nearest cache together.
+constexpr int32_t kBlockFrames = 512;
 
-// The gains of a fade in, block by block. Exponentials and cosines of a block follow from one at its start and a
-// table of the steps inside a block (e^(a+b) = e^a e^b, and the cosine's addition theorem), in double precision,
-// so that a gain costs two multiplications and is still right to the last bit of a float.
+// The plain loops under a fade, over one block of gains. `step` is 1 / N, `start` the block's first frame.
+
+PLUMETTA_WIDE_VECTORS void linearGains(int32_t start, int32_t count, double step, float* gains) {
+  for (int32_t k = 0; k < count; ++k) gains[k] = static_cast<float>((start + k) * step);
+}
+
+PLUMETTA_WIDE_VECTORS void powerGains(int32_t start, int32_t count, double step, bool cubic, float* gains) {
+  for (int32_t k = 0; k < count; ++k) {
+    const double x = (start + k) * step;
+    gains[k] = static_cast<float>(x * x * (cubic ? x : 1.0));
+  }
+}
+
+// (base × table - 1) × scale
+PLUMETTA_WIDE_VECTORS void exponentialGains(int32_t count, double base, const double* table, double scale,
+                                            float* gains) {
+  for (int32_t k = 0; k < count; ++k) gains[k] = static_cast<float>((base * table[k] - 1.0) * scale);
+}
+
+// 1 - cos(a + b)
+PLUMETTA_WIDE_VECTORS void cosineGains(int32_t count, double cosine, double sine, const double* cosines,
+                                       const double* sines, float* gains) {
+  for (int32_t k = 0; k < count; ++k) {
+    gains[k] = static_cast<float>(1.0 - (cosine * cosines[k] - sine * sines[k]));
+  }
+}
+
+PLUMETTA_WIDE_VECTORS void scaleStereo(float* samples, const float* gains, size_t frames) {
+  for (size_t f = 0; f < frames; ++f) {
+    samples[2 * f] *= gains[f];
+    samples[2 * f + 1] *= gains[f];
+  }
+}
+
+// The gains of a fade in, block by block. Exponentials and cosines of a block follow from one at its start
+// and a table of the steps inside a block (e^(a+b) = e^a e^b, and the cosine's addition theorem), in double
+// precision, so that a gain costs two multiplications and is still right to the last bit of a float.
 class FadeGains {
  public:
   FadeGains(FadeCurve curve, int32_t last) : curve_(curve), step_(1.0 / last) {
@@ -29,42 +65,24 @@ class FadeGains {
 
   // The gains of `count` frames from frame `start` of the fade.
   void fill(int32_t start, int32_t count, float* gains) const {
+    // E is e as a 32-bit float.
+    constexpr double kScale = 1.0 / (static_cast<double>(static_cast<float>(std::numbers::e)) - 1.0);
+    const double angle = std::numbers::pi / 2 * (start * step_);
     switch (curve_) {
       case FadeCurve::linear:
-        return fillPower(start, count, gains, [](double x) { return x; });
+        return linearGains(start, count, step_, gains);
       case FadeCurve::square:
-        return fillPower(start, count, gains, [](double x) { return x * x; });
+        return powerGains(start, count, step_, false, gains);
       case FadeCurve::cubic:
-        return fillPower(start, count, gains, [](double x) { return x * x * x; });
+        return powerGains(start, count, step_, true, gains);
       case FadeCurve::exponential:
-        return fillExponential(start, count, gains);
-      case FadeCurve::sinus:
-        return fillSinus(start, count, gains);
+        return exponentialGains(count, std::exp(start * step_), first_, kScale, gains);
+      case FadeCurve::sinus:  // 1 - sin(π/2 (1 - x)) is 1 - cos(π/2 x)
+        return cosineGains(count, std::cos(angle), std::sin(angle), first_, second_, gains);
     }
   }
 
  private:
-  template <class Power>
-  void fillPower(int32_t start, int32_t count, float* gains, Power power) const {
-    for (int32_t k = 0; k < count; ++k) gains[k] = static_cast<float>(power((start + k) * step_));
-  }
-
-  void fillExponential(int32_t start, int32_t count, float* gains) const {
-    constexpr double kScale = 1.0 / (static_cast<double>(static_cast<float>(std::numbers::e)) - 1.0);
-    const double base = std::exp(start * step_);
-    for (int32_t k = 0; k < count; ++k) gains[k] = static_cast<float>((base * first_[k] - 1.0) * kScale);
-  }
-
-  // 1 - sin(π/2 (1 - x)) is 1 - cos(π/2 x).
-  void fillSinus(int32_t start, int32_t count, float* gains) const {
-    const double angle = std::numbers::pi / 2 * (start * step_);
-    const double cosine = std::cos(angle);
-    const double sine = std::sin(angle);
-    for (int32_t k = 0; k < count; ++k) {
-      gains[k] = static_cast<float>(1.0 - (cosine * first_[k] - sine * second_[k]));
-    }
-  }
-
   FadeCurve curve_;
   double step_;
   double first_[kBlockFrames] = {};
@@ -76,13 +94,7 @@ void applyGains(CWave& wave, int32_t first, const float* gains, int32_t count) {
   const auto channels = static_cast<size_t>(wave.channels());
   float* samples = wave.samples() + static_cast<size_t>(first) * channels;
   const auto frames = static_cast<size_t>(count);
-  if (wave.allActive() && channels == 2) {
-    for (size_t f = 0; f < frames; ++f) {
-      samples[2 * f] *= gains[f];
-      samples[2 * f + 1] *= gains[f];
-    }
-    return;
-  }
+  if (wave.allActive() && channels == 2) return scaleStereo(samples, gains, frames);
   for (size_t c = 0; c < channels; ++c) {
     if (!wave.isActive(static_cast<int>(c))) continue;
     for (size_t f = 0; f < frames; ++f) samples[f * channels + c] *= gains[f];
@@ -128,6 +140,7 @@ bool crossfadeLoop(CWave& wave, double fraction) {
       const int32_t frame = loop.last - blended + k;
       wave.setSample(frame, c, wave.sample(frame, c) + before * weight);
     }
+    if (k % kBlockFrames == 0) wave.nextTurn();
   }
   return true;
 }

@@ -8,9 +8,9 @@ namespace plumetta {
 // Whether `mixBuffer` would take this source, memory apart.
 bool canMix(const CWave& wave, const CWave& source, int32_t position);
 
-// Adds the source, times `gain`, to the buffer from `position` on (brought into the file); the buffer grows to
-// take its end. The source's markers come along, and its loops where the buffer has none. Nothing is clipped.
-// False for another channel count or without memory; the buffer is then as it was.
+// Adds the source, times `gain`, to the buffer from `position` on (brought into the file); the buffer grows
+// to take its end. The source's markers come along, and its loops where the buffer has none. Nothing is
+// clipped. False for another channel count or without memory; the buffer is then as it was.
 bool mixBuffer(CWave& wave, const CWave& source, int32_t position, float gain);
 
 }  // namespace plumetta

@@ -6,21 +6,15 @@
 
 namespace plumetta {
 
-// Calls `contiguous(samples, count)` for all samples of a range when every channel is active, else
-// `strided(first, frames, stride)` for each active channel; piece by piece, with a turn for others in between.
-// The range must lie in the buffer.
-template <class Contiguous, class Strided>
-void forActiveSamples(CWave& wave, FrameRange range, Contiguous contiguous, Strided strided) {
+// Calls `work(samples, frames)` piece by piece over a range that lies in the buffer, with a turn for others
+// in between.
+template <class Work>
+void forPieces(CWave& wave, FrameRange range, Work work) {
   const auto channels = static_cast<size_t>(wave.channels());
   const size_t framesPerTurn = CWave::kSamplesPerTurn / channels;
   const auto end = static_cast<size_t>(range.last) + 1;
   for (auto frame = static_cast<size_t>(range.first); frame < end; frame += framesPerTurn) {
-    const size_t frames = std::min(framesPerTurn, end - frame);
-    float* first = wave.samples() + frame * channels;
-    if (wave.allActive()) contiguous(first, frames * channels);
-    for (size_t c = 0; c < channels && !wave.allActive(); ++c) {
-      if (wave.isActive(static_cast<int>(c))) strided(first + c, frames, channels);
-    }
+    work(wave.samples() + frame * channels, std::min(framesPerTurn, end - frame));
     wave.nextTurn();
   }
 }
@@ -28,14 +22,17 @@ void forActiveSamples(CWave& wave, FrameRange range, Contiguous contiguous, Stri
 // Replaces every active sample of a range by `change` of itself.
 template <class Change>
 void changeActiveSamples(CWave& wave, FrameRange range, Change change) {
-  forActiveSamples(
-      wave, range,
-      [&](float* samples, size_t count) {
-        for (size_t i = 0; i < count; ++i) samples[i] = change(samples[i]);
-      },
-      [&](float* samples, size_t frames, size_t stride) {
-        for (size_t i = 0; i < frames; ++i) samples[i * stride] = change(samples[i * stride]);
-      });
+  const auto channels = static_cast<size_t>(wave.channels());
+  forPieces(wave, range, [&](float* samples, size_t frames) {
+    if (wave.allActive()) {
+      for (size_t i = 0; i < frames * channels; ++i) samples[i] = change(samples[i]);
+      return;
+    }
+    for (size_t c = 0; c < channels; ++c) {
+      if (!wave.isActive(static_cast<int>(c))) continue;
+      for (size_t i = c; i < frames * channels; i += channels) samples[i] = change(samples[i]);
+    }
+  });
 }
 
 }  // namespace plumetta

@@ -6,6 +6,8 @@
 #include <cstdarg>
 #include <cstdio>
 
+#include "dsp/channel_scan.h"
+
 namespace plumetta {
 namespace {
 
@@ -40,9 +42,10 @@ struct Figure {
 };
 
 constexpr Figure kFigures[] = {
-    {"\tRMS power :\t\t", "\tRMS power L:\t\t", "\tRMS power R:\t\t", "\tRMS power ch%d:\t\t", &ChannelLevels::rms},
-    {"\tAverage value (DC offset) :\t", "\tAverage value L (DC offset):\t", "\tAverage value R (DC offset):\t",
-     "\tAverage value %d (DC offset):\t", &ChannelLevels::mean},
+    {"\tRMS power :\t\t", "\tRMS power L:\t\t", "\tRMS power R:\t\t", "\tRMS power ch%d:\t\t",
+     &ChannelLevels::rms},
+    {"\tAverage value (DC offset) :\t", "\tAverage value L (DC offset):\t",
+     "\tAverage value R (DC offset):\t", "\tAverage value %d (DC offset):\t", &ChannelLevels::mean},
     {"\tMin value :\t\t", "\tMin value L:\t\t", "\tMin value R:\t\t", "\tMin value ch%d:\t\t",
      &ChannelLevels::minimum},
     {"\tMax value :\t\t", "\tMax value L:\t\t", "\tMax value R:\t\t", "\tMax value ch%d:\t\t",
@@ -87,12 +90,14 @@ const char* formatLine(uint16_t tag) {
 std::string generalSection(const CWave& wave) {
   const int64_t rate = std::max<int64_t>(wave.sampleRate(), 1);
   const int64_t milliseconds = static_cast<int64_t>(wave.frames()) * 1000 / rate;
-  const auto part = [&](int64_t unit, int64_t modulo) { return static_cast<int>(milliseconds / unit % modulo); };
+  const auto part = [&](int64_t unit, int64_t modulo) {
+    return static_cast<int>(milliseconds / unit % modulo);
+  };
   std::string text = "General information:\r\n\tSample name:\t\t" + wave.fileName() + "\r\n";
   text += formatted("\tChannel number:\t\t%d\r\n", wave.channels());
   text += formatted("\tSample number:\t\t%d\r\n", wave.frames());
-  text += formatted("\tTotal duration:\t\t%2.2d:%2.2d:%2.2d:%3.3d\r\n", part(3600000, 1 << 30), part(60000, 60),
-                    part(1000, 60), part(1, 1000));
+  text += formatted("\tTotal duration:\t\t%2.2d:%2.2d:%2.2d:%3.3d\r\n", part(3600000, 1 << 30),
+                    part(60000, 60), part(1000, 60), part(1, 1000));
   text += formatted("\tFrequency:\t\t%uHz\r\n", wave.sampleRate());
   text += formatted("\tBits per sample:\t\t%d\r\n", wave.bitsPerSample());
   return text + formatLine(wave.formatTag());
@@ -100,8 +105,8 @@ std::string generalSection(const CWave& wave) {
 
 std::string selectionSection(int32_t from, int32_t to) {
   if (from == to) return {};
-  return formatted("Selection:\r\n\tSelection start:\t\t%d\r\n\tSelection end:\t\t%d\r\n\tDelta:\t\t\t%d\r\n", from, to,
-                   to - from + 1);
+  return formatted("Selection:\r\n\tSelection start:\t\t%d\r\n\tSelection end:\t\t%d\r\n\tDelta:\t\t\t%d\r\n",
+                   from, to, to - from + 1);
 }
 
 std::string annotationSections(const CWave& wave) {
@@ -123,28 +128,6 @@ std::string annotationSections(const CWave& wave) {
   return text;
 }
 
-// Running figures of one channel. Sums are kept in double precision.
-struct Scan {
-  double sum = 0.0;
-  double squares = 0.0;
-  float minimum = ChannelLevels{}.minimum;
-  float maximum = ChannelLevels{}.maximum;
-};
-
-// All channels in one pass: the samples of a frame take turns on the channels' own lanes.
-void scanFrames(const float* samples, size_t frames, size_t channels, Scan* scans) {
-  for (size_t f = 0; f < frames; ++f, samples += channels) {
-    for (size_t c = 0; c < channels; ++c) {
-      const float x = samples[c];
-      Scan& scan = scans[c];
-      scan.sum += x;
-      scan.squares += static_cast<double>(x) * x;
-      scan.minimum = x < scan.minimum ? x : scan.minimum;
-      scan.maximum = x > scan.maximum ? x : scan.maximum;
-    }
-  }
-}
-
 }  // namespace
 
 const char* const kStatisticsFileHead =
@@ -159,14 +142,24 @@ std::vector<ChannelLevels> analyzeLevels(const CWave& wave, int32_t from, int32_
   }
   const auto channels = static_cast<size_t>(wave.channels());
   const auto frames = static_cast<size_t>(end - first);
-  Scan scans[kMaxChannels];
-  scanFrames(wave.samples() + static_cast<size_t>(first) * channels, frames, channels, scans);
-  std::vector<ChannelLevels> levels(channels);
   if (frames == 0) return std::vector<ChannelLevels>(channels, {0, 0, 0, 0});
+  const float* samples = wave.samples() + static_cast<size_t>(first) * channels;
+  double sums[kMaxChannels] = {};
+  double squares[kMaxChannels] = {};
+  Extremes extremes[kMaxChannels];
+  constexpr size_t kPiece = 4096;  // both scans find the samples in the cache
+  for (size_t f = 0; f < frames; f += kPiece) {
+    const size_t count = std::min(kPiece, frames - f);
+    scanSums(samples + f * channels, count, channels, sums, squares);
+    scanExtremes(samples + f * channels, count, channels, extremes);
+  }
+  std::vector<ChannelLevels> levels(channels);
   for (size_t c = 0; c < channels; ++c) {
     const auto count = static_cast<double>(frames);
-    levels[c] = {static_cast<float>(std::sqrt(scans[c].squares / count)),
-                 static_cast<float>(scans[c].sum / count), scans[c].minimum, scans[c].maximum};
+    levels[c].rms = static_cast<float>(std::sqrt(squares[c] / count));
+    levels[c].mean = static_cast<float>(sums[c] / count);
+    levels[c].minimum = std::min(levels[c].minimum, extremes[c].smallest);
+    levels[c].maximum = std::max(levels[c].maximum, extremes[c].largest);
   }
   return levels;
 }

@@ -16,8 +16,8 @@ struct ChannelLevels {
   float maximum = -100.0f;
 };
 
-// Of every channel, active or not, over the frames from the lower bound up to but not including the upper one;
-// over the whole file when the bounds are equal.
+// Of every channel, active or not, over the frames from the lower bound up to but not including the upper
+// one; over the whole file when the bounds are equal.
 std::vector<ChannelLevels> analyzeLevels(const CWave& wave, int32_t from, int32_t to);
 
 // The statistics report; every line ends with "\r\n". Bounds as above.

@@ -8,6 +8,7 @@
 namespace plumetta {
 namespace {
 
+constexpr int32_t kFramesPerTurn = 4096;
 constexpr double kLowestHz = 20.0;
 constexpr double kHighestHz = 20000.0;
 
@@ -15,6 +16,7 @@ void setFrame(CWave& wave, int32_t frame, float value) {
   for (int c = 0; c < wave.channels(); ++c) {
     if (wave.isActive(c)) wave.setSample(frame, c, value);
   }
+  if (frame % kFramesPerTurn == 0) wave.nextTurn();
 }
 
 // Cycles since the start of a sweep over `frames` frames, at the frame `t` (0 to 1) of it. The phase is the

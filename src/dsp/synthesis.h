@@ -9,7 +9,8 @@ namespace plumetta {
 enum class SynthesisType { sweepLinear = 10, sweepExponential = 11, impulseTrain = 14 };
 
 // Fills the active channels of the whole buffer: impulses of the amplitude once a second from the first frame
-// on, or a sine that sweeps from 20 Hz to half the sample rate, at most 20 kHz, over the length of the buffer.
+// on, or a sine that sweeps from 20 Hz to half the sample rate, at most 20 kHz, over the length of the
+// buffer.
 void synthesize(CWave& wave, SynthesisType type, float amplitude);
 
 }  // namespace plumetta

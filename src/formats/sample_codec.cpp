@@ -100,8 +100,8 @@ float bounded(float x) {
   return x < 1.0f ? x : 1.0f;
 }
 
-// Adding this to a double below 2^51 in magnitude rounds it to an integer, which then stands in the low bits of
-// its mantissa: nearest-even rounding that vectorises without a library call.
+// Adding this to a double below 2^51 in magnitude rounds it to an integer, which then stands in the low bits
+// of its mantissa: nearest-even rounding that vectorises without a library call.
 constexpr double kRoundingMagic = 6755399441055744.0;  // 1.5 × 2^52
 
 int32_t nearestInteger(double x) {

@@ -25,7 +25,8 @@ void writeSample(OutputStream& out, float sample) {
 SaveResult exportWaveAsText(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync) {
   return SaveResult::from(writeAtomically(files, path, sync, [&](OutputStream& out) {
     for (int32_t frame = 0; frame < wave.frames() && !out.failed(); ++frame) {
-      for (int channel = 0; channel < wave.channels(); ++channel) writeSample(out, wave.sample(frame, channel));
+      for (int channel = 0; channel < wave.channels(); ++channel)
+        writeSample(out, wave.sample(frame, channel));
       out.write(kTextLineEnd);
       const bool reports = frame % kFramesPerReport == 0;
       if (reports && !wave.progress.report(static_cast<float>(frame) / static_cast<float>(wave.frames()))) {

@@ -13,10 +13,10 @@ struct Row {
 };
 
 constexpr Row kRows[] = {
-    {4, kFormatAdpcm, Encoding::adpcm4}, {8, kFormatPcm, Encoding::pcm8},
-    {8, kFormatALaw, Encoding::aLaw},    {8, kFormatMuLaw, Encoding::muLaw},
-    {16, kFormatPcm, Encoding::pcm16},   {24, kFormatPcm, Encoding::pcm24},
-    {32, kFormatPcm, Encoding::pcm32},   {32, kFormatFloat, Encoding::float32},
+    {4, kFormatAdpcm, Encoding::adpcm4},   {8, kFormatPcm, Encoding::pcm8},
+    {8, kFormatALaw, Encoding::aLaw},      {8, kFormatMuLaw, Encoding::muLaw},
+    {16, kFormatPcm, Encoding::pcm16},     {24, kFormatPcm, Encoding::pcm24},
+    {32, kFormatPcm, Encoding::pcm32},     {32, kFormatFloat, Encoding::float32},
     {64, kFormatFloat, Encoding::float64},
 };
 

@@ -26,9 +26,9 @@ constexpr uint32_t kFallbackRate = 44100;
 
 struct ChunkPlace {
   char id[4];
-  uint64_t body;     // offset of the first byte behind the header
-  uint64_t size;     // bytes of the body that the file really holds
-  bool truncated;    // the header claims more
+  uint64_t body;   // offset of the first byte behind the header
+  uint64_t size;   // bytes of the body that the file really holds
+  bool truncated;  // the header claims more
 
   bool is(const char* name) const { return std::memcmp(id, name, 4) == 0; }
 };
@@ -132,8 +132,8 @@ LoadResult readSamples(InputStream& in, const ChunkPlace& chunk, const WavFormat
   int64_t framesRead = frames;
   if (encoding) {
     in.seek(chunk.body);
-    const auto decoded = decodeSamples(in, *encoding, wave.samples(), frames, format.channels, wave.progress,
-                                       framesRead);
+    const auto decoded =
+        decodeSamples(in, *encoding, wave.samples(), frames, format.channels, wave.progress, framesRead);
     if (decoded == CodecResult::cancelled) return {LoadStatus::cancelled, {}, {}};
   } else {
     std::fill_n(wave.samples(), frames * format.channels, 0.0f);
@@ -166,9 +166,9 @@ void readLoopChunk(InputStream& in, const ChunkPlace& chunk, CWave& wave) {
   if (chunk.size < kSamplerBytes) return;
   SamplerHeader& header = wave.loops.header;
   uint32_t claimed = 0;
-  for (uint32_t* field : {&header.manufacturer, &header.product, &header.samplePeriod, &header.midiUnityNote,
-                          &header.midiPitchFraction, &header.smpteFormat, &header.smpteOffset, &claimed,
-                          &header.samplerData}) {
+  for (uint32_t* field :
+       {&header.manufacturer, &header.product, &header.samplePeriod, &header.midiUnityNote,
+        &header.midiPitchFraction, &header.smpteFormat, &header.smpteOffset, &claimed, &header.samplerData}) {
     in.readLittle(*field);
   }
   const uint64_t count = std::min<uint64_t>(claimed, (chunk.size - kSamplerBytes) / kLoopBytes);

@@ -50,8 +50,8 @@ struct WavImage {
     if (!envelope.active()) return 0;
     uint64_t bytes = kEnvelopeHeaderBytes;
     for (int c = 0; c < envelope.channelCount(); ++c) {
-      bytes += kEnvelopeChannelBytes + uint64_t{kEnvelopePointBytes} *
-                                           static_cast<uint64_t>(envelope.pointCount(c));
+      bytes += kEnvelopeChannelBytes +
+               uint64_t{kEnvelopePointBytes} * static_cast<uint64_t>(envelope.pointCount(c));
     }
     return bytes;
   }
@@ -105,9 +105,9 @@ void writeLoopChunk(OutputStream& out, const WavImage& image) {
   beginChunk(out, "smpl", image.loopBytes());
   const SamplerHeader& header = image.loops.header;
   const auto count = static_cast<uint32_t>(image.loops.count());
-  for (const uint32_t field : {header.manufacturer, header.product, header.samplePeriod, header.midiUnityNote,
-                               header.midiPitchFraction, header.smpteFormat, header.smpteOffset, count,
-                               header.samplerData}) {
+  for (const uint32_t field :
+       {header.manufacturer, header.product, header.samplePeriod, header.midiUnityNote,
+        header.midiPitchFraction, header.smpteFormat, header.smpteOffset, count, header.samplerData}) {
     out.writeLittle(field);
   }
   for (int i = 0; i < image.loops.count(); ++i) {
@@ -207,8 +207,11 @@ CLoopPoints loopsOfRange(const CLoopPoints& loops, int32_t from, int32_t to) {
 
 SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync) {
   const uint16_t tag = storedFormatTag(wave.bitsPerSample(), wave.formatTag());
-  WavImage image{wave, 0, wave.frames(), wave.needsEvenFrame() ? 1 : 0, tag,
-                 *wavEncoding(wave.bitsPerSample(), tag), wave.loops, wave.markers, wave.envelope, false};
+  WavImage image{wave,          0,
+                 wave.frames(), wave.needsEvenFrame() ? 1 : 0,
+                 tag,           *wavEncoding(wave.bitsPerSample(), tag),
+                 wave.loops,    wave.markers,
+                 wave.envelope, false};
   if (image.silentFrames > 0) image.envelope.setLength(wave.frames() + 1);
   return saveImage(files, path, image, sync);
 }
@@ -228,8 +231,16 @@ SaveResult saveWavRange(FileSystem& files, const std::string& path, const CWave&
   const uint16_t tag = wave.bitsPerSample() == 8 ? static_cast<uint16_t>(kFormatPcm)
                                                  : storedFormatTag(wave.bitsPerSample(), wave.formatTag());
   const int64_t stored = std::min<int64_t>(length, wave.frames() - from);
-  WavImage image{wave, from, stored, length - stored, tag, *wavEncoding(wave.bitsPerSample(), tag),
-                 loopsOfRange(wave.loops, from, to), {}, {}, true};
+  WavImage image{wave,
+                 from,
+                 stored,
+                 length - stored,
+                 tag,
+                 *wavEncoding(wave.bitsPerSample(), tag),
+                 loopsOfRange(wave.loops, from, to),
+                 {},
+                 {},
+                 true};
   wave.markers.copyRangeTo(image.markers, from, to);
   return saveImage(files, path, image, sync);
 }

@@ -99,7 +99,8 @@ void DocumentPanel::annotationsChanged() {
 }
 
 void DocumentPanel::viewChanged() {
-  for (ViewWindow* part : std::initializer_list<ViewWindow*>{overview_, ruler_, markers_, canvas_}) part->follow();
+  for (ViewWindow* part : std::initializer_list<ViewWindow*>{overview_, ruler_, markers_, canvas_})
+    part->follow();
   syncScrollBar();
   if (onStatusChanged) onStatusChanged();
 }
@@ -165,7 +166,9 @@ wxString DocumentPanel::statusFormat() const {
   return wxString::Format("%u Hz, %d bits, ", wave.sampleRate(), wave.bitsPerSample()) + channels;
 }
 
-wxString DocumentPanel::statusLength() const { return fromUtf8(view_.positionText(view_.doc.wave().frames())); }
+wxString DocumentPanel::statusLength() const {
+  return fromUtf8(view_.positionText(view_.doc.wave().frames()));
+}
 
 wxString DocumentPanel::statusCursor() const { return fromUtf8(view_.positionText(view_.doc.view().cursor)); }
 
@@ -173,8 +176,8 @@ wxString DocumentPanel::statusSelection() const {
   const ViewState& state = view_.doc.view();
   if (!state.hasSelection()) return {};
   const int64_t length = int64_t{state.upperBound()} - state.lowerBound() + 1;
-  return fromUtf8(view_.positionText(state.lowerBound()) + " \xE2\x80\x93 " + view_.positionText(state.upperBound()) +
-                  " (" + view_.positionText(length) + ")");
+  return fromUtf8(view_.positionText(state.lowerBound()) + " \xE2\x80\x93 " +
+                  view_.positionText(state.upperBound()) + " (" + view_.positionText(length) + ")");
 }
 
 }  // namespace plumetta

@@ -59,6 +59,7 @@ void EnvelopeLayer::paint(wxGraphicsContext& gc, int left, int right) const {
   if (!envelope.active()) return;
   const LaneLayout layout = lanes_();
   for (int channel = 0; channel < std::min(layout.lanes, envelope.channelCount()); ++channel) {
+    if (layout.laneHeight(channel) <= 0) continue;
     gc.Clip(left, layout.top(channel), right - left, layout.laneHeight(channel));
     paintCurve(gc, channel, left, right);
     paintPoints(gc, channel, left, right);
@@ -100,7 +101,8 @@ void EnvelopeLayer::paintCurve(wxGraphicsContext& gc, int channel, int left, int
     path.AddLineToPoint(end, end < toX ? at(end) : lane.y(to.value));
   }
   const Theme& theme = view_.theme;
-  const wxColour colour = view_.doc.wave().isActive(channel) ? theme.envelope : withAlpha(theme.envelope, 0x80);
+  const wxColour colour =
+      view_.doc.wave().isActive(channel) ? theme.envelope : withAlpha(theme.envelope, 0x80);
   gc.SetPen(gc.CreatePen(wxGraphicsPenInfo(colour).Width(1.5 * unit_).Join(wxJOIN_ROUND)));
   gc.StrokePath(path);
 }
@@ -112,10 +114,12 @@ void EnvelopeLayer::paintPoints(wxGraphicsContext& gc, int channel, int left, in
   const double radius = kPointRadius * unit_;
   gc.SetPen(gc.CreatePen(wxGraphicsPenInfo(view_.theme.envelope).Width(1.5 * unit_)));
   gc.SetBrush(wxBrush(view_.theme.lane));
-  for (int i = segmentAt(envelope, channel, scale.frame(left - radius)); i < envelope.pointCount(channel); ++i) {
+  for (int i = segmentAt(envelope, channel, scale.frame(left - radius)); i < envelope.pointCount(channel);
+       ++i) {
     const EnvelopePoint point = envelope.point(i, channel);
     const double x = scale.x(point.position);
     if (x > right + radius) break;
+    if (x < left - radius) continue;
     gc.DrawEllipse(x - radius, lane.y(point.value) - radius, 2 * radius, 2 * radius);
   }
 }
@@ -129,7 +133,8 @@ std::optional<EnvelopeLayer::Hit> EnvelopeLayer::hitAt(const wxPoint& at) const 
   const EnvelopeScale lane = laneScale(*channel);
   std::optional<Hit> best;
   double nearest = kPointReach * unit_;
-  for (int i = segmentAt(envelope, *channel, scale.frame(at.x - nearest)); i < envelope.pointCount(*channel); ++i) {
+  for (int i = segmentAt(envelope, *channel, scale.frame(at.x - nearest)); i < envelope.pointCount(*channel);
+       ++i) {
     const EnvelopePoint point = envelope.point(i, *channel);
     const double dx = scale.x(point.position) - at.x;
     if (dx > kPointReach * unit_) break;
@@ -149,8 +154,8 @@ std::optional<EnvelopeLayer::Hit> EnvelopeLayer::hitAt(const wxPoint& at) const 
 
 namespace {
 
-// Moves a point between its neighbours; the ends move up and down alone. A point made by the drag is not there
-// yet in the document.
+// Moves a point between its neighbours; the ends move up and down alone. A point made by the drag is not
+// there yet in the document.
 class EnvelopeDrag : public Drag {
  public:
   EnvelopeDrag(WaveView& view, int channel, int index, bool isNew, std::function<double(int)> valueAt)
@@ -224,8 +229,9 @@ std::unique_ptr<Drag> EnvelopeLayer::beginDrag(const Hit& hit, const wxPoint& at
     while (view_.envelope().point(index, hit.channel).position < frame) ++index;
   }
   view_.onPreviewChanged();
-  return std::make_unique<EnvelopeDrag>(view_, hit.channel, index, !hit.point.has_value(),
-                                        [this, channel = hit.channel](int y) { return laneScale(channel).value(y); });
+  return std::make_unique<EnvelopeDrag>(
+      view_, hit.channel, index, !hit.point.has_value(),
+      [this, channel = hit.channel](int y) { return laneScale(channel).value(y); });
 }
 
 bool EnvelopeLayer::addMenuItems(wxMenu& menu, const wxPoint& at) {
@@ -236,19 +242,24 @@ bool EnvelopeLayer::addMenuItems(wxMenu& menu, const wxPoint& at) {
   }
   const auto channel = lanes_().laneAt(at.y);
   if (!channel || view_.doc.wave().frames() < 3) return false;
-  const double value = hit ? laneScale(*channel).value(curveY(*channel, at.x)) : laneScale(*channel).value(at.y);
+  const double value =
+      hit ? laneScale(*channel).value(curveY(*channel, at.x)) : laneScale(*channel).value(at.y);
   const double frame = static_cast<double>(view_.scale().nearestFrame(at.x));
   const wxWindowID id = menu.Append(wxID_ANY, "Add &volume point here")->GetId();
-  menu.Bind(wxEVT_MENU, [this, frame, value, c = int64_t{*channel}](wxCommandEvent&) {
-    view_.run("envelope-point", FrameOrTime{frame}, value, c);
-  }, id);
+  menu.Bind(
+      wxEVT_MENU,
+      [this, frame, value, c = int64_t{*channel}](wxCommandEvent&) {
+        view_.run("envelope-point", FrameOrTime{frame}, value, c);
+      },
+      id);
   return true;
 }
 
 void EnvelopeLayer::addPointItems(wxMenu& menu, int channel, int index) {
   const CVolumeEnvelope& envelope = view_.doc.wave().envelope;
   const auto bind = [&](wxMenuItem* item, auto action) {
-    menu.Bind(wxEVT_MENU, [action](wxCommandEvent&) { action(); }, item->GetId());
+    menu.Bind(
+        wxEVT_MENU, [action](wxCommandEvent&) { action(); }, item->GetId());
   };
   const int last = envelope.pointCount(channel) - 1;
   struct Choice {
@@ -268,9 +279,8 @@ void EnvelopeLayer::addPointItems(wxMenu& menu, int channel, int index) {
     }
     menu.AppendSeparator();
   }
-  bind(menu.Append(wxID_ANY, "Re&set volume point"), [this, channel, index] {
-    view_.run("envelope-point-reset", int64_t{index}, int64_t{channel});
-  });
+  bind(menu.Append(wxID_ANY, "Re&set volume point"),
+       [this, channel, index] { view_.run("envelope-point-reset", int64_t{index}, int64_t{channel}); });
   wxMenuItem* remove = menu.Append(wxID_ANY, "&Remove volume point");
   remove->Enable(index > 0 && index < last);
   bind(remove, [this, channel, index] { view_.run("envelope-remove", int64_t{index}, int64_t{channel}); });

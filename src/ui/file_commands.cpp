@@ -24,9 +24,7 @@ std::string withoutExtension(const std::string& name) {
   return extension.empty() ? name : name.substr(0, name.size() - extension.size() - 1);
 }
 
-std::string wavFilter() {
-  return "WAV audio (*.wav)|*.wav";
-}
+std::string wavFilter() { return "WAV audio (*.wav)|*.wav"; }
 
 }  // namespace
 
@@ -34,9 +32,7 @@ FileCommands::FileCommands(wxWindow& parent, Application& app, DocumentTabs& tab
                            RecentFiles& recent)
     : parent_(parent), app_(app), tabs_(tabs), profile_(profile), recent_(recent) {}
 
-bool FileCommands::isNamed(const CPlumettaDoc& doc) {
-  return doc.wave().fileName() != kUnnamedWave;
-}
+bool FileCommands::isNamed(const CPlumettaDoc& doc) { return doc.wave().fileName() != kUnnamedWave; }
 
 // ---- Coming ---------------------------------------------------------------------------------------------
 

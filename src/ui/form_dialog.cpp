@@ -40,9 +40,7 @@ FormDialog::Check wholeNumberBetween(double minimum, double maximum, const std::
   return boundedNumber(minimum, maximum, message, true);
 }
 
-double checkedNumber(const wxTextEntry& entry) {
-  return parseNumber(fromWx(entry.GetValue())).value_or(0);
-}
+double checkedNumber(const wxTextEntry& entry) { return parseNumber(fromWx(entry.GetValue())).value_or(0); }
 
 FormDialog::FormDialog(wxWindow* parent, const wxString& title)
     : wxDialog(parent, wxID_ANY, title), grid_(new wxFlexGridSizer(2, FromDIP(kGap), FromDIP(12))) {

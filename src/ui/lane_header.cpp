@@ -31,7 +31,6 @@ LaneHeader::LaneHeader(wxWindow* parent, WaveView& view, const WaveformCanvas& c
     if (const auto channel = switchAt(event.GetPosition())) solo(*channel, wasAlone_);
   });
   Bind(wxEVT_MOTION, &LaneHeader::onMove, this);
-  Bind(wxEVT_MOUSEWHEEL, &LaneHeader::onWheel, this);
   Bind(wxEVT_CONTEXT_MENU, &LaneHeader::onContextMenu, this);
 }
 
@@ -60,7 +59,8 @@ void LaneHeader::paintSwitch(wxGraphicsContext& gc, int lane) {
   const double inset = hairline() / 2;
   gc.SetPen(gc.CreatePen(wxGraphicsPenInfo(active ? theme().accent : theme().textQuiet).Width(hairline())));
   gc.SetBrush(active ? wxBrush(theme().accent) : wxNullBrush);
-  gc.DrawRoundedRectangle(box.x + inset, box.y + inset, box.width - 2 * inset, box.height - 2 * inset, FromDIP(4));
+  gc.DrawRoundedRectangle(box.x + inset, box.y + inset, box.width - 2 * inset, box.height - 2 * inset,
+                          FromDIP(4));
   gc.SetFont(smallFont().Bold(), active ? theme().lane : theme().textQuiet);
   const wxString name = channelName(lane, doc().wave().channels());
   double width = 0, height = 0;
@@ -115,9 +115,10 @@ void LaneHeader::onMove(wxMouseEvent& event) {
   const auto channel = switchAt(event.GetPosition());
   SetCursor(channel ? wxCursor(wxCURSOR_HAND) : wxNullCursor);
   const wxString tip = !channel ? wxString()
-                                : wxString::Format("Channel %d %s. Click: on or off for editing. "
-                                                   "Double click: this channel alone.",
-                                                   *channel + 1, doc().wave().isActive(*channel) ? "on" : "off");
+                                : wxString::Format(
+                                      "Channel %d %s. Click: on or off for editing. "
+                                      "Double click: this channel alone.",
+                                      *channel + 1, doc().wave().isActive(*channel) ? "on" : "off");
   if (GetToolTipText() != tip) SetToolTip(tip);
   event.Skip();
 }
@@ -132,12 +133,15 @@ void LaneHeader::onContextMenu(wxContextMenuEvent&) {
   wxMenuItem* linear = menu.AppendRadioItem(wxID_ANY, "&Linear scale");
   wxMenuItem* decibels = menu.AppendRadioItem(wxID_ANY, "&Decibel scale");
   (view_.decibels() ? decibels : linear)->Check();
-  menu.Bind(wxEVT_MENU, [this](wxCommandEvent&) { view_.setDecibels(false); }, linear->GetId());
-  menu.Bind(wxEVT_MENU, [this](wxCommandEvent&) { view_.setDecibels(true); }, decibels->GetId());
+  menu.Bind(
+      wxEVT_MENU, [this](wxCommandEvent&) { view_.setDecibels(false); }, linear->GetId());
+  menu.Bind(
+      wxEVT_MENU, [this](wxCommandEvent&) { view_.setDecibels(true); }, decibels->GetId());
   menu.AppendSeparator();
   wxMenuItem* whole = menu.Append(wxID_ANY, "Reset &vertical zoom");
   whole->Enable(view_.amplitudeZoom() != 1);
-  menu.Bind(wxEVT_MENU, [this](wxCommandEvent&) { view_.setAmplitudeZoom(1); }, whole->GetId());
+  menu.Bind(
+      wxEVT_MENU, [this](wxCommandEvent&) { view_.setAmplitudeZoom(1); }, whole->GetId());
   PopupMenu(&menu);
 }
 

@@ -5,8 +5,8 @@
 
 namespace plumetta {
 
-// Left of each lane: the channel's switch and the amplitude ruler. A click on a switch turns the channel on or
-// off for editing; a double click, or one with Alt or Ctrl, leaves it on alone.
+// Left of each lane: the channel's switch and the amplitude ruler. A click on a switch turns the channel on
+// or off for editing; a double click, or one with Alt or Ctrl, leaves it on alone.
 class LaneHeader : public ViewWindow {
  public:
   LaneHeader(wxWindow* parent, WaveView& view, const WaveformCanvas& canvas);
@@ -15,6 +15,7 @@ class LaneHeader : public ViewWindow {
 
  protected:
   void paint(wxGraphicsContext& gc, const wxRect& area) override;
+  void onWheel(wxMouseEvent& event) override;
   std::optional<FrameScale> ownScale() const override { return std::nullopt; }
 
  private:
@@ -24,7 +25,6 @@ class LaneHeader : public ViewWindow {
   void onLeftDown(wxMouseEvent& event);
   void solo(int channel, bool wasAlone);
   void onMove(wxMouseEvent& event);
-  void onWheel(wxMouseEvent& event);
   void onContextMenu(wxContextMenuEvent& event);
   std::optional<int> switchAt(const wxPoint& at) const;
 

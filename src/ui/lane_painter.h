@@ -12,9 +12,9 @@
 
 namespace plumetta {
 
-// Draws the waveform of one channel into its lane: columns from smallest to largest sample with their RMS body,
-// a line through the samples where there are fewer than one a pixel, and the samples themselves where they
-// stand far enough apart.
+// Draws the waveform of one channel into its lane: columns from smallest to largest sample with their RMS
+// body, a line through the samples where there are fewer than one a pixel, and the samples themselves where
+// they stand far enough apart.
 class LanePainter {
  public:
   // `columnWidth`: a device pixel in logical ones. Paints from x = left up to right.
@@ -25,9 +25,14 @@ class LanePainter {
  private:
   struct Paths;
 
+  bool steep(int channel, const AmplitudeScale& lane) const;
+  int32_t frameNear(double frame) const;
+  // Column i of `columns_` stands at pixel (first + i) × columnWidth_.
+  void peakColumns(int channel, int64_t first);
+  void lineColumns(int channel, int64_t first);
   void paintColumns(int channel, const AmplitudeScale& lane, bool active);
   void paintLine(int channel, const AmplitudeScale& lane, bool active);
-  void paintSamples(int channel, const AmplitudeScale& lane, const wxColour& colour, int32_t from, int32_t to);
+  void paintSamples(int channel, const AmplitudeScale& lane, bool active);
   void addColumn(Paths& paths, const AmplitudeScale& lane, double x, const PeakColumn& column, float low,
                  float high) const;
 

@@ -152,12 +152,8 @@ void MainFrame::showToolBar(bool show) {
 
 void MainFrame::buildStatusBar() {
   wxStatusBar* bar = CreateStatusBar(kStatusFields, wxSTB_DEFAULT_STYLE);
-  // As wide as the longest usual text of each, with air between.
-  const int air = FromDIP(20);
-  const auto room = [&](const std::string& longest) { return bar->GetTextExtent(toWx(longest)).x + air; };
-  const int widths[kStatusFields] = {-1, room("192000 Hz · stereo · 32-bit float"),
-                                     room("0:00:00.000 (000000000 frames)"), room("0:00:00.000 (000000000)"),
-                                     room("0:00:00.000 – 0:00:00.000 (0:00:00.000)")};
+  // Shares of the width, so that in a narrow window every field keeps some room; what is cut has a tooltip.
+  const int widths[kStatusFields] = {-4, -3, -2, -2, -5};
   int styles[kStatusFields];
   for (int& style : styles) style = wxSB_FLAT;
   bar->SetStatusWidths(kStatusFields, widths);

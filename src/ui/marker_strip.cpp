@@ -166,7 +166,8 @@ void MarkerStrip::onContextMenu(wxContextMenuEvent& event) {
   choose(marker);
   wxMenu menu;
   const auto add = [&](const char* text, auto action) {
-    menu.Bind(wxEVT_MENU, [action](wxCommandEvent&) { action(); }, menu.Append(wxID_ANY, text)->GetId());
+    menu.Bind(
+        wxEVT_MENU, [action](wxCommandEvent&) { action(); }, menu.Append(wxID_ANY, text)->GetId());
   };
   if (marker) {
     add("&Rename marker...", [this, i = *marker] { rename(i); });

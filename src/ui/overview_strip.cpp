@@ -67,7 +67,8 @@ void OverviewStrip::paintPeaks(wxGraphicsContext& gc, const wxRect& area, const 
   columns_.resize(count);
   all_.assign(count, PeakColumn{});
   for (int channel = 0; channel < doc().wave().channels(); ++channel) {
-    doc().peaks().columns(doc().wave(), channel, scale.frame(area.x), scale.framesPerPixel * columnWidth, columns_);
+    doc().peaks().columns(doc().wave(), channel, scale.frame(area.x), scale.framesPerPixel * columnWidth,
+                          columns_);
     for (size_t i = 0; i < count; ++i) {
       all_[i].min = std::min(all_[i].min, columns_[i].min);
       all_[i].max = std::max(all_[i].max, columns_[i].max);

@@ -10,6 +10,20 @@
 #include "ui/text.h"
 
 namespace plumetta {
+namespace {
+
+// In a locale of single bytes the toolkit takes arguments for Latin-1 that are UTF-8 all the same; which of
+// the two is there on the disk decides.
+std::string pathOf(const wxString& argument) {
+  const std::string asGiven = fromWx(argument);
+  const std::string bytes(argument.mb_str(wxConvISO8859_1));
+  FileSystem& files = nativeFileSystem();
+  const bool misread =
+      files.kind(asGiven) == FileKind::missing && !bytes.empty() && files.kind(bytes) != FileKind::missing;
+  return misread ? bytes : asGiven;
+}
+
+}  // namespace
 
 void PlumettaApp::OnInitCmdLine(wxCmdLineParser& parser) {
   wxApp::OnInitCmdLine(parser);
@@ -20,8 +34,8 @@ void PlumettaApp::OnInitCmdLine(wxCmdLineParser& parser) {
 
 bool PlumettaApp::OnCmdLineParsed(wxCmdLineParser& parser) {
   wxString home;
-  if (parser.Found("home", &home)) home_ = fromWx(home);
-  for (size_t i = 0; i < parser.GetParamCount(); ++i) files_.push_back(fromWx(parser.GetParam(i)));
+  if (parser.Found("home", &home)) home_ = pathOf(home);
+  for (size_t i = 0; i < parser.GetParamCount(); ++i) files_.push_back(pathOf(parser.GetParam(i)));
   return wxApp::OnCmdLineParsed(parser);
 }
 

@@ -8,9 +8,7 @@ namespace {
 
 constexpr const char* kSection = "Recent files";
 
-std::string keyOf(size_t i) {
-  return "File" + std::to_string(i + 1);
-}
+std::string keyOf(size_t i) { return "File" + std::to_string(i + 1); }
 
 }  // namespace
 

@@ -5,12 +5,13 @@
 
 namespace plumetta {
 
-// Draws a selection out from a fixed end; also moves one edge of a selection that is there, the other end being
-// the fixed one. Letting go at once leaves no selection, and the cursor there.
+// Draws a selection out from a fixed end; also moves one edge of a selection that is there, the other end
+// being the fixed one. Letting go at once leaves no selection, and the cursor there.
 class SelectionDrag : public Drag {
  public:
-  SelectionDrag(WaveView& view, int32_t fixedEnd, int startX, int slack)
-      : view_(view), before_(view.doc.view()), fixed_(fixedEnd), startX_(startX), slack_(slack) {}
+  // `before`: what a cancelled drag goes back to.
+  SelectionDrag(WaveView& view, const ViewState& before, int32_t fixedEnd, int startX, int slack)
+      : view_(view), before_(before), fixed_(fixedEnd), startX_(startX), slack_(slack) {}
 
   void move(const wxPoint& at, bool) override {
     // A hand that trembles while it clicks selects nothing.

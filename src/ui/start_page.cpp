@@ -15,25 +15,18 @@ namespace plumetta {
 namespace {
 
 constexpr int kRowWidth = 480;
+constexpr int kRowPadding = 8;
 
-wxColour systemColour(wxSystemColour which) {
-  return wxSystemSettings::GetColour(which);
-}
+wxColour systemColour(wxSystemColour which) { return wxSystemSettings::GetColour(which); }
 
 wxColour mixed(const wxColour& a, const wxColour& b, double partOfB) {
   const auto mix = [&](int x, int y) { return static_cast<unsigned char>(x + (y - x) * partOfB); };
   return {mix(a.Red(), b.Red()), mix(a.Green(), b.Green()), mix(a.Blue(), b.Blue())};
 }
 
-wxColour paper() {
-  return systemColour(wxSYS_COLOUR_WINDOW);
-}
-wxColour ink() {
-  return systemColour(wxSYS_COLOUR_WINDOWTEXT);
-}
-wxColour quietInk() {
-  return mixed(ink(), paper(), 0.4);
-}
+wxColour paper() { return systemColour(wxSYS_COLOUR_WINDOW); }
+wxColour ink() { return systemColour(wxSYS_COLOUR_WINDOWTEXT); }
+wxColour quietInk() { return mixed(ink(), paper(), 0.4); }
 
 // A recent file: its name, and its folder in a quieter colour. Chosen by click, or by Enter when it has the
 // focus.
@@ -104,7 +97,7 @@ class RecentRow : public wxWindow {
       dc.DrawRoundedRectangle(wxPoint(0, 0), size, FromDIP(4));
     }
     dc.SetFont(GetFont());
-    const int x = FromDIP(8);
+    const int x = FromDIP(kRowPadding);
     const int y = (size.y - dc.GetCharHeight()) / 2;
     const int nameRoom = size.x * 3 / 5 - x;
     const wxString name = wxControl::Ellipsize(name_, dc, wxELLIPSIZE_MIDDLE, nameRoom);
@@ -122,15 +115,18 @@ class RecentRow : public wxWindow {
 
 }  // namespace
 
-StartPage::StartPage(wxWindow* parent) : wxPanel(parent) {
+StartPage::StartPage(wxWindow* parent) : wxScrolled<wxPanel>(parent) {
+  SetScrollRate(0, FromDIP(8));
   auto* column = new wxBoxSizer(wxVERTICAL);
-  column->Add(makeHeading());
-  column->Add(makeButtons(), 0, wxTOP, FromDIP(24));
+  column->Add(makeHeading(), 0, wxLEFT, FromDIP(kRowPadding));
+  column->AddSpacer(FromDIP(24));
+  column->Add(makeButtons(), 0, wxLEFT, FromDIP(kRowPadding));
+  column->AddSpacer(FromDIP(32));
   auto* heading = new wxStaticText(this, wxID_ANY, "Recent files");
   heading->SetFont(GetFont().Bold());
   recentHeading_ = heading;
   recentRows_ = new wxBoxSizer(wxVERTICAL);
-  column->Add(heading, 0, wxTOP, FromDIP(32));
+  column->Add(heading, 0, wxLEFT, FromDIP(kRowPadding));
   column->Add(recentRows_, 0, wxTOP, FromDIP(8));
 
   // A little above the middle, where a page looks centred.
@@ -180,6 +176,7 @@ void StartPage::setRecent(const std::vector<std::string>& paths) {
     recentRows_->Add(new RecentRow(this, path, [this, path] { onRecent(path); }));
   }
   recentHeading_->Show(!paths.empty());
+  FitInside();
   Layout();
 }
 

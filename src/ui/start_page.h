@@ -2,6 +2,7 @@
 #pragma once
 
 #include <wx/panel.h>
+#include <wx/scrolwin.h>
 #include <wx/sizer.h>
 
 #include <functional>
@@ -11,7 +12,7 @@
 namespace plumetta {
 
 // What the main window shows with no document open: where to begin.
-class StartPage : public wxPanel {
+class StartPage : public wxScrolled<wxPanel> {
  public:
   explicit StartPage(wxWindow* parent);
 

@@ -13,8 +13,6 @@ inline wxString toWx(const std::string& text) {
   const wxString converted = wxString::FromUTF8(text);
   return converted.empty() && !text.empty() ? wxString(text.c_str(), wxConvISO8859_1) : converted;
 }
-inline std::string fromWx(const wxString& text) {
-  return text.utf8_string();
-}
+inline std::string fromWx(const wxString& text) { return text.utf8_string(); }
 
 }  // namespace plumetta

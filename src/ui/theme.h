@@ -9,15 +9,15 @@ namespace plumetta {
 struct Theme {
   bool dark;
 
-  wxColour lane;             // behind the waveform
-  wxColour laneSelected;     // behind its selected part
-  wxColour margin;           // rulers, switches, marker strip
-  wxColour line;             // between areas
+  wxColour lane;          // behind the waveform
+  wxColour laneSelected;  // behind its selected part
+  wxColour margin;        // rulers, switches, marker strip
+  wxColour line;          // between areas
   wxColour grid;
   wxColour zero;
   wxColour text;
   wxColour textQuiet;
-  wxColour accent;           // focus, switches, window frame of the overview
+  wxColour accent;  // focus, switches, window frame of the overview
 
   wxColour peak, rms;                  // waveform
   wxColour peakSelected, rmsSelected;  // its selected part

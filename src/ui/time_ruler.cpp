@@ -62,7 +62,8 @@ void TimeRuler::paint(wxGraphicsContext& gc, const wxRect& area) {
   const ViewState& state = doc().view();
   if (state.hasSelection()) {
     const double from = snapped(scale.x(state.lowerBound()));
-    fillRect(gc, theme().laneSelected, from, 0, snapped(scale.x(state.upperBound())) - from + hairline(), height);
+    fillRect(gc, theme().laneSelected, from, 0, snapped(scale.x(state.upperBound())) - from + hairline(),
+             height);
   }
   fillRect(gc, theme().line, area.x, height - hairline(), area.width, hairline());
 
@@ -84,6 +85,7 @@ void TimeRuler::paint(wxGraphicsContext& gc, const wxRect& area) {
   }
   const double cursor = snapped(scale.x(state.cursor)) + hairline() / 2;
   const double arm = FromDIP(4);
+  if (cursor < area.x - arm || cursor > area.x + area.width + arm) return;
   wxGraphicsPath head = gc.CreatePath();
   head.MoveToPoint(cursor - arm, height - arm - FromDIP(1));
   head.AddLineToPoint(cursor + arm, height - arm - FromDIP(1));
@@ -105,8 +107,10 @@ void TimeRuler::onContextMenu(wxContextMenuEvent&) {
   wxMenuItem* time = menu.AppendRadioItem(wxID_ANY, "&Time");
   wxMenuItem* frames = menu.AppendRadioItem(wxID_ANY, "&Frames");
   (view_.timeInFrames() ? frames : time)->Check();
-  menu.Bind(wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(false); }, time->GetId());
-  menu.Bind(wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(true); }, frames->GetId());
+  menu.Bind(
+      wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(false); }, time->GetId());
+  menu.Bind(
+      wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(true); }, frames->GetId());
   PopupMenu(&menu);
 }
 

@@ -58,9 +58,7 @@ wxBitmapBundle toolbarIcon(const std::string& id, const wxColour& colour, const 
   return wxBitmapBundle::FromSVG(svg.c_str(), size);
 }
 
-wxBitmapBundle programMark(const wxSize& size) {
-  return wxBitmapBundle::FromSVG(kMark, size);
-}
+wxBitmapBundle programMark(const wxSize& size) { return wxBitmapBundle::FromSVG(kMark, size); }
 
 wxIconBundle programIcons() {
   wxIconBundle icons;

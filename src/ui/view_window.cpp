@@ -21,6 +21,7 @@ ViewWindow::ViewWindow(wxWindow* parent, WaveView& view, long style)
   Bind(wxEVT_PAINT, &ViewWindow::onPaint, this);
   Bind(wxEVT_MOTION, &ViewWindow::onMotion, this);
   Bind(wxEVT_LEFT_UP, &ViewWindow::onLeftUp, this);
+  Bind(wxEVT_MOUSEWHEEL, &ViewWindow::onWheel, this);
   Bind(wxEVT_TIMER, &ViewWindow::onTimer, this);
   Bind(wxEVT_MOUSE_CAPTURE_LOST, [this](wxMouseCaptureLostEvent&) { cancelDrag(); });
 }
@@ -101,6 +102,20 @@ void ViewWindow::onLeftUp(wxMouseEvent& event) {
   event.Skip();
 }
 
+void ViewWindow::onWheel(wxMouseEvent& event) {
+  const double notches = static_cast<double>(event.GetWheelRotation()) / std::max(event.GetWheelDelta(), 1);
+  const bool sideways = event.GetWheelAxis() == wxMOUSE_WHEEL_HORIZONTAL;
+  if (event.ControlDown()) {
+    view_.setAmplitudeZoom(view_.amplitudeZoom() * std::exp2(notches / 2));
+  } else if (event.ShiftDown() || sideways) {
+    view_.scrollBy((sideways ? notches : -notches) * view_.width() / 10);
+  } else {
+    // Where the lanes don't lie under the pointer their middle is held.
+    const double held = ownScale() == view_.scale() ? event.GetX() : view_.width() / 2.0;
+    view_.zoomAbout(held, std::exp2(notches / 2));
+  }
+}
+
 void ViewWindow::onTimer(wxTimerEvent&) {
   if (!drag_ || ownScale() != view_.scale()) return;
   const wxMouseState mouse = wxGetMouseState();
@@ -125,11 +140,16 @@ void ViewWindow::endDrag() {
   if (HasCapture()) ReleaseMouse();
 }
 
-void fillRect(wxGraphicsContext& gc, const wxColour& colour, double x, double y, double width, double height) {
-  if (width <= 0 || height <= 0) return;
+void fillRect(wxGraphicsContext& gc, const wxColour& colour, double x, double y, double width,
+              double height) {
+  // Deep in a long file an edge may lie beyond what a rasteriser can count.
+  constexpr double kFar = 1e5;
+  const double left = std::max(x, -kFar);
+  const double right = std::min(x + width, kFar);
+  if (right <= left || height <= 0) return;
   gc.SetPen(wxNullPen);
   gc.SetBrush(wxBrush(colour));
-  gc.DrawRectangle(x, y, width, height);
+  gc.DrawRectangle(left, y, right - left, height);
 }
 
 wxColour withAlpha(const wxColour& colour, unsigned char alpha) {

@@ -23,8 +23,8 @@ class Drag {
   virtual void cancel() = 0;
 };
 
-// A part of a document window: painted without flicker on whole device pixels, drawn again only where cursor or
-// selection have moved, with drags that scroll at the window's sides and end by Escape.
+// A part of a document window: painted without flicker on whole device pixels, drawn again only where cursor
+// or selection have moved, with drags that scroll at the window's sides and end by Escape.
 class ViewWindow : public wxWindow {
  public:
   ViewWindow(wxWindow* parent, WaveView& view, long style = 0);
@@ -37,6 +37,8 @@ class ViewWindow : public wxWindow {
 
  protected:
   virtual void paint(wxGraphicsContext& gc, const wxRect& area) = 0;
+  // Zooms about the pointer; scrolls with Shift, zooms amplitudes with Ctrl.
+  virtual void onWheel(wxMouseEvent& event);
   // Which frames this window shows; nothing when it doesn't follow cursor and selection.
   virtual std::optional<FrameScale> ownScale() const { return view_.scale(); }
   // What cursor and selection draw beyond their own place, in pixels.

@@ -62,7 +62,9 @@ class WaveView {
   // A position as the ruler counts.
   std::string positionText(int64_t frame) const;
 
-  const CVolumeEnvelope& envelope() const { return preview.envelope ? *preview.envelope : doc.wave().envelope; }
+  const CVolumeEnvelope& envelope() const {
+    return preview.envelope ? *preview.envelope : doc.wave().envelope;
+  }
   int32_t markerFrame(int index) const;
   std::pair<int32_t, int32_t> loopRange(int index) const;
   void clearPreview();

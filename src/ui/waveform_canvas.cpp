@@ -19,12 +19,13 @@ constexpr int kEdgeReach = 4;
 }  // namespace
 
 WaveformCanvas::WaveformCanvas(wxWindow* parent, WaveView& view)
-    : ViewWindow(parent, view, wxWANTS_CHARS), envelope_(view, [this] { return lanes(); }, FromDIP(1)) {
+    : ViewWindow(parent, view, wxWANTS_CHARS),
+      envelope_(
+          view, [this] { return lanes(); }, FromDIP(1)) {
   SetName("Waveform");
   Bind(wxEVT_LEFT_DOWN, &WaveformCanvas::onLeftDown, this);
   Bind(wxEVT_LEFT_DCLICK, &WaveformCanvas::onDoubleClick, this);
   Bind(wxEVT_MOTION, &WaveformCanvas::onMove, this);
-  Bind(wxEVT_MOUSEWHEEL, &WaveformCanvas::onWheel, this);
   Bind(wxEVT_KEY_DOWN, &WaveformCanvas::onKey, this);
   Bind(wxEVT_CONTEXT_MENU, &WaveformCanvas::onContextMenu, this);
   for (const auto& type : {wxEVT_SET_FOCUS, wxEVT_KILL_FOCUS}) {
@@ -35,9 +36,7 @@ WaveformCanvas::WaveformCanvas(wxWindow* parent, WaveView& view)
   }
 }
 
-LaneLayout WaveformCanvas::lanes() const {
-  return {doc().wave().channels(), GetClientSize().y, FromDIP(1)};
-}
+LaneLayout WaveformCanvas::lanes() const { return {doc().wave().channels(), GetClientSize().y, FromDIP(1)}; }
 
 AmplitudeScale WaveformCanvas::amplitudeScale(int lane) const {
   const LaneLayout layout = lanes();
@@ -127,7 +126,7 @@ void WaveformCanvas::onLeftDown(wxMouseEvent& event) {
     }
   }
   if (doc().wave().frames() == 0) return;
-  const ViewState& state = doc().view();
+  const ViewState state = doc().view();
   const int32_t frame = doc().clampFrame(view_.scale().nearestFrame(at.x));
   int32_t fixed = frame;
   int slack = FromDIP(3);
@@ -137,8 +136,8 @@ void WaveformCanvas::onLeftDown(wxMouseEvent& event) {
     // The end that is farther away stays.
     fixed = state.cursor;
     if (state.hasSelection()) {
-      const bool nearLower = std::abs(int64_t{frame} - state.lowerBound()) <
-                             std::abs(int64_t{frame} - state.upperBound());
+      const bool nearLower =
+          std::abs(int64_t{frame} - state.lowerBound()) < std::abs(int64_t{frame} - state.upperBound());
       fixed = nearLower ? state.upperBound() : state.lowerBound();
     }
     doc().select(fixed, frame);
@@ -147,7 +146,7 @@ void WaveformCanvas::onLeftDown(wxMouseEvent& event) {
     doc().select(frame, frame);
     doc().setCursor(frame);
   }
-  startDrag(std::make_unique<SelectionDrag>(view_, fixed, at.x, slack));
+  startDrag(std::make_unique<SelectionDrag>(view_, state, fixed, at.x, slack));
 }
 
 void WaveformCanvas::selectRegionAt(int64_t frame) {
@@ -176,21 +175,10 @@ void WaveformCanvas::onMove(wxMouseEvent& event) {
   }
 }
 
-void WaveformCanvas::onWheel(wxMouseEvent& event) {
-  const double notches = static_cast<double>(event.GetWheelRotation()) / std::max(event.GetWheelDelta(), 1);
-  if (event.ControlDown()) {
-    view_.setAmplitudeZoom(view_.amplitudeZoom() * std::exp2(notches / 2));
-  } else if (event.ShiftDown() || event.GetWheelAxis() == wxMOUSE_WHEEL_HORIZONTAL) {
-    const double towards = event.GetWheelAxis() == wxMOUSE_WHEEL_HORIZONTAL ? notches : -notches;
-    view_.scrollBy(towards * view_.width() / 10);
-  } else {
-    view_.zoomAbout(event.GetX(), std::exp2(notches / 2));
-  }
-}
-
 void WaveformCanvas::addMarkerItems(wxMenu& menu, int32_t frame) {
   const auto add = [&](const char* text, auto action) {
-    menu.Bind(wxEVT_MENU, [action](wxCommandEvent&) { action(); }, menu.Append(wxID_ANY, text)->GetId());
+    menu.Bind(
+        wxEVT_MENU, [action](wxCommandEvent&) { action(); }, menu.Append(wxID_ANY, text)->GetId());
   };
   add("Add &marker here", [this, frame] { view_.run("marker", FrameOrTime{static_cast<double>(frame)}); });
   add("&Select region", [this, frame] { selectRegionAt(frame); });

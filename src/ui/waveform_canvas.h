@@ -30,7 +30,6 @@ class WaveformCanvas : public ViewWindow {
   void onLeftDown(wxMouseEvent& event);
   void onDoubleClick(wxMouseEvent& event);
   void onMove(wxMouseEvent& event);
-  void onWheel(wxMouseEvent& event);
   void onKey(wxKeyEvent& event);
   void onContextMenu(wxContextMenuEvent& event);
   bool moveByKey(const wxKeyEvent& event);

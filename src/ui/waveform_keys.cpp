@@ -16,7 +16,7 @@ void WaveformCanvas::moveCursor(int64_t frame, bool extend) {
   const int32_t target = doc().clampFrame(frame);
   if (extend) {
     // The end away from the cursor stays.
-    const int32_t fixed = !state.hasSelection()                 ? state.cursor
+    const int32_t fixed = !state.hasSelection()                  ? state.cursor
                           : state.cursor == state.selectionStart ? state.selectionEnd
                                                                  : state.selectionStart;
     doc().select(fixed, target);
@@ -72,7 +72,8 @@ void WaveformCanvas::onKey(wxKeyEvent& event) {
     case '+':
     case '=':
     case WXK_NUMPAD_ADD:
-      event.ControlDown() ? view_.setAmplitudeZoom(view_.amplitudeZoom() * kZoomStep) : view_.zoomBy(kZoomStep);
+      event.ControlDown() ? view_.setAmplitudeZoom(view_.amplitudeZoom() * kZoomStep)
+                          : view_.zoomBy(kZoomStep);
       return;
     case '-':
     case WXK_NUMPAD_SUBTRACT:

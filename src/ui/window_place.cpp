@@ -23,6 +23,15 @@ bool canBeGrabbed(const wxRect& frame, int reach) {
   return false;
 }
 
+// Shifts a frame that would hang over the right or lower edge of its display back onto it.
+void keepInside(wxRect& frame) {
+  const int display = wxDisplay::GetFromPoint(frame.GetPosition());
+  if (display == wxNOT_FOUND) return;
+  const wxRect room = wxDisplay(static_cast<unsigned>(display)).GetClientArea();
+  frame.x = std::max(room.x, std::min(frame.x, room.GetRight() + 1 - frame.width));
+  frame.y = std::max(room.y, std::min(frame.y, room.GetBottom() + 1 - frame.height));
+}
+
 }  // namespace
 
 WindowPlace::WindowPlace(wxFrame& frame, WindowProfile& profile) : frame_(frame), profile_(profile) {
@@ -45,8 +54,9 @@ void WindowPlace::restore() {
   size = frame_.FromDIP(size);
   size.DecTo(screen.GetSize());
   frame_.SetSize(size);
-  const wxRect wanted(wxPoint(stored("X"), stored("Y")), size);
+  wxRect wanted(wxPoint(stored("X"), stored("Y")), size);
   if (canBeGrabbed(wanted, frame_.FromDIP(80))) {
+    keepInside(wanted);
     frame_.Move(wanted.GetPosition());
     // Some window managers take a place only from a window that they show already.
     place_ = wanted;

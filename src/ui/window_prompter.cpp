@@ -36,9 +36,7 @@ class BusyPause {
 
 }  // namespace
 
-wxWindow* WindowPrompter::boxParent() const {
-  return dialog_ ? dialog_.get() : parent_;
-}
+wxWindow* WindowPrompter::boxParent() const { return dialog_ ? dialog_.get() : parent_; }
 
 void WindowPrompter::message(const std::string& text) {
   const BusyPause pause;

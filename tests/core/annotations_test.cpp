@@ -100,9 +100,9 @@ TEST_F(Envelope, EachKindRunsItsCurve) {
     EnvelopeKind kind;
     float quarter;  // gain a quarter of the way from 0 to 1
   };
-  for (const Case& c : {Case{EnvelopeKind::linear, 0.5f}, Case{EnvelopeKind::hold, 0.0f},
-                        Case{EnvelopeKind::curve, 0.125f},
-                        Case{EnvelopeKind::smooth, static_cast<float>(1 - std::sqrt(0.5))}}) {
+  for (const Case& c :
+       {Case{EnvelopeKind::linear, 0.5f}, Case{EnvelopeKind::hold, 0.0f}, Case{EnvelopeKind::curve, 0.125f},
+        Case{EnvelopeKind::smooth, static_cast<float>(1 - std::sqrt(0.5))}}) {
     CVolumeEnvelope envelope;
     envelope.setLengthField(100);
     envelope.addChannel();
@@ -110,7 +110,8 @@ TEST_F(Envelope, EachKindRunsItsCurve) {
     envelope.insertPoint(60, 1.0f, 0, EnvelopeKind::linear);
     EXPECT_NEAR(envelope.gainAt(30, 0), c.quarter, 1e-6f);
     std::vector<float> ones(100, 1.0f);
-    envelope.apply(ones.data());
+    envelope.apply(ones.data(), 0, 25);  // in pieces that cut a segment
+    envelope.apply(ones.data() + 25, 25, 75);
     EXPECT_NEAR(ones[30], c.quarter, 1e-6f);
     EXPECT_FLOAT_EQ(ones[20], 0.0f);
     EXPECT_FLOAT_EQ(ones[60], 2.0f);
@@ -134,8 +135,11 @@ TEST_F(Envelope, FollowsDeletionsAndNewLengths) {
 TEST_F(Envelope, ForeignPointsAreBroughtIntoOrder) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   envelope_.adoptChannel(0,
-                         {{60, 2.0f, EnvelopeKind::hold}, {20, nan, static_cast<EnvelopeKind>(9)}, {20, 0.1f, {}},
-                          {-5, 0.3f, {}}, {400, 0.3f, {}}},
+                         {{60, 2.0f, EnvelopeKind::hold},
+                          {20, nan, static_cast<EnvelopeKind>(9)},
+                          {20, 0.1f, {}},
+                          {-5, 0.3f, {}},
+                          {400, 0.3f, {}}},
                          7);
   EXPECT_EQ(positions(), (std::vector<int>{0, 20, 60, 99}));
   EXPECT_EQ(envelope_.point(1, 0).value, 0.5f);

@@ -36,7 +36,9 @@ class Undo : public ::testing::TestWithParam<int> {
     return count;
   }
   void cut(int32_t from, int32_t to) {
-    journal_.push(UndoKind::cut);
+    auto step = journal_.makeStep(UndoKind::cut);
+    step->setName(journal_.canUndo() ? "second" : "first");
+    journal_.push(std::move(step));
     wave_->deleteRange(from, to);
   }
 
@@ -56,6 +58,7 @@ TEST_P(Undo, WalksBackAndForthThroughEveryState) {
   cut(1, 1);
   EXPECT_EQ(undoFiles(), GetParam() == 1 ? 0u : 2u);
   EXPECT_EQ(journal_.undo(), UndoResult::done);
+  EXPECT_EQ(journal_.stepNames(), (std::vector<std::string>{"first", "second"}));
   EXPECT_EQ(framesIn(*wave_, 1), span(4, 9));
   EXPECT_EQ(display_.view.cursor, 2);
   EXPECT_EQ(journal_.undo(), UndoResult::done);

@@ -165,7 +165,9 @@ TEST(Wave, ChannelsAreRemovedMixedAndDoubled) {
 
 TEST(Wave, ActiveChannelsSwitchOneAllOrNone) {
   auto wave = countingWave(3, 1);
-  const auto flags = [&] { return std::vector<int>{wave->isActive(0), wave->isActive(1), wave->isActive(2)}; };
+  const auto flags = [&] {
+    return std::vector<int>{wave->isActive(0), wave->isActive(1), wave->isActive(2)};
+  };
   wave->setActive(ActiveOperation::solo, 1);
   EXPECT_EQ(flags(), (std::vector<int>{0, 1, 0}));
   wave->setActive(ActiveOperation::on, 0);

@@ -165,10 +165,10 @@ TEST_F(Commands, AnnotationsAreEditedAndUndoneWithTheirIds) {
   run("loop", {at(50), at(40)});
   run("loop-clear");
   run("marker-clear");
-  EXPECT_EQ(history_.names(), (std::vector<std::string>{"Marker point created", "Marker point created",
-                                                        "Marker point created", "Marker deleted", "Marker moved",
-                                                        "Loop points created", "All loop points suppr",
-                                                        "All marker removed"}));
+  EXPECT_EQ(history_.names(),
+            (std::vector<std::string>{"Marker point created", "Marker point created", "Marker point created",
+                                      "Marker deleted", "Marker moved", "Loop points created",
+                                      "All loop points suppr", "All marker removed"}));
   run("undo");
   EXPECT_EQ(markerPositions(doc_->wave()), (std::vector<int>{20, 40}));
   EXPECT_EQ(doc_->wave().markers[1].id, 3u);
@@ -202,8 +202,68 @@ TEST_F(Commands, EnvelopeComesToLifeWithItsFirstPoint) {
   prompter_.answer = true;
   EXPECT_TRUE(run("envelope-clear"));
   EXPECT_TRUE(run("envelope-reset"));
-  EXPECT_EQ(history_.names(), (std::vector<std::string>{"Volume add", "Volume point removed", "Volume delete all",
-                                                        "Volume reset"}));
+  EXPECT_EQ(history_.names(), (std::vector<std::string>{"Volume add", "Volume point removed",
+                                                        "Volume delete all", "Volume reset"}));
+}
+
+TEST_F(Commands, PeaksFollowTheSamples) {
+  const auto highest = [&] {
+    std::vector<PeakColumn> column(1);
+    doc_->peaks().columns(doc_->wave(), 1, 0, doc_->wave().frames(), column);
+    return column[0].max;
+  };
+  reset(2, 1000);
+  const float last = doc_->wave().sample(999, 1);
+  EXPECT_EQ(highest(), last);
+  doc_->wave().setSample(5, 1, last + 1);
+  EXPECT_EQ(highest(), last) << "nobody has said so";
+  doc_->samplesChanged();
+  EXPECT_EQ(highest(), last + 1);
+  doc_->select(5, 5);
+  ASSERT_TRUE(run("delete"));
+  EXPECT_EQ(highest(), last);
+  ASSERT_TRUE(run("undo"));
+  EXPECT_EQ(highest(), last + 1);
+}
+
+TEST_F(Commands, AVolumePointIsChangedBetweenItsNeighbours) {
+  ASSERT_TRUE(run("envelope-point", {at(30), 0.75, number(1), number(0)}));
+  ASSERT_TRUE(run("envelope-point", {at(60), 0.25, number(1), number(0)}));
+  const auto move = [&](int64_t index, double frame, double value) {
+    return run("envelope-move", {number(index), number(1), at(frame), value});
+  };
+  const CVolumeEnvelope& envelope = doc_->wave().envelope;
+  ASSERT_TRUE(move(1, 59, 1.0));
+  EXPECT_EQ(envelope.point(1, 1).position, 59);
+  EXPECT_EQ(envelope.point(1, 1).value, 1.0f);
+  EXPECT_EQ(prompter_.lastStatus, "Volume point changed");
+  EXPECT_EQ(history_.names().back(), "Volume point changed");
+  ASSERT_TRUE(run("undo"));
+  EXPECT_EQ(envelope.point(1, 1).position, 30);
+
+  ASSERT_TRUE(move(0, 0, 0.1));
+  ASSERT_TRUE(move(3, 99, 0.2));
+  EXPECT_EQ(envelope.point(3, 1).value, 0.2f);
+  // Ends that would leave their place, a neighbour's place, what isn't there, values out of range.
+  const size_t steps = history_.names().size();
+  EXPECT_FALSE(move(0, 1, 0.5) || move(3, 98, 0.5) || move(1, 0, 0.5) || move(1, 60, 0.5) ||
+               move(2, 30, 0.5));
+  EXPECT_FALSE(move(4, 99, 0.5) || move(1, 40, 1.01) || move(1, 40, -0.01));
+  EXPECT_FALSE(run("envelope-move", {number(1), number(2), at(40), 0.5}));
+
+  const std::vector<const char*> names{"Volume point linear", "Volume point smooth", "Volume point hold",
+                                       "Volume point curve"};
+  for (const int kind : {3, 2, 1, 0}) {
+    ASSERT_TRUE(run("envelope-kind", {number(1), number(1), number(kind)}));
+    EXPECT_EQ(static_cast<int>(envelope.point(1, 1).kind), kind);
+    EXPECT_EQ(history_.names().back(), names[static_cast<size_t>(kind)]);
+  }
+  EXPECT_FALSE(run("envelope-kind", {number(1), number(1), number(4)}));
+  EXPECT_FALSE(run("envelope-kind", {number(9), number(1), number(0)}));
+  ASSERT_TRUE(run("envelope-point-reset", {number(1), number(1)}));
+  EXPECT_EQ(envelope.point(1, 1).value, 0.5f);
+  EXPECT_EQ(envelope.point(1, 1).position, 30);
+  EXPECT_EQ(history_.names().size(), steps + names.size() + 1);
 }
 
 TEST_F(Commands, RefusalsKeepWhatCouldBeRedone) {
@@ -234,7 +294,8 @@ TEST_F(Commands, RegionsNeedMarkersToBeScrambled) {
 
 TEST_F(Commands, EmptyDocumentsRefuseAndTakeWhatIsPasted) {
   reset(1, 0);
-  for (const char* id : {"cut", "copy", "delete", "trim", "envelope-reset", "undo"}) EXPECT_FALSE(run(id)) << id;
+  for (const char* id : {"cut", "copy", "delete", "trim", "envelope-reset", "undo"})
+    EXPECT_FALSE(run(id)) << id;
   EXPECT_FALSE(run("marker", {at(0)}));
   EXPECT_TRUE(history_.names().empty());
   clipboard_ = countingWave(2, 5);
@@ -246,7 +307,8 @@ TEST_F(Commands, EmptyDocumentsRefuseAndTakeWhatIsPasted) {
 
 TEST_F(Commands, LostSamplesRefuseTheUndoAloud) {
   settings_.undoInRam = false;
-  writeBytes(folder_.file("~plumetta_undo_" + std::to_string(processId())), "a file where the folder should be");
+  writeBytes(folder_.file("~plumetta_undo_" + std::to_string(processId())),
+             "a file where the folder should be");
   doc_->select(1, 2);
   run("cut");
   EXPECT_FALSE(run("undo"));
@@ -266,7 +328,8 @@ TEST_F(Commands, DocumentsLoadSaveAndSayWhyNot) {
   EXPECT_EQ(doc_->title(), "b.wav");
   EXPECT_EQ(doc_->wave().fileName(), saved);
   EXPECT_FALSE(doc_->modified());
-  EXPECT_EQ(bytesOf(saved).substr(44), std::string(180, 'a') + chunk("ETTA", "1.5.0.1" + std::string(25, '\0')));
+  EXPECT_EQ(bytesOf(saved).substr(44),
+            std::string(180, 'a') + chunk("ETTA", "1.5.0.1" + std::string(25, '\0')));
   run("undo");
   EXPECT_EQ(doc_->save(folder_.file("c.unknown")), FileOutcome::fileError);
   EXPECT_EQ(doc_->save(folder_.file("no/c.wav")), FileOutcome::fileError);
@@ -294,7 +357,8 @@ TEST(CommandTable, RowsAreWhole) {
     EXPECT_EQ(findCommand(command.id), &command) << "two rows of one name: " << command.id;
     EXPECT_NE(command.run, nullptr);
     if (command.key[0] == '\0') continue;
-    EXPECT_EQ(std::count(keys.begin(), keys.end(), command.key), 0) << "a key of two commands: " << command.key;
+    EXPECT_EQ(std::count(keys.begin(), keys.end(), command.key), 0)
+        << "a key of two commands: " << command.key;
     keys.push_back(command.key);
   }
 }

@@ -101,9 +101,15 @@ TEST(PeakPyramid, followsAChangeFromAFrameOn) {
   struct Case {
     int32_t before, after, changed;
   };
-  for (const auto& [before, after, changed] :
-       {Case{9000, 9000, 0}, {9000, 9000, 8999}, {9000, 9000, 5000}, {9000, 20001, 9000}, {300, 70000, 300},
-        {9000, 257, 257}, {9000, 100, 90}, {9000, 0, 0}, {0, 9000, 0}}) {
+  for (const auto& [before, after, changed] : {Case{9000, 9000, 0},
+                                               {9000, 9000, 8999},
+                                               {9000, 9000, 5000},
+                                               {9000, 20001, 9000},
+                                               {300, 70000, 300},
+                                               {9000, 257, 257},
+                                               {9000, 100, 90},
+                                               {9000, 0, 0},
+                                               {0, 9000, 0}}) {
     CWave wave;
     fillNoise(wave, 2, before, 1);
     PeakPyramid peaks;

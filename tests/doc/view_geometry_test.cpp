@@ -24,9 +24,15 @@ TEST(FrameScale, isBroughtIntoTheFile) {
     double first, framesPerPixel, expectedFirst, expectedZoom;
   };
   // 10001 frames on 101 pixels: at 10 frames a pixel, 1000 frames are seen at a time.
-  for (const auto& [first, zoom, expectedFirst, expectedZoom] :
-       {Case{500, 10, 500, 10}, {-3, 10, 0, 10}, {9500, 10, 9000, 10}, {500, 100, 0, 100}, {500, 1e9, 0, 100},
-        {500, -1, 0, 100}, {500, 1e-9, 500, kClosestZoom}, {0.0 / 0.0, 10, 0, 100}, {5, 0.0 / 0.0, 0, 100}}) {
+  for (const auto& [first, zoom, expectedFirst, expectedZoom] : {Case{500, 10, 500, 10},
+                                                                 {-3, 10, 0, 10},
+                                                                 {9500, 10, 9000, 10},
+                                                                 {500, 100, 0, 100},
+                                                                 {500, 1e9, 0, 100},
+                                                                 {500, -1, 0, 100},
+                                                                 {500, 1e-9, 500, kClosestZoom},
+                                                                 {0.0 / 0.0, 10, 0, 100},
+                                                                 {5, 0.0 / 0.0, 0, 100}}) {
     const FrameScale scale = shownScale(first, zoom, 10001, 101);
     EXPECT_DOUBLE_EQ(scale.first, expectedFirst) << first << " " << zoom;
     EXPECT_DOUBLE_EQ(scale.framesPerPixel, expectedZoom) << first << " " << zoom;
@@ -101,9 +107,18 @@ TEST(RulerTicks, countInStepsOfTheClock) {
     int decimals;
   };
   constexpr uint32_t kRate = 48000;
-  for (const auto& [seconds, step, decimals] :
-       {Case{0.00009, 0.0001, 4}, {0.0011, 0.002, 3}, {0.03, 0.05, 2}, {0.2, 0.2, 1}, {0.5, 0.5, 1}, {0.6, 1, 0},
-        {3, 5, 0}, {11, 15, 0}, {45, 60, 0}, {700, 900, 0}, {4000, 7200, 0}, {30000, 36000, 0}}) {
+  for (const auto& [seconds, step, decimals] : {Case{0.00009, 0.0001, 4},
+                                                {0.0011, 0.002, 3},
+                                                {0.03, 0.05, 2},
+                                                {0.2, 0.2, 1},
+                                                {0.5, 0.5, 1},
+                                                {0.6, 1, 0},
+                                                {3, 5, 0},
+                                                {11, 15, 0},
+                                                {45, 60, 0},
+                                                {700, 900, 0},
+                                                {4000, 7200, 0},
+                                                {30000, 36000, 0}}) {
     const TickSpacing ticks = timeTicks(seconds * kRate / 80, kRate, 80);
     EXPECT_NEAR(ticks.major, step * kRate, 1e-6 * step * kRate) << seconds;
     EXPECT_EQ(ticks.timeDecimals, decimals) << seconds;

@@ -75,7 +75,10 @@ TEST_F(Codec, KnownValues) {
       {{Encoding::pcm24, ByteOrder::big, SignType::isSigned}, 0.5f, "\x40\x00\x00"s, 0.5f},
       {little(Encoding::pcm32), -kInf, "\x01\x00\x00\x80"s, -1.0f},
       {little(Encoding::float32), 1.5f, "\x00\x00\xC0\x3F"s, 1.5f},
-      {{Encoding::float64, ByteOrder::big, SignType::isSigned}, -2.0f, "\xC0\x00\x00\x00\x00\x00\x00\x00"s, -2.0f},
+      {{Encoding::float64, ByteOrder::big, SignType::isSigned},
+       -2.0f,
+       "\xC0\x00\x00\x00\x00\x00\x00\x00"s,
+       -2.0f},
       {little(Encoding::muLaw), 0.0f, "\xFF", 0.0f},
       {little(Encoding::muLaw), 1.0f, "\x80", 32124 / 32767.0f},
       {little(Encoding::aLaw), 1.0f, "\xAA", 32256 / 32767.0f},
@@ -137,7 +140,8 @@ TEST_F(Codec, ProgressCanStopTheWork) {
 }
 
 TEST_F(Codec, AdpcmDecodesTheHighNibbleFirst) {
-  // By hand: step 16, code 7 adds 16 + 8 + 4 + 2 = 30; eight places on (step 34), code 8 subtracts 34 >> 3 = 4.
+  // By hand: step 16, code 7 adds 16 + 8 + 4 + 2 = 30; eight places on (step 34), code 8 subtracts 34 >> 3
+  // = 4.
   const auto floats = decode(little(Encoding::adpcm4), "\x78", 2);
   EXPECT_FLOAT_EQ(floats[0], 30 * 16 / 32767.0f);
   EXPECT_FLOAT_EQ(floats[1], 26 * 16 / 32767.0f);

@@ -7,8 +7,8 @@
 #include "formats/wav_writer.h"
 #include "support/failing_file_system.h"
 #include "support/temporary_folder.h"
-#include "support/waves.h"
 #include "support/wav_bytes.h"
+#include "support/waves.h"
 
 namespace plumetta {
 namespace {
@@ -43,14 +43,14 @@ TEST_F(Wav, EveryEncodingLoadsAndIsHeldAsStated) {
     int bytesPerFrame;
     int tag, bits;  // as held afterwards
   };
-  for (const Case& c : {Case{formatBody(1, 2, 8000, 8), 2, 1, 8}, Case{formatBody(6, 1, 8000, 8), 1, 1, 8},
-                        Case{formatBody(7, 1, 8000, 8), 1, 1, 8}, Case{formatBody(1, 1, 8000, 16), 2, 1, 16},
-                        Case{formatBody(1, 1, 8000, 16) + u16(0), 2, 1, 16},
-                        Case{formatBody(1, 2, 8000, 24), 6, 1, 24}, Case{formatBody(1, 1, 8000, 32), 4, 1, 32},
-                        Case{formatBody(3, 1, 8000, 32), 4, 3, 32}, Case{formatBody(3, 1, 8000, 64), 8, 3, 64},
-                        Case{extensibleBody(1, 1, 8000, 16), 2, 1, 16}, Case{extensibleBody(1, 1, 8000, 24), 3, 1, 24},
-                        Case{extensibleBody(1, 1, 8000, 32), 4, 1, 32}, Case{extensibleBody(3, 1, 8000, 32), 4, 3, 32},
-                        Case{extensibleBody(7, 1, 8000, 8), 1, 1, 8}}) {
+  for (const Case& c :
+       {Case{formatBody(1, 2, 8000, 8), 2, 1, 8}, Case{formatBody(6, 1, 8000, 8), 1, 1, 8},
+        Case{formatBody(7, 1, 8000, 8), 1, 1, 8}, Case{formatBody(1, 1, 8000, 16), 2, 1, 16},
+        Case{formatBody(1, 1, 8000, 16) + u16(0), 2, 1, 16}, Case{formatBody(1, 2, 8000, 24), 6, 1, 24},
+        Case{formatBody(1, 1, 8000, 32), 4, 1, 32}, Case{formatBody(3, 1, 8000, 32), 4, 3, 32},
+        Case{formatBody(3, 1, 8000, 64), 8, 3, 64}, Case{extensibleBody(1, 1, 8000, 16), 2, 1, 16},
+        Case{extensibleBody(1, 1, 8000, 24), 3, 1, 24}, Case{extensibleBody(1, 1, 8000, 32), 4, 1, 32},
+        Case{extensibleBody(3, 1, 8000, 32), 4, 3, 32}, Case{extensibleBody(7, 1, 8000, 8), 1, 1, 8}}) {
     const std::string data(static_cast<size_t>(c.bytesPerFrame) * 6, '\x3F');
     const auto result = load(riff(chunk("LIST", "odd") + chunk("fmt ", c.format) + chunk("data", data)));
     ASSERT_EQ(result.status, LoadStatus::loaded) << result.reason;
@@ -102,15 +102,16 @@ TEST_F(Wav, AnnotationsTravelThroughAFile) {
   const std::string bytes = saved();
   EXPECT_EQ(bytes.substr(4, 4), u32(bytes.size() - 8));
   const std::string smpl = u32(1) + u32(2) + u32(3) + u32(4) + u32(5) + u32(6) + u32(7) + u32(2) + u32(8) +
-                           u32(9) + u32(1) + u32(10) + u32(20) + u32(11) + u32(12) + u32(10) + u32(0) + u32(30) +
-                           u32(40) + u32(0) + u32(0);
+                           u32(9) + u32(1) + u32(10) + u32(20) + u32(11) + u32(12) + u32(10) + u32(0) +
+                           u32(30) + u32(40) + u32(0) + u32(0);
   const auto point = [](int at, uint32_t valueBits, char kind) {
     return u32(static_cast<uint32_t>(at)) + u32(valueBits) + kind + '\0';
   };
-  const std::string otom = u32(0) + "PLUMETTA" + u32(0) + u32(0) + u32(0) + "CH" + u16(0) + u32(3) + u16(1) + u32(0) +
-                           point(0, 0x3F000000, 0) + point(50, 0x3F400000, 3) + point(99, 0x3F000000, 0);
-  EXPECT_EQ(bytes.substr(44 + 200), chunk("smpl", smpl) + chunk("cue ", cueBody({70, 5})) + chunk("otom", otom) +
-                                        chunk("ETTA", std::string(31, 'v')));
+  const std::string otom = u32(0) + "PLUMETTA" + u32(0) + u32(0) + u32(0) + "CH" + u16(0) + u32(3) + u16(1) +
+                           u32(0) + point(0, 0x3F000000, 0) + point(50, 0x3F400000, 3) +
+                           point(99, 0x3F000000, 0);
+  EXPECT_EQ(bytes.substr(44 + 200), chunk("smpl", smpl) + chunk("cue ", cueBody({70, 5})) +
+                                        chunk("otom", otom) + chunk("ETTA", std::string(31, 'v')));
   CWave again;
   loadWav(nativeFileSystem(), folder_.file("out.wav"), again);
   EXPECT_EQ(markerPositions(again), (std::vector<int>{70, 5}));
@@ -143,8 +144,8 @@ TEST_F(Wav, RangesAreWrittenWithTheirOwnAnnotations) {
   wave_.envelope.addChannel();
   const std::string bytes = savedRange(10, 5);
   EXPECT_EQ(bytes.substr(36), chunk("data", std::string(12, 'a')) + chunk("cue ", cueBody({0})) +
-                                  chunk("smpl", std::string(28, '\0') + u32(1) + u32(0) + u32(0) + u32(0) + u32(1) +
-                                                    u32(4) + u32(0) + u32(0)));
+                                  chunk("smpl", std::string(28, '\0') + u32(1) + u32(0) + u32(0) + u32(0) +
+                                                    u32(1) + u32(4) + u32(0) + u32(0)));
   EXPECT_FALSE(saveWavRange(nativeFileSystem(), folder_.file("x"), wave_, 0, 30, SyncToDisk::no).saved);
 
   wave_.create(8000, 1, 8, 9, 1);
@@ -168,12 +169,14 @@ TEST_F(Wav, SplitWritesOneFileARegion) {
 // Every number of a rich file set to what nobody expects, and the file cut at every byte: whatever is sound
 // loads, and nothing is believed that the bytes don't hold.
 TEST_F(Wav, DamageNeverCostsMoreThanWhatItHits) {
-  const std::string otom = u32(0) + "PLUMETTA" + u32(0) + u32(0) + u32(0) + "CH" + u16(0) + u32(2) + u16(1) + u32(0) +
-                           u32(0) + u32(0x3F000000) + u16(0) + u32(49) + u32(0x3F000000) + u16(0);
-  const std::string whole = plainWav(std::string(100, 'a'), chunk("smpl", std::string(36, '\x01')) +
-                                                                chunk("cue ", cueBody({1, 2, 3})) + chunk("otom", otom));
+  const std::string otom = u32(0) + "PLUMETTA" + u32(0) + u32(0) + u32(0) + "CH" + u16(0) + u32(2) + u16(1) +
+                           u32(0) + u32(0) + u32(0x3F000000) + u16(0) + u32(49) + u32(0x3F000000) + u16(0);
+  const std::string whole =
+      plainWav(std::string(100, 'a'), chunk("smpl", std::string(36, '\x01')) +
+                                          chunk("cue ", cueBody({1, 2, 3})) + chunk("otom", otom));
   for (size_t at = 4; at + 4 <= whole.size(); ++at) {
-    for (const uint64_t value : {uint64_t{0}, uint64_t{1}, uint64_t{0x7FFFFFFF}, uint64_t{0x80000000}, uint64_t{0xFFFFFFFF}}) {
+    for (const uint64_t value :
+         {uint64_t{0}, uint64_t{1}, uint64_t{0x7FFFFFFF}, uint64_t{0x80000000}, uint64_t{0xFFFFFFFF}}) {
       std::string bytes = whole;
       bytes.replace(at, 4, u32(value));
       const auto result = load(bytes);
@@ -200,7 +203,8 @@ TEST_F(Wav, DamageNeverCostsMoreThanWhatItHits) {
 TEST_F(Wav, SurplusInAChunkAndSecondChunksAreIgnored) {
   const std::string bytes =
       riff(chunk("fmt ", formatBody(1, 1, 8000, 16)) + chunk("data", "aabbccdd") +
-           chunk("fmt ", formatBody(1, 2, 8000, 8)) + chunk("data", "zz") + chunk("cue ", cueBody({1}) + "surplus") +
+           chunk("fmt ", formatBody(1, 2, 8000, 8)) + chunk("data", "zz") +
+           chunk("cue ", cueBody({1}) + "surplus") +
            chunk("smpl", std::string(28, '\0') + u32(30) + u32(0) + std::string(24 * 30, '\0')) +
            chunk("cue ", cueBody({2, 900})));
   load(bytes);

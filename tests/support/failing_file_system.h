@@ -48,7 +48,8 @@ class FailingFileSystem : public FileSystem {
  private:
   class FailingFile : public File {
    public:
-    FailingFile(FailingFileSystem& owner, std::unique_ptr<File> file) : owner_(owner), file_(std::move(file)) {}
+    FailingFile(FailingFileSystem& owner, std::unique_ptr<File> file)
+        : owner_(owner), file_(std::move(file)) {}
     size_t read(void* destination, size_t bytes, std::error_code& error) override {
       return owner_.fails(error) ? 0 : file_->read(destination, bytes, error);
     }

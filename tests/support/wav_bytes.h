@@ -29,7 +29,8 @@ inline std::string formatBody(int tag, int channels, int rate, int bits) {
 
 inline std::string extensibleBody(int subTag, int channels, int rate, int bits) {
   return formatBody(65534, channels, rate, bits) + u16(22) + u16(static_cast<uint64_t>(bits)) + u32(3) +
-         u16(static_cast<uint64_t>(subTag)) + std::string("\x00\x00\x00\x00\x10\x00\x80\x00\x00\xAA\x00\x38\x9B\x71", 14);
+         u16(static_cast<uint64_t>(subTag)) +
+         std::string("\x00\x00\x00\x00\x10\x00\x80\x00\x00\xAA\x00\x38\x9B\x71", 14);
 }
 
 inline std::string riff(const std::string& chunks) {

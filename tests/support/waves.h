@@ -13,7 +13,8 @@ inline std::unique_ptr<CWave> countingWave(int channels, int32_t frames) {
   auto wave = std::make_unique<CWave>();
   wave->create(44100, channels, 32, frames, kFormatFloat);
   for (int32_t f = 0; f < frames; ++f) {
-    for (int c = 0; c < channels; ++c) wave->setSample(f, c, static_cast<float>(f) + static_cast<float>(c) / 100);
+    for (int c = 0; c < channels; ++c)
+      wave->setSample(f, c, static_cast<float>(f) + static_cast<float>(c) / 100);
   }
   return wave;
 }

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A thread that reads samples under the audio lock, as playback does, while commands change them.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "doc/command.h"
+#include "support/memory_file_system.h"
+#include "support/recording_prompter.h"
+#include "support/waves.h"
+
+namespace plumetta {
+namespace {
+
+TEST(AudioLock, LongWorkLetsPlaybackIn) {
+  AudioLock lock;
+  std::atomic<bool> played{false};
+  std::thread playback;
+  {
+    AudioLockHeld held(lock);
+    playback = std::thread([&] {
+      const AudioLockHeld turn(lock);
+      played = true;
+    });
+    // However long the work goes on, a turn comes; without turns this would never end.
+    while (!played) held.nextTurn();
+  }
+  playback.join();
+}
+
+TEST(AudioLock, CommandsNeverChangeWhatPlaybackReads) {
+  MemoryFileSystem files;
+  UndoFolder folder(files, "undo");
+  RecordingPrompter prompter;
+  AudioLock lock;
+  HistoryList history;
+  EditSettings settings;
+  std::unique_ptr<CWave> clipboard;
+  DocumentServices services{files, folder, lock, prompter, history, settings, clipboard};
+  CPlumettaDoc doc(services);
+  doc.createNew(8000, 2, 32, 0, kFormatFloat);
+  doc.wave().insertBuffer(*countingWave(2, 50000), 0);
+  std::atomic<bool> stop{false};
+  std::atomic<int> reads{0};
+  std::thread playback([&] {
+    double sum = 0;
+    while (!stop) {
+      const AudioLockHeld held(lock);
+      const CWave& wave = doc.wave();
+      for (int32_t f = 0; f < wave.frames(); f += 97) sum += wave.sample(f, wave.channels() - 1);
+      ++reads;
+    }
+    EXPECT_EQ(sum, sum);
+  });
+  for (int round = 0; round < 3; ++round) {
+    doc.select(100, 30000);
+    for (const char* id : {"quick-2", "quick-11", "quick-13", "quick-25", "cut", "paste", "paste-mix", "channel-11",
+                           "channel-12", "trim", "normalize", "undo", "undo", "redo"}) {
+      runCommand(doc, *findCommand(id));
+    }
+  }
+  while (reads == 0) std::this_thread::yield();
+  stop = true;
+  playback.join();
+  while (doc.journal().undo() == UndoResult::done) {
+  }
+  EXPECT_EQ(framesIn(doc.wave()), framesIn(*countingWave(2, 50000)));
+}
+
+}  // namespace
+}  // namespace plumetta

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the window computes without a display: numbers as people type them, filters, the list of recent files.
+#include <gtest/gtest.h>
+
+#include "platform/file_system.h"
+#include "platform/private_profile.h"
+#include "support/recording_prompter.h"
+#include "support/temporary_folder.h"
+#include "ui/file_filters.h"
+#include "ui/number_text.h"
+#include "ui/recent_files.h"
+
+namespace plumetta {
+namespace {
+
+TEST(NumberText, TakesWhatPeopleTypeAndRefusesTheRest) {
+  const struct {
+    const char* typed;
+    std::optional<double> value;
+  } cases[] = {{"1.5", 1.5}, {" 1,5\t", 1.5}, {"+3", 3.0},   {"-0.25", -0.25}, {"1e3", 1000.0},
+               {"", {}},     {"  ", {}},      {"abc", {}},   {"1.5x", {}},     {"1 000", {}},
+               {"nan", {}},  {"inf", {}},     {"1.5.5", {}}, {"1e999", {}}};
+  for (const auto& [typed, value] : cases) EXPECT_EQ(parseNumber(typed), value) << '"' << typed << '"';
+}
+
+TEST(NumberText, WritesPlainDigitsThatReadBack) {
+  EXPECT_EQ(numberText(100000), "100000");
+  EXPECT_EQ(numberText(0.1), "0.1");
+  EXPECT_EQ(numberText(-2.5), "-2.5");
+  for (const double value : {1.0 / 3, 1e-9, 1e300, 4294967295.0}) {
+    EXPECT_EQ(parseNumber(numberText(value)), value);
+  }
+}
+
+TEST(FileFilters, AreReadOffTheFormats) {
+  const auto probe = [](FileSystem&, const std::string&) { return false; };
+  const auto read = [](FileSystem&, const std::string&, CWave&) { return LoadResult{}; };
+  const auto write = [](FileSystem&, const std::string&, const CWave&, SyncToDisk) { return SaveResult{}; };
+  const std::vector<Format> formats{{"Alpha", {"a", "al"}, probe, read, write},
+                                    {"Beta", {"b"}, probe, read, nullptr},
+                                    {"Gamma", {"g"}, probe, nullptr, write}};
+  EXPECT_EQ(openFilter(formats),
+            "All audio files|*.a;*.al;*.b|Alpha (*.a, *.al)|*.a;*.al|Beta (*.b)|*.b|All files|*");
+  const auto writable = writableFormats(formats);
+  EXPECT_EQ(saveFilter(writable), "Alpha (*.a, *.al)|*.a;*.al|Gamma (*.g)|*.g");
+  EXPECT_EQ(filterIndexOf(writable, "x.G"), 1);
+  EXPECT_EQ(filterIndexOf(writable, "x.b"), 0);
+}
+
+class Profile : public testing::Test {
+ protected:
+  TemporaryFolder folder;
+  RecordingPrompter prompter;
+  Application app{prompter, nativeFileSystem(), folder.file("home")};
+  WindowProfile profile{app};
+};
+
+TEST_F(Profile, RecentFilesAreTenTheNewestFirstAndSurviveARestart) {
+  RecentFiles recent(profile);
+  int changes = 0;
+  recent.onChanged = [&] { ++changes; };
+  for (int i = 1; i <= 12; ++i) recent.add("/music/" + std::to_string(i) + ".wav");
+  recent.add("/music/5.wav");
+  recent.add("/music/5.wav");  // in front already
+  recent.remove("/music/11.wav");
+  recent.remove("/music/1.wav");  // fell off the end long ago
+  EXPECT_EQ(changes, 14);
+
+  std::vector<std::string> expected;
+  for (const int i : {5, 12, 10, 9, 8, 7, 6, 4, 3})
+    expected.push_back("/music/" + std::to_string(i) + ".wav");
+  EXPECT_EQ(recent.paths(), expected);
+  WindowProfile reopened(app);
+  EXPECT_EQ(RecentFiles(reopened).paths(), expected);
+}
+
+TEST_F(Profile, ValuesThatMakeNoSenseLeaveTheFallback) {
+  profile.setText("Dialog", "Length", "long");
+  EXPECT_EQ(profile.real("Dialog", "Length", 1.5), 1.5);
+  profile.setReal("Dialog", "Length", 0.1);
+  EXPECT_EQ(profile.real("Dialog", "Length", 1.5), 0.1);
+  EXPECT_EQ(readProfileString(app.profilePath(), "Dialog", "Length", ""), "0.1");
+}
+
+TEST_F(Profile, AFailedWriteIsToldOnce) {
+  // A folder in the place of the file can't be written, whoever asks.
+  ASSERT_FALSE(nativeFileSystem().makeFolders(app.profilePath()));
+  profile.setInteger("Window", "X", 1);
+  profile.setInteger("Window", "Y", 2);
+  ASSERT_EQ(prompter.messages.size(), 1u);
+  EXPECT_TRUE(prompter.messages[0].starts_with("Unable to write ")) << prompter.messages[0];
+}
+
+}  // namespace
+}  // namespace plumetta
