@@ -7,8 +7,7 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 built=$1
-# Unlike any other that runs in the same Wine folder, so that it alone is asked to close.
-program=plumetta-$$.exe
+program=plumetta.exe
 picture=${2:-$(dirname "$built")/window.png}
 folder=$(mktemp -d)
 name=Glöckchen
@@ -32,6 +31,11 @@ within() {  # SECONDS COMMAND...
 titled() { xdotool search --onlyvisible --name "$name" >"$folder/window" 2>/dev/null && [[ -s $folder/window ]]; }
 ended() { ! kill -0 "$editor" 2>/dev/null; }
 
+# A Wine folder of its own too: one whose background processes were started elsewhere belongs to another display.
+export PLUMETTA_WINEPREFIX=$root/build/windows/wine-window
+unset PLUMETTA_WINE_STARTED
+stop_wine() { WINEPREFIX=$PLUMETTA_WINEPREFIX "$(command -v wineserver || echo /usr/lib/wine/wineserver)" -k || true; }
+
 # The display's server picks a free number and tells it.
 mkfifo "$folder/display"
 Xvfb -displayfd 4 -screen 0 1280x800x24 -nolisten tcp 4>"$folder/display" >"$folder/xvfb" 2>&1 &
@@ -40,6 +44,7 @@ editor=
 cleanup() {
   [[ -z $editor ]] || kill -9 "$editor" 2>/dev/null || true
   kill "$server" 2>/dev/null || true
+  stop_wine
   rm -rf "$folder"
 }
 trap cleanup EXIT
