@@ -6,6 +6,7 @@ import json
 import math
 import struct
 from array import array
+from functools import reduce
 
 FADES = ["linear", "exponential", "sinus", "square", "cubic"]
 QUICK = [f"Fade {way} {curve}" for curve in FADES for way in ("in", "out")] + [
@@ -27,10 +28,7 @@ def f32(x):
 
 
 def sum32(values):
-    total = 0.0
-    for value in values:
-        total = f32(total + value)
-    return total
+    return reduce(lambda total, value: f32(total + value), values, 0.0)
 
 
 def gain_of(level):
@@ -185,6 +183,39 @@ class Document(Buffer):
     def selected(self):
         return self.selection[0] != self.selection[1]
 
+    def range(self):
+        return self.ordered() if self.selected() else [0, len(self.frames) - 1]
+
+    def has_marker(self, i):
+        return 0 <= i < len(self.markers)
+
+    def drop_markers(self, a, b):
+        del self.markers[a:b]
+        self.selected_marker = None
+
+    def can_add_point(self, p, value, c, kind="0"):
+        free = p not in [point[0] for point in self.envelope[c]] if self.envelope and c < self.channels else \
+            p < len(self.frames) - 1
+        return 0 < p < len(self.frames) and c < self.channels and int(kind) < 4 and free
+
+    def add_point(self, p, value, c, kind="0"):
+        if not self.envelope:
+            self.reset_envelope()
+        self.envelope[c] = sorted([*self.envelope[c], [p, f32(value), int(kind)]])
+
+    def invert_envelope(self, c):
+        self.envelope[c] = [[p, f32(1 - value), kind] for p, value, kind in self.envelope[c]]
+
+    def trim(self):
+        a, b = self.ordered()
+        self.delete(b + 1, len(self.frames) - 1)
+        self.delete(0, a - 1)
+        self.selection, self.cursor = [0, 0], 0
+
+    def insert_silence(self, at, n):
+        self.make_room([[0.0] * self.channels for _ in range(n)], at)
+        self.selection, self.cursor = [at, at + n - 1], at
+
     def live(self):
         return [c for c in range(self.channels) if self.active[c]]
 
@@ -194,6 +225,15 @@ class Document(Buffer):
             for c in self.live() if channels is None else channels:
                 frame[c] = f32(rule(frame[c]))
 
+    def amplify(self, a, b, gain, channels=None):
+        self.change(a, b, lambda s: s * gain, channels)
+
+    def convert(self, bits, format="1", quantization="on", dithering="off"):
+        quantize = {8: lambda s: (int(s * 127 + 128.5) - 128) / 127, 16: lambda s: int(s * 32767) / 32767}.get(bits)
+        if quantization == "on" and quantize:
+            self.change(0, len(self.frames), lambda s: quantize(max(-1.0, min(1.0, s))), range(self.channels))
+        self.bits, self.tag = bits, int(format)
+
     def fade(self, a, b, curve, inward):
         if a == b:
             return
@@ -202,18 +242,17 @@ class Document(Buffer):
             y = x if inward else 1 - x
             gain = f32([y, (math.exp(y) - 1) / (f32(math.e) - 1), 1 - math.sin(math.pi / 2 * (1 - y)),
                         y * y, y * y * y][curve])
-            self.change(f, f, lambda s: s * gain)
+            self.amplify(f, f, gain)
 
     def normalize(self, a, b, level):
         values = [frame[c] for frame in self.frames[a:b + 1] for c in self.live()]
         peak = max(max(values), -min(values)) if values else 0.0
-        gain = f32(gain_of(level) / peak) if peak else 0.0
-        self.change(a, b, lambda s: s * gain)
+        self.amplify(a, b, f32(gain_of(level) / peak) if peak else 0.0)
 
-    def clip(self, a, b, level):
-        top = gain_of(level)
-        if a != b:
-            self.change(a, b, lambda s: top if s > 0 and s >= top else -top if s < 0 and s <= -top else s)
+    def clip(self, level):
+        top, last = gain_of(level), len(self.frames) - 1
+        if last:
+            self.change(0, last, lambda s: top if s > 0 and s >= top else -top if s < 0 and s <= -top else s)
 
     def remove_dc(self, a, b):
         for c in self.live() if a != b else []:
@@ -250,38 +289,38 @@ class Document(Buffer):
                 for f in range(p0, min(p1, len(self.frames))):
                     t = (f - p0) / (p1 - p0)
                     bend = [t, (1 - math.cos(math.pi * t)) / 2, 0, t * t][kind]
-                    gain = f32(2 * (v0 + (v1 - v0) * bend))
-                    self.change(f, f, lambda s: s * gain, [c])
-            gain = f32(2 * points[-1][1])
-            self.change(len(self.frames) - 1, len(self.frames) - 1, lambda s: s * gain, [c])
+                    self.amplify(f, f, f32(2 * (v0 + (v1 - v0) * bend)), [c])
+            last = len(self.frames) - 1
+            self.amplify(last, last, f32(2 * points[-1][1]), [c])
 
     def quick(self, number):
-        last = len(self.frames) - 1
-        a, b = self.ordered() if self.selected() else (0, last)
+        a, b = self.range()
         if number in (10, 20, 21, 25) and not self.selected():
             a = b = self.cursor
         if number < 10:
             self.fade(a, b, number // 2, number % 2 == 0)
         elif number in (10, 12, 20, 21):
-            gain = {10: 0.0, 12: -1.0, 20: 0.5, 21: 2.0}[number]
-            self.change(a, b, lambda s: s * gain)
+            self.amplify(a, b, {10: 0.0, 12: -1.0, 20: 0.5, 21: 2.0}[number])
         elif 14 <= number <= 18:
             self.normalize(a, b, (0.0, -0.3, -1.0, -3.0, -6.0)[number - 14])
-        elif number in (22, 23):
-            self.clip(0, last, (-6.0, -12.0)[number - 22])
+        elif number == 24:
+            self.interpolate(a, b if self.selected() else a)
+        elif number in (11, 13):
+            (self.reverse if number == 11 else self.remove_dc)(a, b)
         elif number in (19, 25) and self.channels == 2:
             for frame in self.frames[a:b if number == 19 else b + 1]:
                 frame[:] = [f32(frame[0] - frame[1])] * 2 if number == 19 else frame[::-1]
+        elif number in (22, 23):
+            self.clip(-6.0 if number == 22 else -12.0)
         elif number in (26, 27):
-            self.crossfade_loop((1.0, 0.5)[number - 26])
+            self.crossfade_loop(1.0 if number == 26 else 0.5)
         elif number == 28:
             self.change(self.cursor, self.cursor, lambda s: 1.0)
         elif number == 29:
             self.change(0, self.cursor - 1, lambda s: 0.0)
-            self.change(self.cursor, last, lambda s: 1.0)
-        elif number in (11, 13, 24, 33):
-            {11: self.reverse, 13: self.remove_dc, 24: lambda a, b: self.selected() and self.interpolate(a, b),
-             33: lambda a, b: self.apply_envelope()}[number](a, b)
+            self.change(self.cursor, len(self.frames), lambda s: 1.0)
+        elif number == 33:
+            self.apply_envelope()
 
     def channel(self, op, index):
         frames, here = self.frames, self.envelope
@@ -308,6 +347,37 @@ class Document(Buffer):
                 here.insert(at, copy.deepcopy(here[index]) if op == 14 else self.flat())
 
 
+def truncate_name(level):
+    return "Truncate %ddB" % struct.unpack_from("<i", struct.pack("<d", level))  # what %d finds of a double
+
+
+# Steps that are one edit: history name, when it can be done, what it does.
+EDITS = {
+    "trim": ("Trim crop", lambda d: True if d.selected() else "Create selection first", Document.trim),
+    "insert-silence": ("Insert silence", lambda d, at, n: 0 <= at <= len(d.frames) and n > 0, Document.insert_silence),
+    "normalize": (lambda level: f"Normalize {level:2.2f}dB", lambda d, level: True,
+                  lambda d, level: d.normalize(*d.range(), level)),
+    "volume": (lambda level: f"Volume {level:2.2f}dB", lambda d, level: True,
+               lambda d, level: d.amplify(*d.ordered(), gain_of(level))),
+    "truncate": (truncate_name, lambda d, level: True, lambda d, level: d.clip(level)),
+    "bit-depth": ("Bit depth convertion", lambda d, *_, **__: True, Document.convert),
+    "marker": ("Marker point created", lambda d, p, **_: p >= 0 and d.frames,
+               lambda d, p, label=None: d.add_marker(d.inside(p), label)),
+    "marker-move": ("Marker moved", lambda d, i, p: d.has_marker(i) and p >= 0,
+                    lambda d, i, p: d.markers[i].__setitem__(1, d.inside(p))),
+    "marker-delete": ("Marker deleted", lambda d, i: d.has_marker(i), lambda d, i: d.drop_markers(i, i + 1)),
+    "marker-clear": ("All marker removed", lambda d: True, lambda d: d.drop_markers(0, len(d.markers))),
+    "loop": ("Loop points created", lambda d, a, b: a >= 0 and b >= 0 and d.frames,
+             lambda d, a, b: d.set_loop(d.inside(a), d.inside(b))),
+    "loop-clear": ("All loop points suppr", lambda d: True, lambda d: d.loops.clear()),
+    "envelope-point": ("Volume add", Document.can_add_point, Document.add_point),
+    "envelope-remove": ("Volume point removed", lambda d, i, c: 0 <= c < len(d.envelope)
+                        and 0 < i < len(d.envelope[c]) - 1, lambda d, i, c: d.envelope[c].pop(i)),
+    "envelope-reset": ("Volume reset", lambda d: d.frames, Document.reset_envelope),
+    "envelope-invert": ("Volume reverse", lambda d, c: 0 <= c < len(d.envelope), Document.invert_envelope),
+}
+
+
 class Model:
     def __init__(self, files, paste_replace, answer_yes):
         self.files, self.replace, self.yes = files, paste_replace, answer_yes
@@ -321,7 +391,13 @@ class Model:
         values = [w if name == "open" else QUICK.index(w) if w in QUICK else float(w) if "." in w else int(w)
                   for w in words if w != "all"]
         try:
-            getattr(self, "do_" + name.replace("-", "_"))(*values, **options)
+            if name in EDITS:
+                title, able, routine = EDITS[name]
+                able = able(self.doc, *values, **options)
+                self.need(able and not isinstance(able, str), *([able] if isinstance(able, str) else []))
+                self.edit(title if isinstance(title, str) else title(*values), routine, self.doc, *values, **options)
+            else:
+                getattr(self, "do_" + name.replace("-", "_"))(*values, **options)
         except Refused as refusal:
             self.err += f"message: {refusal}\n" if refusal.args else ""
             self.status = 1
@@ -334,9 +410,9 @@ class Model:
         self.doc.undo.append(self.doc.snapshot())
         self.doc.redo.clear()
 
-    def edit(self, name, routine, *args):
+    def edit(self, name, routine, *args, **options):
         self.record()
-        routine(*args)
+        routine(*args, **options)
         self.done(name)
 
     def need(self, condition, *text):
@@ -360,17 +436,21 @@ class Model:
         self.need(n < len(self.documents))
         self.doc = self.documents[n]
 
-    def do_select(self, a, b):
-        self.doc.selection = [self.doc.inside(a), self.doc.inside(b)]
+    def do_select(self, *ends):
+        self.doc.selection = [self.doc.inside(p) for p in ends]
 
     def do_select_all(self):
         self.do_select(0, len(self.doc.frames) - 1)
 
     def do_select_none(self):
-        self.doc.selection = [0, 0]
+        self.do_select(0, 0)
 
     def do_cursor(self, p):
         self.doc.cursor = self.doc.inside(p)
+
+    def do_marker_select(self, i):
+        self.need(self.doc.has_marker(i))
+        self.doc.selected_marker = i
 
     def do_active(self, **options):
         if not options:
@@ -465,21 +545,6 @@ class Model:
         self.doc.become(self.clip)
         self.doc.modified = True
 
-    def do_trim(self):
-        doc, (a, b) = self.doc, self.doc.ordered()
-        self.need(doc.selected(), "Create selection first")
-        self.record()
-        doc.delete(b + 1, len(doc.frames) - 1)
-        doc.delete(0, a - 1)
-        doc.selection, doc.cursor = [0, 0], 0
-        self.done("Trim crop")
-
-    def do_insert_silence(self, at, n):
-        self.need(0 <= at <= len(self.doc.frames) and n > 0)
-        doc = self.doc
-        self.edit("Insert silence", doc.make_room, [[0.0] * doc.channels for _ in range(n)], at)
-        doc.selection, doc.cursor = [at, at + n - 1], at
-
     def step_over(self, source, target, name):
         self.need(source)
         target.append(self.doc.snapshot())
@@ -511,90 +576,6 @@ class Model:
             self.need(n < 16 or op not in (11, 13, 14), "Channel number exceeded")
             self.need(op != 12 or n > 1)
         self.edit(CHANNEL[op], doc.channel, op, index if op > 11 else 0)
-
-    def do_normalize(self, level):
-        a, b = self.doc.ordered() if self.doc.selected() else (0, len(self.doc.frames) - 1)
-        self.edit(f"Normalize {level:2.2f}dB", self.doc.normalize, a, b, level)
-
-    def do_volume(self, level):
-        gain = gain_of(level)
-        self.edit(f"Volume {level:2.2f}dB", self.doc.change, *self.doc.ordered(), lambda s: s * gain)
-
-    def do_truncate(self, level):
-        low_half = struct.unpack_from("<i", struct.pack("<d", level))[0]  # what %d finds of a double
-        self.edit(f"Truncate {low_half}dB", self.doc.clip, 0, len(self.doc.frames) - 1, level)
-
-    def do_bit_depth(self, bits, format="1", quantization="on", dithering="off"):
-        doc = self.doc
-        self.record()
-        clipped = lambda s: max(-1.0, min(1.0, s))
-        if quantization == "on" and bits == 8:
-            doc.change(0, len(doc.frames), lambda s: (int(clipped(s) * 127 + 128.5) - 128) / 127, range(doc.channels))
-        elif quantization == "on" and bits == 16:
-            doc.change(0, len(doc.frames), lambda s: int(clipped(s) * 32767) / 32767, range(doc.channels))
-        doc.bits, doc.tag = bits, int(format)
-        self.done("Bit depth convertion")
-
-    # Markers, the loop, the envelope
-    def do_marker(self, p, label=None):
-        self.need(p >= 0 and self.doc.frames)
-        self.edit("Marker point created", self.doc.add_marker, self.doc.inside(p), label)
-
-    def marker(self, i):
-        self.need(0 <= i < len(self.doc.markers))
-        return self.doc.markers[i]
-
-    def do_marker_move(self, i, p):
-        self.need(self.marker(i) and p >= 0)
-        self.record()
-        self.marker(i)[1] = self.doc.inside(p)
-        self.done("Marker moved")
-
-    def do_marker_delete(self, i):
-        self.marker(i)
-        self.doc.selected_marker = None
-        self.edit("Marker deleted", self.doc.markers.pop, i)
-
-    def do_marker_clear(self):
-        self.doc.selected_marker = None
-        self.edit("All marker removed", self.doc.markers.clear)
-
-    def do_marker_select(self, i):
-        self.marker(i)
-        self.doc.selected_marker = i
-
-    def do_loop(self, a, b):
-        self.need(a >= 0 and b >= 0 and self.doc.frames)
-        self.edit("Loop points created", self.doc.set_loop, self.doc.inside(a), self.doc.inside(b))
-
-    def do_loop_clear(self):
-        self.edit("All loop points suppr", self.doc.loops.clear)
-
-    def do_envelope_point(self, p, value, c, kind="0"):
-        doc, kind = self.doc, int(kind)
-        self.need(0 < p < len(doc.frames) and 0 <= c < doc.channels and 0 <= kind < 4 and 0 <= value <= 1)
-        self.need(not doc.envelope or p not in [point[0] for point in doc.envelope[c]])
-        self.need(doc.envelope or p < len(doc.frames) - 1)
-        self.record()
-        if not doc.envelope:
-            doc.reset_envelope()
-        doc.envelope[c] = sorted([*doc.envelope[c], [p, f32(value), kind]])
-        self.done("Volume add")
-
-    def do_envelope_remove(self, i, c):
-        self.need(0 <= c < len(self.doc.envelope) and 0 < i < len(self.doc.envelope[c]) - 1)
-        self.edit("Volume point removed", self.doc.envelope[c].pop, i)
-
-    def do_envelope_reset(self):
-        self.need(self.doc.frames)
-        self.edit("Volume reset", self.doc.reset_envelope)
-
-    def do_envelope_invert(self, c):
-        self.need(0 <= c < len(self.doc.envelope))
-        self.record()
-        for point in self.doc.envelope[c]:
-            point[1] = f32(1 - point[1])
-        self.done("Volume reverse")
 
     def do_envelope_clear(self):
         self.need(self.doc.envelope)
