@@ -131,22 +131,18 @@ def read_wav(data):
         if name == b"fmt ":
             wave.tag, wave.channels, wave.rate, _, _, wave.bits = struct.unpack_from("<HHIIHH", body)
         elif name == b"data":
-            step = wave.bits // 8
-            raw = [body[i:i + step] for i in range(0, len(body) - step + 1, step)]
-            decode = {(8, 1): lambda b: (b[0] - 128) / 127,
-                      (16, 1): lambda b: struct.unpack("<h", b)[0] / 32767,
-                      (24, 1): lambda b: struct.unpack("<i", b"\0" + b)[0] / 2**31,
-                      (32, 1): lambda b: struct.unpack("<i", b)[0] / 2**31,
-                      (32, 3): lambda b: struct.unpack("<f", b)[0]}[wave.bits, wave.tag]
-            values = [f32(decode(b)) for b in raw]
+            step, values = wave.bits // 8, []
+            for i in range(0, len(body), step):
+                whole = int.from_bytes(body[i:i + step], "little", signed=step > 1)
+                values.append(struct.unpack_from("<f", body, i)[0] if wave.tag == 3 else f32(
+                    (whole - 128) / 127 if step == 1 else whole / (32767 if step == 2 else 2**(8 * step - 1))))
             wave.frames = [values[i:i + wave.channels] for i in range(0, len(values), wave.channels)]
         elif name == b"cue ":
             wave.markers = [[*struct.unpack_from("<II", body, i), None] for i in range(4, size, 24)]
         elif name == b"smpl":
             wave.note = struct.unpack_from("<I", body, 12)[0]
-            for i in range(36, size, 24):
-                _, kind, start, end, _, count = struct.unpack_from("<6I", body, i)
-                wave.loops.append([start, end, kind, count])
+            loops = [struct.unpack_from("<6I", body, i) for i in range(36, size, 24)]
+            wave.loops = [[start, end, kind, count] for _, kind, start, end, _, count in loops]
         elif name == b"otom":
             wave.length, i = len(wave.frames), 24
             for _ in range(wave.channels):
@@ -183,7 +179,7 @@ class Document(Buffer):
     def selected(self):
         return self.selection[0] != self.selection[1]
 
-    def range(self):
+    def extent(self):
         return self.ordered() if self.selected() else [0, len(self.frames) - 1]
 
     def has_marker(self, i):
@@ -238,11 +234,9 @@ class Document(Buffer):
         if a == b:
             return
         for f in range(a, b + 1):
-            x = (f - a) / (b - a)
-            y = x if inward else 1 - x
-            gain = f32([y, (math.exp(y) - 1) / (f32(math.e) - 1), 1 - math.sin(math.pi / 2 * (1 - y)),
-                        y * y, y * y * y][curve])
-            self.amplify(f, f, gain)
+            y = (f - a if inward else b - f) / (b - a)
+            curves = [y, (math.exp(y) - 1) / (f32(math.e) - 1), 1 - math.sin(math.pi / 2 * (1 - y)), y * y, y * y * y]
+            self.amplify(f, f, f32(curves[curve]))
 
     def normalize(self, a, b, level):
         values = [frame[c] for frame in self.frames[a:b + 1] for c in self.live()]
@@ -294,7 +288,7 @@ class Document(Buffer):
             self.amplify(last, last, f32(2 * points[-1][1]), [c])
 
     def quick(self, number):
-        a, b = self.range()
+        a, b = self.extent()
         if number in (10, 20, 21, 25) and not self.selected():
             a = b = self.cursor
         if number < 10:
@@ -353,10 +347,10 @@ def truncate_name(level):
 
 # Steps that are one edit: history name, when it can be done, what it does.
 EDITS = {
-    "trim": ("Trim crop", lambda d: True if d.selected() else "Create selection first", Document.trim),
+    "trim": ("Trim crop", lambda d: d.selected() or "Create selection first", Document.trim),
     "insert-silence": ("Insert silence", lambda d, at, n: 0 <= at <= len(d.frames) and n > 0, Document.insert_silence),
     "normalize": (lambda level: f"Normalize {level:2.2f}dB", lambda d, level: True,
-                  lambda d, level: d.normalize(*d.range(), level)),
+                  lambda d, level: d.normalize(*d.extent(), level)),
     "volume": (lambda level: f"Volume {level:2.2f}dB", lambda d, level: True,
                lambda d, level: d.amplify(*d.ordered(), gain_of(level))),
     "truncate": (truncate_name, lambda d, level: True, lambda d, level: d.clip(level)),
@@ -394,12 +388,12 @@ class Model:
             if name in EDITS:
                 title, able, routine = EDITS[name]
                 able = able(self.doc, *values, **options)
-                self.need(able and not isinstance(able, str), *([able] if isinstance(able, str) else []))
+                self.need(able and not isinstance(able, str), able)
                 self.edit(title if isinstance(title, str) else title(*values), routine, self.doc, *values, **options)
             else:
                 getattr(self, "do_" + name.replace("-", "_"))(*values, **options)
         except Refused as refusal:
-            self.err += f"message: {refusal}\n" if refusal.args else ""
+            self.err += f"message: {refusal}\n" if str(refusal) else ""
             self.status = 1
 
     def done(self, name):
@@ -415,9 +409,9 @@ class Model:
         routine(*args, **options)
         self.done(name)
 
-    def need(self, condition, *text):
+    def need(self, condition, text=None):
         if not condition:
-            raise Refused(*text)
+            raise Refused(text or "")
 
     # Documents and what is selected in them
     def add(self, document):
@@ -522,6 +516,7 @@ class Model:
         self.done("Paste")
 
     def mix_at(self, positions, name):
+        self.need(self.clip and positions)
         self.fits(self.doc.channels)
         doc, start = self.doc, self.doc.cursor
         self.record()
@@ -532,11 +527,9 @@ class Model:
         self.done(name)
 
     def do_paste_mix(self):
-        self.need(self.clip)
         self.mix_at([self.doc.cursor], "Paste and mix")
 
     def do_paste_mix_markers(self):
-        self.need(self.clip and self.doc.markers)
         self.mix_at([position for _, position, _ in self.doc.markers], "Paste and mix at marker")
 
     def do_paste_new(self):
@@ -592,18 +585,18 @@ class Model:
 
     def do_state(self):
         d, clip = self.doc, self.clip
-        self.out.append({
+        named = lambda keys, rows: [dict(zip(keys.split(), row)) for row in rows]
+        envelope = [named("position value kind", points) for points in d.envelope]
+        self.out.append(json.dumps({
             "file": d.file, "title": d.title, "format_tag": d.tag, "channels": d.channels, "rate": d.rate,
             "bits": d.bits, "frames": len(d.frames), "selection": d.selection, "cursor": d.cursor,
             "active": d.active[:d.channels], "modified": d.modified, "can_undo": bool(d.undo),
-            "can_redo": bool(d.redo), "markers": [dict(zip(("id", "position", "label"), m)) for m in d.markers],
-            "loops": [dict(zip(("start", "end", "type", "play_count"), loop)) for loop in d.loops],
-            "unity_note": d.note, "envelope": {"length": d.length, "channels": [
-                [dict(zip(("position", "value", "kind"), p)) for p in points] for points in d.envelope]}
-            if d.envelope else None, "extra_chunks": [{"id": "ETTA", "size": 32}],
-            "clipboard": {"channels": clip.channels, "rate": clip.rate, "bits": clip.bits,
-                          "frames": len(clip.frames)} if clip else None, "documents": len(self.documents)})
-        self.out[-1] = json.dumps(self.out[-1])
+            "can_redo": bool(d.redo), "markers": named("id position label", d.markers),
+            "loops": named("start end type play_count", d.loops), "unity_note": d.note,
+            "envelope": {"length": d.length, "channels": envelope} if envelope else None,
+            "extra_chunks": [{"id": "ETTA", "size": 32}], "documents": len(self.documents),
+            "clipboard": clip and {"channels": clip.channels, "rate": clip.rate, "bits": clip.bits,
+                                   "frames": len(clip.frames)}}))
 
     def do_stats(self, levels="on"):
         self.out += statistics(self.doc, levels == "on")
@@ -613,24 +606,19 @@ def statistics(d, levels):
     """The report's lines, each closed by a carriage return."""
     a, b = sorted(d.selection) if d.selected() else (0, len(d.frames))
     frames = d.frames[a:b] or d.frames or [[0.0] * d.channels]
-    line = []
-    if levels:
-        line.append("Statistics:")
-        columns = [[frame[c] for frame in frames] for c in range(d.channels)]
-        figures = [("RMS power", "", "\t\t", lambda s: math.sqrt(math.fsum(x * x for x in s) / len(s))),
-                   ("Average value", " (DC offset)", "\t", lambda s: math.fsum(s) / len(s)),
-                   ("Min value", "", "\t\t", min), ("Max value", "", "\t\t", max)]
-        rule = ["\t" + "-" * 35] if d.channels > 2 else []
+    line = ["Statistics:"] if levels else []
+    rule = ["\t" + "-" * 35] if levels and d.channels > 2 else []
+    figures = [("RMS power", "", "\t\t", lambda s: math.sqrt(math.fsum(x * x for x in s) / len(s))),
+               ("Average value", " (DC offset)", "\t", lambda s: math.fsum(s) / len(s)),
+               ("Min value", "", "\t\t", min), ("Max value", "", "\t\t", max)]
+    for title, tail, tabs, figure in figures if levels else []:
         line += rule
-        for title, tail, tabs, figure in figures:
-            for c, column in enumerate(columns):
-                v = f32(figure(column))
-                decibels = "%2.2f" % (20 * math.log10(abs(v))) if v else "-inf"
-                ch = "" if d.channels == 1 else " " + "LR"[c] if d.channels == 2 else \
-                    f" {c}" if tail else f" ch{c}"
-                colon = " :" if d.channels == 1 else ":"
-                line.append(f"\t{title}{ch}{tail}{colon}{tabs}{v * 100.0:2.2f}%\t({decibels} dB)")
-            line += rule
+        for c in range(d.channels):
+            v = f32(figure([frame[c] for frame in frames]))
+            decibels = "%2.2f" % (20 * math.log10(abs(v))) if v else "-inf"
+            which = {1: f"{tail} ", 2: " " + "LR"[c % 2] + tail}.get(d.channels, f" {'' if tail else 'ch'}{c}{tail}")
+            line.append(f"\t{title}{which}:{tabs}{v * 100.0:2.2f}%\t({decibels} dB)")
+    line += rule
     ms = len(d.frames) * 1000 // d.rate
     line += ["General information:", f"\tSample name:\t\t{d.file}", f"\tChannel number:\t\t{d.channels}",
              f"\tSample number:\t\t{len(d.frames)}",
