@@ -148,8 +148,11 @@ std::optional<Refusal> runInsertSilence(CommandCall& call) {
 
 // ---- Undo and redo --------------------------------------------------------------------------------------
 
-std::optional<Refusal> refusalOf(UndoResult result, const char* lost) {
-  if (result == UndoResult::done) return std::nullopt;
+std::optional<Refusal> conclude(CommandCall& call, UndoResult result, const char* lost) {
+  if (result == UndoResult::done) {
+    call.doc.selectedMarker.reset();  // its number may mean another marker now
+    return std::nullopt;
+  }
   return Refusal{result == UndoResult::samplesMissing ? lost : ""};
 }
 
@@ -159,12 +162,12 @@ void beforeStep(CommandCall& call) {
 
 std::optional<Refusal> runUndo(CommandCall& call) {
   beforeStep(call);
-  return refusalOf(call.doc.journal().undo(), kUndoLost);
+  return conclude(call, call.doc.journal().undo(), kUndoLost);
 }
 
 std::optional<Refusal> runRedo(CommandCall& call) {
   beforeStep(call);
-  return refusalOf(call.doc.journal().redo(), kRedoLost);
+  return conclude(call, call.doc.journal().redo(), kRedoLost);
 }
 
 std::optional<Refusal> doNothing(CommandCall&) { return std::nullopt; }

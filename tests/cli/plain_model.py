@@ -384,6 +384,7 @@ class Model:
         options = dict(w.split("=", 1) for w in step[1:] if "=" in w)
         values = [w if name == "open" else QUICK.index(w) if w in QUICK else float(w) if "." in w else int(w)
                   for w in words if w != "all"]
+        doc, markers = self.doc, len(self.doc.markers) if self.doc else 0
         try:
             if name in EDITS:
                 title, able, routine = EDITS[name]
@@ -395,6 +396,9 @@ class Model:
         except Refused as refusal:
             self.err += f"message: {refusal}\n" if str(refusal) else ""
             self.status = 1
+        else:
+            if doc and (len(doc.markers) < markers or name in ("undo", "redo")):
+                doc.selected_marker = None  # its number may mean another one now
 
     def done(self, name):
         self.names.append(name)

@@ -156,6 +156,18 @@ TEST_F(Commands, DeleteTakesASelectedMarkerInsteadOfAudio) {
   EXPECT_EQ(doc_->wave().frames(), 99);
 }
 
+TEST_F(Commands, AClickedMarkerIsForgottenWhenItsNumberMayMeanAnother) {
+  for (int p : {1, 50, 70}) run("marker", {at(p)});
+  doc_->selectedMarker = 1;
+  doc_->select(0, 5);
+  run("cut");  // takes the first marker along
+  ASSERT_TRUE(run("delete"));
+  EXPECT_EQ(markerPositions(doc_->wave()), (std::vector<int>{43, 63}));
+  doc_->selectedMarker = 1;
+  run("undo");
+  EXPECT_FALSE(doc_->selectedMarker);
+}
+
 TEST_F(Commands, AnnotationsAreEditedAndUndoneWithTheirIds) {
   for (int p : {10, 20, 30}) run("marker", {at(p)});
   run("marker-delete", {number(0)});
