@@ -28,7 +28,7 @@ struct FrameOrTime {
 using ParameterValue = std::variant<bool, int64_t, double, std::string, FrameOrTime>;
 
 // One value of a parameter that has few, as a dialog offers it.
-struct Choice {
+struct ParameterChoice {
   int64_t value;
   std::string label;
 };
@@ -46,7 +46,7 @@ struct Parameter {
   const char* outOfBounds;  // message; "" refuses without one
   const char* settingsKey = "";  // under which a dialog stores it, where that is not `key`
   // The values that a dialog offers for a document; null when it asks for a number.
-  std::vector<Choice> (*choices)(const CPlumettaDoc&) = nullptr;
+  std::vector<ParameterChoice> (*choices)(const CPlumettaDoc&) = nullptr;
 
   const char* storedAs() const { return *settingsKey != '\0' ? settingsKey : key; }
 };

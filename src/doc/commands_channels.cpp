@@ -93,8 +93,8 @@ std::string channelName(CommandCall& call) {
   return EffectNames[static_cast<size_t>(effect::kFirstChannelOperation + call.command.number)];
 }
 
-std::vector<Choice> presentChannels(const CPlumettaDoc& doc) {
-  std::vector<Choice> choices;
+std::vector<ParameterChoice> presentChannels(const CPlumettaDoc& doc) {
+  std::vector<ParameterChoice> choices;
   const int count = doc.wave().channels();
   for (int i = 0; i < count; ++i) {
     const char* side = count != 2 ? "" : i == 0 ? " (left)" : " (right)";
@@ -103,9 +103,9 @@ std::vector<Choice> presentChannels(const CPlumettaDoc& doc) {
   return choices;
 }
 
-std::vector<Choice> placesForChannel(const CPlumettaDoc& doc) {
+std::vector<ParameterChoice> placesForChannel(const CPlumettaDoc& doc) {
   auto choices = presentChannels(doc);
-  for (Choice& choice : choices) choice.label = "Before channel " + choice.label;
+  for (ParameterChoice& choice : choices) choice.label = "Before channel " + choice.label;
   choices.push_back({doc.wave().channels(), "After the last channel"});
   return choices;
 }

@@ -90,15 +90,15 @@ std::optional<Refusal> runBitDepth(CommandCall& call) {
   return std::nullopt;
 }
 
-std::vector<Choice> bitDepths(const CPlumettaDoc&) {
+std::vector<ParameterChoice> bitDepths(const CPlumettaDoc&) {
   return {{8, "8"}, {16, "16"}, {24, "24"}, {32, "32"}, {64, "64"}};
 }
 
-std::vector<Choice> sampleFormats(const CPlumettaDoc&) {
+std::vector<ParameterChoice> sampleFormats(const CPlumettaDoc&) {
   return {{kFormatPcm, "PCM"}, {kFormatFloat, "Float"}, {kFormatALaw, "A-law"}, {kFormatMuLaw, "\xC2\xB5-law"}};
 }
 
-std::vector<Choice> ditheringTypes(const CPlumettaDoc&) { return {{0, "Half a step"}, {1, "One step"}}; }
+std::vector<ParameterChoice> ditheringTypes(const CPlumettaDoc&) { return {{0, "Half a step"}, {1, "One step"}}; }
 
 std::vector<Parameter> bitDepthParameters() {
   return {
