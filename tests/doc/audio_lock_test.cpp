@@ -55,8 +55,8 @@ TEST(AudioLock, CommandsNeverChangeWhatPlaybackReads) {
   });
   for (int round = 0; round < 3; ++round) {
     doc.select(100, 30000);
-    for (const char* id : {"quick-2", "quick-11", "quick-13", "quick-25", "cut", "paste", "paste-mix", "channel-11",
-                           "channel-12", "trim", "normalize", "undo", "undo", "redo"}) {
+    for (const char* id : {"quick-2", "quick-11", "quick-13", "quick-25", "cut", "paste", "paste-mix",
+                           "channel-11", "channel-12", "trim", "normalize", "undo", "undo", "redo"}) {
       runCommand(doc, *findCommand(id));
     }
   }

@@ -48,7 +48,7 @@ class Commands : public ::testing::Test {
   AudioLock lock_;
   HistoryList history_;
   EditSettings settings_;
-  std::unique_ptr<CWave> clipboard_;
+  std::shared_ptr<const CWave> clipboard_;
   FailingFileSystem files_{-1};
   UndoFolder undoFolder_{files_, folder_.path()};
   DocumentServices services_{files_, undoFolder_, lock_, prompter_, history_, settings_, clipboard_};
