@@ -36,7 +36,7 @@ TEST(AudioLock, CommandsNeverChangeWhatPlaybackReads) {
   AudioLock lock;
   HistoryList history;
   EditSettings settings;
-  std::unique_ptr<CWave> clipboard;
+  std::shared_ptr<const CWave> clipboard;
   DocumentServices services{files, folder, lock, prompter, history, settings, clipboard};
   CPlumettaDoc doc(services);
   doc.createNew(8000, 2, 32, 0, kFormatFloat);
