@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numbers>
 
 #include "dsp/bit_depth.h"
 #include "dsp/channel_layout.h"
@@ -36,7 +37,7 @@ std::vector<float> samplesOf(const CWave& wave, int channel = 0) {
 }
 
 TEST(Fade, EveryCurveFollowsItsFormula) {
-  constexpr double kE = static_cast<float>(M_E);
+  constexpr double kE = static_cast<float>(std::numbers::e);
   const auto formula = [](int curve, double x) {
     switch (curve) {
       case 0:
@@ -44,7 +45,7 @@ TEST(Fade, EveryCurveFollowsItsFormula) {
       case 1:
         return (std::exp(x) - 1) / (kE - 1);
       case 2:
-        return 1 - std::sin(M_PI / 2 * (1 - x));
+        return 1 - std::sin(std::numbers::pi / 2 * (1 - x));
       case 3:
         return x * x;
       default:
