@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "doc/command.h"
@@ -188,6 +189,27 @@ TEST_F(Commands, AnnotationsAreEditedAndUndoneWithTheirIds) {
   EXPECT_EQ(doc_->wave().loops.start(0), 40);
 }
 
+TEST_F(Commands, MarkersOnGridLinesAndWhereSoundsBegin) {
+  doc_->select(20, 59);
+  ASSERT_TRUE(run("marker-grid", {number(4)}));
+  EXPECT_EQ(markerPositions(doc_->wave()), (std::vector<int>{20, 30, 40, 50}));
+  ASSERT_TRUE(run("marker-grid", {number(2)}));  // no marker twice at one place
+  EXPECT_EQ(doc_->wave().markers.count(), 4);
+  EXPECT_FALSE(run("marker-grid", {number(0)}));
+
+  doc_->createNew(8000, 2, 16, 16000, kFormatPcm);
+  for (const int start : {3000, 9013}) {
+    for (int i = 0; i < 4000; ++i) {
+      doc_->wave().setSample(start + i, 1, 0.5f * std::sin(0.4f * static_cast<float>(i + 1)));
+    }
+  }
+  ASSERT_TRUE(run("auto-slice"));
+  ASSERT_EQ(doc_->wave().markers.count(), 2);
+  EXPECT_NEAR(doc_->wave().markers[0].position, 3000, 2);
+  EXPECT_NEAR(doc_->wave().markers[1].position, 9013, 2);
+  EXPECT_EQ(history_.names().back(), "Auto slice region");
+}
+
 TEST_F(Commands, EnvelopeComesToLifeWithItsFirstPoint) {
   const auto point = [&](double frame, double value, int64_t channel, int64_t kind) {
     return run("envelope-point", {at(frame), value, channel, kind});
@@ -213,9 +235,12 @@ TEST_F(Commands, EnvelopeComesToLifeWithItsFirstPoint) {
   EXPECT_EQ(prompter_.questions.back(), "Do you want to delete all the volume envelope?");
   prompter_.answer = true;
   EXPECT_TRUE(run("envelope-clear"));
+  EXPECT_TRUE(run("envelope-create"));
+  EXPECT_FALSE(run("envelope-create"));
   EXPECT_TRUE(run("envelope-reset"));
-  EXPECT_EQ(history_.names(), (std::vector<std::string>{"Volume add", "Volume point removed",
-                                                        "Volume delete all", "Volume reset"}));
+  EXPECT_EQ(history_.names(),
+            (std::vector<std::string>{"Volume add", "Volume point removed", "Volume delete all",
+                                      "Volume created", "Volume reset"}));
 }
 
 TEST_F(Commands, PeaksFollowTheSamples) {
