@@ -73,7 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   AudioLock lock;
   HistoryList history;
   EditSettings settings;
-  std::unique_ptr<CWave> clipboard;
+  std::shared_ptr<const CWave> clipboard;
   DocumentServices services{files, folder, lock, prompter, history, settings, clipboard};
   CPlumettaDoc doc(services);
   Bytes bytes(data, size);

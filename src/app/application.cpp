@@ -3,15 +3,21 @@
 
 #include <algorithm>
 
+#include "formats/clipboard_image.h"
 #include "platform/paths.h"
 
 namespace plumetta {
+namespace {
+
+constexpr const char* kPastedName = "paste.wav";
+
+}  // namespace
 
 Application::Application(Prompter& prompter, FileSystem& files, const std::string& home)
     : home_(programFolder(home)),
       settingsFile_(joinPath(home_, "plumetta.cfg")),
       undoFolder_(files, home_),
-      services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_} {
+      services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr} {
   if (!home.empty()) {
     if (const auto error = files.makeFolders(home_)) {
       prompter.message("Unable to make the folder " + home_ + "\n" + error.message());
@@ -48,15 +54,36 @@ CPlumettaDoc* Application::newDocument(uint32_t sampleRate, int channels, int bi
 }
 
 CPlumettaDoc* Application::pasteAsNewDocument() {
-  constexpr const char* kPastedName = "paste.wav";
   if (clipboard_ == nullptr) return nullptr;
   auto document = std::make_unique<CPlumettaDoc>(services_);
   if (!document->wave().copyFrom(*clipboard_)) {
     prompter().message("There is not enough memory for this.");
     return nullptr;
   }
+  return adoptPasted(std::move(document), kPastedName);
+}
+
+CPlumettaDoc* Application::pasteFromSystemClipboard() {
+  SystemClipboard* clipboard = services_.systemClipboard;
+  const auto image = clipboard != nullptr ? clipboard->waveImage() : std::nullopt;
+  if (!image) {
+    prompter().message("The system clipboard holds no audio.");
+    return nullptr;
+  }
+  auto document = std::make_unique<CPlumettaDoc>(services_);
+  const LoadResult result = readClipboardImage(*image, document->wave());
+  if (result.status != LoadStatus::loaded) {
+    prompter().message("The audio on the system clipboard can't be read." +
+                       (result.reason.empty() ? "" : "\n" + result.reason));
+    return nullptr;
+  }
+  for (const std::string& warning : result.warnings) prompter().message(warning);
+  return adoptPasted(std::move(document), "paste from clipboard.wav");
+}
+
+CPlumettaDoc* Application::adoptPasted(std::unique_ptr<CPlumettaDoc> document, const char* title) {
   document->wave().setFileName(kPastedName);
-  document->setTitle(kPastedName);
+  document->setTitle(title);
   document->setModified(true);
   return documents_.emplace_back(std::move(document)).get();
 }

@@ -35,6 +35,8 @@ class Application {
   Prompter& prompter() { return services_.prompter; }
   FileSystem& files() { return services_.files; }
   HistoryList& history() { return history_; }
+  // Must outlive the application or be taken away again.
+  void setSystemClipboard(SystemClipboard* clipboard) { services_.systemClipboard = clipboard; }
   const CWave* clipboard() const { return clipboard_.get(); }
 
   // A document of its own, untitled and silent for a tenth of a second. Never null.
@@ -46,17 +48,22 @@ class Application {
   // A copy of the clipboard buffer as a document of its own, "paste.wav"; null when there is nothing to
   // paste, or no memory (a message has said so).
   CPlumettaDoc* pasteAsNewDocument();
+  // The audio that another program has put on the system clipboard; null when there is none or it can't be
+  // read (a message has said so).
+  CPlumettaDoc* pasteFromSystemClipboard();
   void closeDocument(CPlumettaDoc& document);
   // In the order of opening.
   const std::vector<std::unique_ptr<CPlumettaDoc>>& documents() const { return documents_; }
 
  private:
+  CPlumettaDoc* adoptPasted(std::unique_ptr<CPlumettaDoc> document, const char* title);
+
   std::string home_;
   AudioLock audioLock_;
   HistoryList history_;
   Settings settings_;
   SettingsFile settingsFile_;
-  std::unique_ptr<CWave> clipboard_;
+  std::shared_ptr<const CWave> clipboard_;
   UndoFolder undoFolder_;
   DocumentServices services_;
   std::vector<std::unique_ptr<CPlumettaDoc>> documents_;

@@ -49,12 +49,14 @@ void CDoUndo::push(std::unique_ptr<UndoStep> step) {
     --current_;
   }
   slots_[current_++] = std::move(step);
+  ++revision_;
 }
 
 UndoResult CDoUndo::undo() {
   if (!canUndo()) return UndoResult::nothing;
   if (!exchange(slots_[current_ - 1])) return UndoResult::samplesMissing;
   --current_;
+  ++revision_;
   return UndoResult::done;
 }
 
@@ -62,6 +64,7 @@ UndoResult CDoUndo::redo() {
   if (!canRedo()) return UndoResult::nothing;
   if (!exchange(slots_[current_])) return UndoResult::samplesMissing;
   ++current_;
+  ++revision_;
   return UndoResult::done;
 }
 
@@ -102,6 +105,7 @@ std::vector<std::string> CDoUndo::stepNames() const {
 void CDoUndo::destroy() {
   for (auto& slot : slots_) slot.reset();
   current_ = 0;
+  ++revision_;
 }
 
 }  // namespace plumetta

@@ -48,6 +48,8 @@ class CDoUndo {
   size_t undoCount() const { return current_; }
   // The steps' names, the oldest first; the first `undoCount()` can be undone, the rest redone.
   std::vector<std::string> stepNames() const;
+  // Another number whenever steps or names may have changed.
+  uint64_t revision() const { return revision_; }
   void destroy();
 
  private:
@@ -61,6 +63,7 @@ class CDoUndo {
   DisplayState* display_ = nullptr;
   std::array<std::unique_ptr<UndoStep>, kSlots> slots_;
   size_t current_ = 0;  // undoable steps; the slots from here on hold redo steps
+  uint64_t revision_ = 0;
   unsigned fileCounter_ = 0;
   uint8_t inRam_ = 1;
 };

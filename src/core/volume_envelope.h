@@ -67,8 +67,8 @@ class CVolumeEnvelope {
   // The gain at a frame: 1 when inactive, 0 at or beyond the length. Exactly at a point it is that point's
   // stored value, not doubled, for the view reads point values through this.
   float gainAt(int32_t position, int channel) const;
-  // Multiplies `frames` frames of interleaved samples, `channelCount()` to a frame, that stand from frame `first`
-  // of the buffer on.
+  // Multiplies `frames` frames of interleaved samples, `channelCount()` to a frame, that stand from frame
+  // `first` of the buffer on.
   void apply(float* samples, int32_t first, int32_t frames) const;
 
  private:

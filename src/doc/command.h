@@ -27,9 +27,15 @@ struct FrameOrTime {
 
 using ParameterValue = std::variant<bool, int64_t, double, std::string, FrameOrTime>;
 
+// One value of a parameter that has few, as a dialog offers it.
+struct ParameterChoice {
+  int64_t value;
+  std::string label;
+};
+
 // What a command asks for: once, for dialogs, stored values and steps of the command line alike.
 struct Parameter {
-  const char* key;    // name in a call ("label=..."), and key under which a dialog stores it
+  const char* key;    // name in a call ("label=...")
   const char* label;  // in a dialog
   const char* unit;   // "" for none
   ParameterType type;
@@ -37,7 +43,12 @@ struct Parameter {
   ParameterValue fallback;
   double minimum;  // of numbers; frames are the command's own business
   double maximum;
-  const char* outOfBounds;  // message; "" refuses without one
+  const char* outOfBounds;       // message; "" refuses without one
+  const char* settingsKey = "";  // under which a dialog stores it, where that is not `key`
+  // The values that a dialog offers for a document; null when it asks for a number.
+  std::vector<ParameterChoice> (*choices)(const CPlumettaDoc&) = nullptr;
+
+  const char* storedAs() const { return *settingsKey != '\0' ? settingsKey : key; }
 };
 
 using Arguments = std::vector<ParameterValue>;
@@ -76,6 +87,10 @@ struct Command {
   enum class Changes { nothing, annotations, samples } changes;
   // Which one of a family of commands that share their functions: the effect, the channel operation.
   int number = 0;
+  // Where its dialog keeps the last values, where that is not `id`.
+  const char* settingsSection = "";
+
+  const char* storedIn() const { return *settingsSection != '\0' ? settingsSection : id; }
 };
 
 // One run of a command on a document with its arguments.

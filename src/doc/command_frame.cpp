@@ -69,7 +69,10 @@ CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments a
     doc.journal().setInRam(doc.services().settings.undoInRam ? 1 : 0);
     step = doc.journal().makeStep(*kind);
   }
+  const int markers = doc.wave().markers.count();
   if (const auto refusal = runUnderLock(call, command)) return refuse(doc, *refusal);
+  // A marker that was clicked goes by its number, which may mean another one now.
+  if (doc.wave().markers.count() < markers) doc.selectedMarker.reset();
   const std::string name = call.named && command.historyName != nullptr ? command.historyName(call) : "";
   if (step) {
     step->setName(name);

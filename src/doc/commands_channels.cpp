@@ -35,7 +35,9 @@ constexpr std::array<const char*, 16> kMenuTexts{
 // clang-format on
 
 // The channel that is meant; checked before it is used.
-int channelOf(const CommandCall& call) { return static_cast<int>(call.integer(0)); }
+int channelOf(const CommandCall& call) {
+  return call.command.number >= kDelete ? static_cast<int>(call.integer(0)) : 0;
+}
 
 std::optional<Refusal> checkMono(const CommandCall& call, const CWave& wave) {
   const int operation = call.command.number;
@@ -93,6 +95,31 @@ std::string channelName(CommandCall& call) {
   return EffectNames[static_cast<size_t>(effect::kFirstChannelOperation + call.command.number)];
 }
 
+std::vector<ParameterChoice> presentChannels(const CPlumettaDoc& doc) {
+  std::vector<ParameterChoice> choices;
+  const int count = doc.wave().channels();
+  for (int i = 0; i < count; ++i) {
+    const char* side = count != 2 ? "" : i == 0 ? " (left)" : " (right)";
+    choices.push_back({i, std::to_string(i + 1) + side});
+  }
+  return choices;
+}
+
+std::vector<ParameterChoice> placesForChannel(const CPlumettaDoc& doc) {
+  auto choices = presentChannels(doc);
+  for (ParameterChoice& choice : choices) choice.label = "Before channel " + choice.label;
+  choices.push_back({doc.wave().channels(), "After the last channel"});
+  return choices;
+}
+
+// Of the operations on one channel; the others ask for nothing.
+std::vector<Parameter> parametersOf(int operation) {
+  if (operation < kDelete) return {};
+  const bool place = operation == kInsert;
+  return {{"index", place ? "Position" : "Channel", "", ParameterType::integer, false, int64_t{0}, -1e9, 1e9,
+           "", "", place ? placesForChannel : presentChannels}};
+}
+
 }  // namespace
 
 std::vector<Command> channelCommands() {
@@ -101,22 +128,12 @@ std::vector<Command> channelCommands() {
     for (size_t i = 0; i < all.size(); ++i) all[i] = "channel-" + std::to_string(i);
     return all;
   }();
-  const Parameter index{"index", "Channel", "counted from 0", ParameterType::integer, false, int64_t{0}, -1e9,
-                        1e9,     ""};
   std::vector<Command> commands;
   for (size_t i = 0; i < kMenuTexts.size(); ++i) {
-    commands.push_back({ids[i].c_str(),
-                        kMenuTexts[i],
-                        "",
-                        Menu::channel,
-                        {index},
-                        checkChannel,
-                        undoAs<UndoKind::layout>,
-                        Lock::throughout,
-                        runChannel,
-                        channelName,
-                        Command::Changes::samples,
-                        static_cast<int>(i)});
+    const auto operation = static_cast<int>(i);
+    commands.push_back({ids[i].c_str(), kMenuTexts[i], "", Menu::channel, parametersOf(operation),
+                        checkChannel, undoAs<UndoKind::layout>, Lock::throughout, runChannel, channelName,
+                        Command::Changes::samples, operation, "Channel"});
   }
   return commands;
 }

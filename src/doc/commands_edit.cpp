@@ -14,12 +14,36 @@ constexpr const char* kNoMemory = "There is not enough memory for this.";
 constexpr const char* kUndoLost = "This step can't be undone: its samples could not be kept.";
 constexpr const char* kRedoLost = "This step can't be redone: its samples could not be kept.";
 
+// Every channel of the range, whereas the clipboard buffer takes the active ones alone.
+std::shared_ptr<const CWave> copyAllChannels(const CWave& wave, int32_t first, int32_t last) {
+  auto copy = std::make_shared<CWave>();
+  if (!copy->create(wave.sampleRate(), wave.channels(), wave.bitsPerSample(), int64_t{last} - first + 1,
+                    wave.formatTag())) {
+    return nullptr;
+  }
+  const float* from = wave.samples() + static_cast<size_t>(first) * static_cast<size_t>(wave.channels());
+  std::copy_n(from, copy->sampleCount(), copy->samples());
+  return copy;
+}
+
+// The system clipboard gets every channel, and all frames but the one at the upper bound.
+void offerToSystem(CPlumettaDoc& doc, int32_t first, int32_t last) {
+  const DocumentServices& services = doc.services();
+  if (services.systemClipboard == nullptr) return;
+  const auto audio = doc.wave().allActive() ? services.clipboard : copyAllChannels(doc.wave(), first, last);
+  if (audio == nullptr) return;
+  const int64_t frames = int64_t{doc.view().upperBound()} - doc.view().lowerBound();
+  services.systemClipboard->offer(audio,
+                                  static_cast<int32_t>(std::clamp<int64_t>(frames, 0, audio->frames())));
+}
+
 std::optional<Refusal> copyToClipboard(CommandCall& call) {
   const CWave& wave = call.doc.wave();
   const auto [first, last] = call.doc.selectionOrPoint();
-  auto copy = std::make_unique<CWave>();
+  auto copy = std::make_shared<CWave>();
   if (!wave.copyRangeTo(*copy, first, last)) return Refusal{};
   call.doc.services().clipboard = std::move(copy);
+  offerToSystem(call.doc, first, last);
   return std::nullopt;
 }
 
@@ -148,8 +172,11 @@ std::optional<Refusal> runInsertSilence(CommandCall& call) {
 
 // ---- Undo and redo --------------------------------------------------------------------------------------
 
-std::optional<Refusal> refusalOf(UndoResult result, const char* lost) {
-  if (result == UndoResult::done) return std::nullopt;
+std::optional<Refusal> conclude(CommandCall& call, UndoResult result, const char* lost) {
+  if (result == UndoResult::done) {
+    call.doc.selectedMarker.reset();  // its number may mean another marker now
+    return std::nullopt;
+  }
   return Refusal{result == UndoResult::samplesMissing ? lost : ""};
 }
 
@@ -159,12 +186,12 @@ void beforeStep(CommandCall& call) {
 
 std::optional<Refusal> runUndo(CommandCall& call) {
   beforeStep(call);
-  return refusalOf(call.doc.journal().undo(), kUndoLost);
+  return conclude(call, call.doc.journal().undo(), kUndoLost);
 }
 
 std::optional<Refusal> runRedo(CommandCall& call) {
   beforeStep(call);
-  return refusalOf(call.doc.journal().redo(), kRedoLost);
+  return conclude(call, call.doc.journal().redo(), kRedoLost);
 }
 
 std::optional<Refusal> doNothing(CommandCall&) { return std::nullopt; }

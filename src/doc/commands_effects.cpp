@@ -58,9 +58,7 @@ void step(CWave& wave, FrameRange, int32_t cursor) { setStep(wave, cursor); }
 void impulses(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType::impulseTrain, 1.0f); }
 void sweepExp(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType::sweepExponential, 0.5f); }
 void sweepLinear(CWave& wave, FrameRange, int32_t) { synthesize(wave, SynthesisType::sweepLinear, 0.5f); }
-void applyEnvelope(CWave& wave, FrameRange, int32_t) {
-  applyVolumeEnvelope(wave);
-}
+void applyEnvelope(CWave& wave, FrameRange, int32_t) { applyVolumeEnvelope(wave); }
 
 using enum FadeCurve;
 constexpr auto in = FadeDirection::in;

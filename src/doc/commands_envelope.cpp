@@ -32,6 +32,11 @@ std::optional<Refusal> needActive(CommandCall& call) {
   return std::nullopt;
 }
 
+std::optional<Refusal> needInactive(CommandCall& call) {
+  if (call.doc.wave().envelope.active()) return Refusal{};
+  return needAudio(call);
+}
+
 // ---- Points ---------------------------------------------------------------------------------------------
 
 enum PointArgument : size_t { kPosition, kValue, kChannel, kKind };
@@ -207,6 +212,8 @@ std::vector<Command> envelopeCommands() {
        checkExistingPoint, annotations, Lock::none, runPointKind, pointKindName, Changes::annotations},
       {"envelope-point-reset", "", "", Menu::none, {index, channelParameter()}, checkExistingPoint, annotations,
        Lock::none, runResetPoint, effectName<effect::kVolumePointReset>, Changes::annotations},
+      {"envelope-create", "&Create volume envelope", "", Menu::volume, {}, needInactive, annotations, Lock::none,
+       runReset, effectName<effect::kVolumeCreated>, Changes::annotations},
       {"envelope-reset", "&Flat volume envelope", "", Menu::volume, {}, needAudio, annotations, Lock::none, runReset,
        effectName<effect::kVolumeReset>, Changes::annotations},
       {"envelope-invert", "", "", Menu::none, {channelParameter()}, checkInvert, annotations, Lock::none, runInvert,

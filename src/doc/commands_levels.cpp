@@ -90,15 +90,29 @@ std::optional<Refusal> runBitDepth(CommandCall& call) {
   return std::nullopt;
 }
 
+std::vector<ParameterChoice> bitDepths(const CPlumettaDoc&) {
+  return {{8, "8"}, {16, "16"}, {24, "24"}, {32, "32"}, {64, "64"}};
+}
+
+std::vector<ParameterChoice> sampleFormats(const CPlumettaDoc&) {
+  return {
+      {kFormatPcm, "PCM"}, {kFormatFloat, "Float"}, {kFormatALaw, "A-law"}, {kFormatMuLaw, "\xC2\xB5-law"}};
+}
+
+std::vector<ParameterChoice> ditheringTypes(const CPlumettaDoc&) {
+  return {{0, "Half a step"}, {1, "One step"}};
+}
+
 std::vector<Parameter> bitDepthParameters() {
   return {
       {"bits", "Bits per sample", "bits", ParameterType::integer, true, int64_t{8}, 0, 64,
-       "The bit depth must be 8, 16, 24, 32 or 64"},
-      {"format", "Format", "", ParameterType::integer, false, int64_t{1}, 0, 65535, ""},
-      {"quantization", "Quantization", "", ParameterType::boolean, false, true, 0, 1, ""},
-      {"dithering", "Dithering", "", ParameterType::boolean, false, true, 0, 1, ""},
+       "The bit depth must be 8, 16, 24, 32 or 64", "Bits per sample", bitDepths},
+      {"format", "Format", "", ParameterType::integer, false, int64_t{1}, 0, 65535, "", "Format",
+       sampleFormats},
+      {"quantization", "Quantization", "", ParameterType::boolean, false, true, 0, 1, "", "Quantization"},
+      {"dithering", "Dithering", "", ParameterType::boolean, false, true, 0, 1, "", "Dithering"},
       {"type", "Dithering type", "", ParameterType::integer, false, int64_t{0}, 0, 1,
-       "The dithering type must be 0 (half a step) or 1 (one step)"},
+       "The dithering type must be 0 (half a step) or 1 (one step)", "Dithering type", ditheringTypes},
   };
 }
 
@@ -108,15 +122,17 @@ std::vector<Command> levelCommands() {
   return {
       {"normalize", "&Normalize", "Ctrl+Shift+N", Menu::normalize, levelParameter(-3.0), nullptr,
        selectionOrFile, Lock::turns, runNormalize,
-       [](CommandCall& call) { return formatted("Normalize %2.2fdB", call.real(0)); }, Changes::samples},
+       [](CommandCall& call) { return formatted("Normalize %2.2fdB", call.real(0)); }, Changes::samples, 0,
+       "Normalize"},
       {"volume", "&Volume", "", Menu::process, levelParameter(3.0), nullptr, undoAs<UndoKind::selection>,
        Lock::turns, runVolume, [](CommandCall& call) { return formatted("Volume %2.2fdB", call.real(0)); },
-       Changes::samples},
+       Changes::samples, 0, "Volumize"},
       {"truncate", "&Truncate", "", Menu::process, levelParameter(-3.0), nullptr, undoAs<UndoKind::wholeFile>,
-       Lock::turns, runTruncate, truncateName, Changes::samples},
+       Lock::turns, runTruncate, truncateName, Changes::samples, 0, "Truncate"},
       {"bit-depth", "&Bit depth converter", "", Menu::process, bitDepthParameters(), checkBitDepth,
        bitDepthUndo, Lock::turns, runBitDepth,
-       [](CommandCall&) -> std::string { return "Bit depth convertion"; }, Changes::samples},
+       [](CommandCall&) -> std::string { return "Bit depth convertion"; }, Changes::samples, 0,
+       "Bit depth converter"},
   };
 }
 

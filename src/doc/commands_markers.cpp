@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Markers, loop points and the regions between markers.
+#include <algorithm>
 #include <random>
 
 #include "core/regions.h"
 #include "doc/command_groups.h"
+#include "dsp/onsets.h"
 
 namespace plumetta {
 namespace {
@@ -80,6 +82,39 @@ std::optional<Refusal> runMarkSelection(CommandCall& call) {
   return std::nullopt;
 }
 
+// Adds markers where none stands yet.
+void addMarkers(CWave& wave, const std::vector<int32_t>& positions) {
+  for (const int32_t position : positions) {
+    const bool marked = std::any_of(wave.markers.begin(), wave.markers.end(),
+                                    [&](const Marker& marker) { return marker.position == position; });
+    if (!marked) wave.markers.add(position);
+  }
+}
+
+std::optional<Refusal> needAudio(CommandCall& call) {
+  if (call.doc.wave().frames() == 0) return Refusal{};
+  return std::nullopt;
+}
+
+// The lines that part the selection, or the file, into equal stretches, its start included.
+std::optional<Refusal> runMarkerGrid(CommandCall& call) {
+  const auto [first, last] = call.doc.selectionOrAll();
+  const int64_t lines = call.integer(0);
+  const int64_t length = static_cast<int64_t>(last) - first + 1;
+  std::vector<int32_t> positions;
+  for (int64_t line = 0; line < lines; ++line) {
+    positions.push_back(static_cast<int32_t>(first + length * line / lines));
+  }
+  addMarkers(call.doc.wave(), positions);
+  return std::nullopt;
+}
+
+std::optional<Refusal> runAutoSlice(CommandCall& call) {
+  const auto [first, last] = call.doc.selectionOrAll();
+  addMarkers(call.doc.wave(), findOnsets(call.doc.wave(), {first, last}, call.real(0)));
+  return std::nullopt;
+}
+
 // ---- Loops ----------------------------------------------------------------------------------------------
 
 std::optional<Refusal> checkLoop(CommandCall& call) {
@@ -132,6 +167,24 @@ std::optional<Refusal> runScramble(CommandCall& call) {
 
 std::vector<Command> markerCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
+  const Parameter gridLines{"lines",
+                            "Lines",
+                            "",
+                            ParameterType::integer,
+                            true,
+                            int64_t{8},
+                            1,
+                            1024,
+                            "The number of lines must lie between 1 and 1024"};
+  const Parameter rise{"rise",
+                       "Rise of a new sound",
+                       "dB",
+                       ParameterType::real,
+                       false,
+                       9.0,
+                       1,
+                       60,
+                       "The rise must lie between 1 and 60 dB"};
   // clang-format off
   return {
       {"marker", "", "", Menu::marker, {positionalFrame("frame", "Position"), labelParameter()},
@@ -147,6 +200,10 @@ std::vector<Command> markerCommands() {
        runMarkerDelete, effectName<effect::kMarkerDeleted>, Changes::annotations},
       {"marker-selection", "Mark &selection", "Ctrl+M", Menu::marker, {}, needSelection, annotations, Lock::none,
        runMarkSelection, effectName<effect::kSelectionMarked>, Changes::annotations},
+      {"marker-grid", "Mark &grid lines", "", Menu::marker, {gridLines}, needAudio, annotations, Lock::none,
+       runMarkerGrid, effectName<effect::kMarkerGrid>, Changes::annotations, 0, "Marker grid"},
+      {"auto-slice", "&Auto slice region", "", Menu::marker, {rise}, needAudio, annotations, Lock::none,
+       runAutoSlice, effectName<effect::kAutoSlice>, Changes::annotations, 0, "Auto slice"},
       {"marker-clear", "&Remove all markers", "", Menu::marker, {}, nullptr, annotations, Lock::none,
        runMarkerClear, effectName<effect::kMarkersCleared>, Changes::annotations},
       {"loop", "", "", Menu::none, {positionalFrame("from", "Start"), positionalFrame("to", "End")}, checkLoop,

@@ -8,6 +8,7 @@
 
 #include "core/audio_lock.h"
 #include "core/prompter.h"
+#include "core/system_clipboard.h"
 #include "core/undo_folder.h"
 #include "core/wave.h"
 #include "platform/file_system.h"
@@ -43,7 +44,8 @@ struct DocumentServices {
   Prompter& prompter;
   HistoryList& history;
   EditSettings& settings;
-  std::unique_ptr<CWave>& clipboard;  // null until the first copy or cut
+  std::shared_ptr<const CWave>& clipboard;     // null until the first copy or cut; replaced, never changed
+  SystemClipboard* systemClipboard = nullptr;  // null where there is none
 };
 
 }  // namespace plumetta

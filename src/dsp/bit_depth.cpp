@@ -42,9 +42,8 @@ void addDither(CWave& wave, int targetBits, DitherType type) {
   const float peak = noisePeak(targetBits, type);
   if (peak == 0.0f) return;
   std::mt19937 random(std::random_device{}());
-  forEverySample(wave, [&](float x) {
-    return x + uniformNoise(static_cast<uint32_t>(random() >> 17)) * peak;
-  });
+  forEverySample(wave,
+                 [&](float x) { return x + uniformNoise(static_cast<uint32_t>(random() >> 17)) * peak; });
 }
 
 void quantize(CWave& wave, int targetBits) {

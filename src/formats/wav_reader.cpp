@@ -249,11 +249,15 @@ LoadResult loadWav(FileSystem& files, const std::string& path, CWave& wave) {
   std::error_code error;
   const auto file = files.openForReading(path, error);
   if (!file) return LoadResult::failure(error.message());
+  wave.setFileName(path);
+  return readWav(*file, wave);
+}
+
+LoadResult readWav(File& file, CWave& wave) {
   wave.loops.clear();
   wave.markers.clear();
   wave.envelope.clear();
-  wave.setFileName(path);
-  InputStream in(*file);
+  InputStream in(file);
   const auto chunks = findChunks(in);
   const ChunkPlace* formatChunk = firstNamed(chunks, "fmt ");
   if (formatChunk == nullptr) return LoadResult::failure("The file has no format chunk.");

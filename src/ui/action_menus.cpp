@@ -58,6 +58,12 @@ void ActionMenus::append(wxMenu& menu, const Action& action) {
   }
   const int number = nextNumber_++;
   numbers_[action.id] = number;
+  if (!action.actions.empty()) {
+    auto* submenu = new wxMenu;
+    for (const Action& own : action.actions) append(*submenu, own);
+    items_[number] = {&action, menu.AppendSubMenu(submenu, toWx(action.text), toWx(action.help))};
+    return;
+  }
   if (action.entries) {
     auto* submenu = new wxMenu;
     items_[number] = {&action, menu.AppendSubMenu(submenu, toWx(action.text), toWx(action.help))};

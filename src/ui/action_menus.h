@@ -22,7 +22,10 @@ struct Action {
   std::function<bool()> enabled{};                 // none: always
   std::function<bool()> checked{};                 // none: no check mark
   std::function<std::vector<Action>()> entries{};  // of a submenu, asked again by `refill`
+  std::vector<Action> actions{};                   // of a submenu that stays as it is
 };
+
+inline const Action kSeparator{};
 
 struct MenuPlan {
   std::string title;

@@ -113,7 +113,7 @@ std::optional<NewFileChoice> askNewFile(wxWindow* parent, WindowProfile& profile
   choice.bits = kEncodings[encoding->GetSelection()].bits;
   choice.formatTag = kEncodings[encoding->GetSelection()].formatTag;
   choice.frames = framesOf(checkedNumber(*length), choice.sampleRate);
-  profile.setReal(kNewFile, "Rate", choice.sampleRate);
+  profile.setText(kNewFile, "Rate", numberText(choice.sampleRate));
   profile.setInteger(kNewFile, "Channels", choice.channels);
   profile.setInteger(kNewFile, "Encoding", encoding->GetSelection());
   profile.setReal(kNewFile, "Length", checkedNumber(*length));

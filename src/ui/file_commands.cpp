@@ -49,6 +49,14 @@ void FileCommands::createNew() {
   tabs_.add(*doc);
 }
 
+void FileCommands::pasteAsNew() {
+  if (CPlumettaDoc* doc = app_.pasteAsNewDocument()) tabs_.add(*doc);
+}
+
+void FileCommands::pasteFromSystem() {
+  if (CPlumettaDoc* doc = app_.pasteFromSystemClipboard()) tabs_.add(*doc);
+}
+
 void FileCommands::open() {
   wxFileDialog dialog(&parent_, "Open", toWx(folderFor(tabs_.active())), wxString(),
                       toWx(openFilter(formatTable())), wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);

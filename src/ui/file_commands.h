@@ -18,6 +18,9 @@ class FileCommands {
                RecentFiles& recent);
 
   void createNew();
+  // The clipboard buffer, or what another program has copied, as a document of its own.
+  void pasteAsNew();
+  void pasteFromSystem();
   void open();
   // Opens each; a file that is open already comes to the front, and one that fails doesn't stop the others.
   void openPaths(const std::vector<std::string>& paths);

@@ -45,18 +45,54 @@ double checkedNumber(const wxTextEntry& entry) { return parseNumber(fromWx(entry
 FormDialog::FormDialog(wxWindow* parent, const wxString& title)
     : wxDialog(parent, wxID_ANY, title), grid_(new wxFlexGridSizer(2, FromDIP(kGap), FromDIP(12))) {
   grid_->AddGrowableCol(1);
+  problemOfAll_ = makeProblem();
   Bind(wxEVT_BUTTON, &FormDialog::onOk, this, wxID_OK);
+  Bind(wxEVT_CHAR_HOOK, &FormDialog::onCharHook, this);
 }
 
-void FormDialog::addRow(const wxString& label, wxSizer* content, wxStaticText* problem) {
-  auto* text = new wxStaticText(this, wxID_ANY, label.empty() ? label : label + ":");
+// Not every toolkit leads the mnemonic of a label to the field behind it.
+void FormDialog::onCharHook(wxKeyEvent& event) {
+  const auto found =
+      event.GetModifiers() == wxMOD_ALT ? mnemonics_.find(event.GetKeyCode()) : mnemonics_.end();
+  if (found == mnemonics_.end()) {
+    event.Skip();
+    return;
+  }
+  found->second->SetFocus();
+}
+
+wxString FormDialog::withMnemonic(const wxString& label, wxWindow* window) {
+  for (size_t i = 0; i < label.length(); ++i) {
+    const int key = wxToupper(label[i]);
+    const bool taken = key < 'A' || key > 'Z' || key == 'O' || key == 'C' || mnemonics_.contains(key);
+    if (taken) continue;  // O and C are those of the buttons
+    mnemonics_[key] = window;
+    return label.Left(i) + "&" + label.Mid(i);
+  }
+  return label;
+}
+
+wxStaticText* FormDialog::makeProblem() {
+  auto* problem = new wxStaticText(this, wxID_ANY, wxString());
+  problem->SetForegroundColour(problemColour());
+  problem->SetFont(GetFont().Smaller());
+  problem->Hide();
+  return problem;
+}
+
+void FormDialog::show(wxStaticText* problem, const std::string& text) {
+  if (!text.empty()) problem->SetLabel(toWx(text));
+  if (text.empty() && !problem->IsShown()) return;
+  problem->Show(!text.empty());
+  if (GetSizer() != nullptr) GetSizer()->SetSizeHints(this);
+}
+
+void FormDialog::addRow(const wxString& label, wxWindow* window, wxSizer* content, wxStaticText* problem) {
+  auto* text = new wxStaticText(this, wxID_ANY, label.empty() ? label : withMnemonic(label, window) + ":");
   // The label belongs to the field, not to the problem below it.
   auto* right = new wxBoxSizer(wxVERTICAL);
   right->Add(content, 0, wxEXPAND);
-  if (problem != nullptr) {
-    right->Add(problem, 0, wxTOP, FromDIP(2));
-    problem->Hide();
-  }
+  if (problem != nullptr) right->Add(problem, 0, wxTOP, FromDIP(2));
   const int labelTop = problem != nullptr ? FromDIP(6) : 0;
   grid_->Add(text, 0, (problem != nullptr ? 0 : wxALIGN_CENTRE_VERTICAL) | wxTOP, labelTop);
   grid_->Add(right, 0, wxEXPAND);
@@ -64,13 +100,11 @@ void FormDialog::addRow(const wxString& label, wxSizer* content, wxStaticText* p
 
 void FormDialog::addChecked(const wxString& label, wxWindow* window, wxTextEntry* entry, wxWindow* behind,
                             Check check) {
-  auto* problem = new wxStaticText(this, wxID_ANY, wxString());
-  problem->SetForegroundColour(problemColour());
-  problem->SetFont(GetFont().Smaller());
+  wxStaticText* problem = makeProblem();
   auto* content = new wxBoxSizer(wxHORIZONTAL);
   content->Add(window, behind == nullptr ? 1 : 0, wxALIGN_CENTRE_VERTICAL);
   if (behind != nullptr) content->Add(behind, 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(kGap));
-  addRow(label, content, problem);
+  addRow(label, window, content, problem);
   const size_t index = fields_.size();
   fields_.push_back({entry, window, std::move(check), problem});
   window->Bind(wxEVT_TEXT, [this, index](wxCommandEvent& event) {
@@ -109,38 +143,40 @@ FormDialog::NumberWithUnit FormDialog::addNumberWithUnits(const wxString& label,
   return {number, unit};
 }
 
-wxChoice* FormDialog::addChoice(const wxString& label, const wxArrayString& choices, int selected) {
+wxChoice* FormDialog::addChoice(const wxString& label, const wxArrayString& choices, int selected,
+                                const wxString& behind) {
   auto* choice = new wxChoice(this, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(kFieldWidth, -1)), choices);
   choice->SetSelection(selected);
   choice->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { recheck(); });
   auto* content = new wxBoxSizer(wxHORIZONTAL);
-  content->Add(choice, 1);
-  addRow(label, content, nullptr);
+  content->Add(choice, behind.empty() ? 1 : 0);
+  if (!behind.empty()) {
+    content->Add(new wxStaticText(this, wxID_ANY, behind), 0, wxALIGN_CENTRE_VERTICAL | wxLEFT,
+                 FromDIP(kGap));
+  }
+  addRow(label, choice, content, nullptr);
   return choice;
 }
 
 wxCheckBox* FormDialog::addCheckBox(const wxString& label, bool value) {
-  auto* box = new wxCheckBox(this, wxID_ANY, label);
+  auto* box = new wxCheckBox(this, wxID_ANY, wxString());
+  box->SetLabel(withMnemonic(label, box));
   box->SetValue(value);
   auto* content = new wxBoxSizer(wxHORIZONTAL);
   content->Add(box, 1);
-  addRow(wxString(), content, nullptr);
+  addRow(wxString(), box, content, nullptr);
   return box;
 }
 
 bool FormDialog::showProblem(Field& field) {
   const std::string problem = field.check ? field.check(fromWx(field.entry->GetValue())) : std::string();
-  const bool show = field.touched && !problem.empty();
-  if (show) field.problem->SetLabel(toWx(problem));
-  if (show || field.problem->IsShown()) {
-    field.problem->Show(show);
-    if (GetSizer() != nullptr) GetSizer()->SetSizeHints(this);
-  }
+  show(field.problem, field.touched ? problem : std::string());
   return problem.empty();
 }
 
 void FormDialog::recheck() {
   for (Field& field : fields_) showProblem(field);
+  show(problemOfAll_, {});
 }
 
 void FormDialog::onOk(wxCommandEvent& event) {
@@ -151,12 +187,15 @@ void FormDialog::onOk(wxCommandEvent& event) {
     field.entry->SelectAll();
     return;
   }
-  event.Skip();
+  const std::string problem = checkAll ? checkAll() : std::string();
+  show(problemOfAll_, problem);
+  if (problem.empty()) event.Skip();
 }
 
 bool FormDialog::ask(const wxString& okLabel) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   all->Add(grid_, 1, wxEXPAND | wxALL, FromDIP(kMargin));
+  all->Add(problemOfAll_, 0, wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
   all->Add(CreateButtonSizer(wxOK | wxCANCEL), 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
   if (!okLabel.empty()) FindWindow(wxID_OK)->SetLabel(okLabel);
   SetSizerAndFit(all);

@@ -11,6 +11,7 @@
 #include <wx/textctrl.h>
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,8 @@ class FormDialog : public wxDialog {
   wxTextCtrl* addText(const wxString& label, const wxString& unit, const wxString& value, Check check);
   wxComboBox* addCombo(const wxString& label, const wxString& unit, const wxString& value,
                        const wxArrayString& choices, Check check);
-  wxChoice* addChoice(const wxString& label, const wxArrayString& choices, int selected);
+  wxChoice* addChoice(const wxString& label, const wxArrayString& choices, int selected,
+                      const wxString& behind = wxString());
   wxCheckBox* addCheckBox(const wxString& label, bool value);
   // A number with the unit it is given in.
   struct NumberWithUnit {
@@ -37,6 +39,8 @@ class FormDialog : public wxDialog {
   };
   NumberWithUnit addNumberWithUnits(const wxString& label, const wxString& value, const wxArrayString& units,
                                     int selected, Check check);
+  // What is wrong with all values together once each can be taken; shown below the fields.
+  std::function<std::string()> checkAll;
   // Looks at every field again, when what one may hold depends on another.
   void recheck();
   // Adds the buttons, sizes the dialog and shows it. True when OK was chosen.
@@ -51,14 +55,22 @@ class FormDialog : public wxDialog {
     bool touched = false;
   };
 
-  void addRow(const wxString& label, wxSizer* content, wxStaticText* problem);
+  // `window` takes the focus when the mnemonic of the label is pressed.
+  void addRow(const wxString& label, wxWindow* window, wxSizer* content, wxStaticText* problem);
+  // The label with a mnemonic that no other field has.
+  wxString withMnemonic(const wxString& label, wxWindow* window);
+  wxStaticText* makeProblem();
+  void show(wxStaticText* problem, const std::string& text);
   // The row of a checked field: the control, what stands behind it, and its problem below.
   void addChecked(const wxString& label, wxWindow* window, wxTextEntry* entry, wxWindow* behind, Check check);
   bool showProblem(Field& field);
   void onOk(wxCommandEvent& event);
+  void onCharHook(wxKeyEvent& event);
 
   wxFlexGridSizer* grid_;
   std::vector<Field> fields_;
+  std::map<int, wxWindow*> mnemonics_;  // by capital letter
+  wxStaticText* problemOfAll_;
 };
 
 // Checks for the common cases. `message` empty makes one up from the bounds.

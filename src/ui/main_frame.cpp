@@ -5,6 +5,8 @@
 #include <wx/settings.h>
 #include <wx/toolbar.h>
 
+#include <algorithm>
+
 #include "ui/text.h"
 #include "ui/toolbar_icons.h"
 
@@ -13,6 +15,8 @@ namespace {
 
 constexpr const char* kWindow = "Window";
 constexpr const char* kProgram = "Plumetta";
+constexpr int kHistoryWidth = 184;
+constexpr int kNarrowestHistory = 120;
 
 enum Page { kStartPage, kDocuments };
 enum StatusField { kMessage, kFormat, kLength, kCursor, kSelection, kStatusFields };
@@ -42,15 +46,23 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       prompter_(prompter),
       profile_(app),
       recent_(profile_),
-      pages_(new wxSimplebook(this)),
+      sides_(new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                                  wxSP_LIVE_UPDATE | wxSP_NOBORDER | wxSP_THIN_SASH)),
+      pages_(new wxSimplebook(sides_)),
       startPage_(new StartPage(pages_)),
       tabs_(new DocumentTabs(pages_)),
+      history_(new HistoryPane(sides_)),
+      historyWanted_(profile_.integer(kWindow, "History", 0) != 0),
       files_(*this, app, *tabs_, profile_, recent_),
       menus_(*this, [this] { return !prompter_.working(); }),
       place_(*this, profile_) {
   SetIcons(programIcons());
   pages_->AddPage(startPage_, wxString());
   pages_->AddPage(tabs_, wxString());
+  sides_->SetSashGravity(1.0);
+  sides_->SetMinimumPaneSize(FromDIP(kNarrowestHistory));
+  sides_->Initialize(pages_);
+  history_->Hide();
   place_.restore();
   buildStatusBar();
   menus_.build(menuPlan());
@@ -79,6 +91,12 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   tabs_->onCloseWanted = [this](CPlumettaDoc& doc) {
     if (!prompter_.working()) files_.close(doc);
   };
+  history_->onChosen = [this](size_t steps) { goInHistory(steps); };
+  sides_->Bind(wxEVT_SPLITTER_DOUBLECLICKED, [](wxSplitterEvent& event) { event.Veto(); });
+  sides_->Bind(wxEVT_SPLITTER_SASH_POS_CHANGED, [this](wxSplitterEvent& event) {
+    if (sides_->IsSplit()) profile_.setInteger(kWindow, "History width", ToDIP(history_->GetSize().x));
+    event.Skip();
+  });
   prompter_.setParent(this);
   prompter_.onStatus = [this](const wxString& text) { SetStatusText(text, kMessage); };
   for (wxWindow* window :
@@ -88,6 +106,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   Bind(wxEVT_CLOSE_WINDOW, &MainFrame::onClose, this);
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
     menus_.refresh();
+    if (sides_->IsSplit() && !prompter_.working()) history_->follow(tabs_->active());
     event.Skip();
   });
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
@@ -169,6 +188,36 @@ void MainFrame::showStatus() {
   SetStatusText(panel != nullptr ? panel->statusSelection() : wxString(), kSelection);
 }
 
+// ---- History --------------------------------------------------------------------------------------------
+
+void MainFrame::showHistory() {
+  const bool show = historyWanted_ && tabs_->active() != nullptr;
+  if (show && !sides_->IsSplit()) {
+    const int width = profile_.integer(kWindow, "History width", kHistoryWidth);
+    history_->Show();
+    sides_->SplitVertically(pages_, history_, -FromDIP(std::max(width, kNarrowestHistory)));
+  } else if (!show && sides_->IsSplit()) {
+    sides_->Unsplit(history_);
+  }
+  if (show) history_->show(tabs_->active());
+}
+
+void MainFrame::goInHistory(size_t steps) {
+  CPlumettaDoc* doc = tabs_->active();
+  if (doc == nullptr || prompter_.working()) return;
+  prompter_.status("");
+  const BusyScope busy(prompter_);  // one wait cursor for all; views are drawn once the last step is done
+  CommandOutcome outcome = CommandOutcome::done;
+  while (outcome == CommandOutcome::done && doc->journal().undoCount() > steps) {
+    outcome = runCommand(*doc, *findCommand("undo"));
+  }
+  while (outcome == CommandOutcome::done && doc->journal().undoCount() < steps && doc->journal().canRedo()) {
+    outcome = runCommand(*doc, *findCommand("redo"));
+  }
+  history_->show(doc);
+  menus_.refresh();
+}
+
 // ---- What stands in front -------------------------------------------------------------------------------
 
 void MainFrame::showTitle() {
@@ -182,6 +231,7 @@ void MainFrame::onActivated() {
   if (DocumentPanel* panel = tabs_->activePanel(); panel != nullptr && panel->GetDropTarget() == nullptr) {
     acceptFiles(*panel);
   }
+  showHistory();
   showTitle();
   showStatus();
   menus_.refill("documents");

@@ -3,6 +3,7 @@
 
 #include <wx/frame.h>
 #include <wx/simplebook.h>
+#include <wx/splitter.h>
 
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "ui/action_menus.h"
 #include "ui/document_tabs.h"
 #include "ui/file_commands.h"
+#include "ui/history_pane.h"
 #include "ui/recent_files.h"
 #include "ui/start_page.h"
 #include "ui/window_place.h"
@@ -30,17 +32,20 @@ class MainFrame : public wxFrame {
   void openFiles(const std::vector<std::string>& paths) { files_.openPaths(paths); }
 
  private:
-  // The rows of each menu (window_actions.cpp).
+  // The rows of each menu (window_actions.cpp, and command_menus.cpp for those of the command table).
   std::vector<MenuPlan> menuPlan();
   MenuPlan fileMenu();
   MenuPlan editMenu();
   MenuPlan viewMenu();
+  MenuPlan processMenu();
   MenuPlan channelMenu();
   MenuPlan markerMenu();
   MenuPlan windowMenu();
   MenuPlan helpMenu();
   // The rows that the command table has for a menu.
   std::vector<Action> commandActions(Menu menu);
+  // The named ones in this order, "" for a separator.
+  std::vector<Action> groupedActions(Menu menu, const std::vector<std::string>& ids);
   Action commandAction(const Command& command);
   std::vector<Action> recentActions();
   std::vector<Action> documentActions();
@@ -55,11 +60,15 @@ class MainFrame : public wxFrame {
   void addMarker(CPlumettaDoc& doc);
   void goTo(CPlumettaDoc& doc);
   void editPreferences();
+  void showStatistics(CPlumettaDoc& doc);
   void showAbout();
 
   void buildToolBar();
   void buildStatusBar();
   void showToolBar(bool show);
+  // The history beside the documents, if it is wanted and there is a document.
+  void showHistory();
+  void goInHistory(size_t steps);
   void showStatus();
   void showTitle();
   void acceptFiles(wxWindow& window);
@@ -70,9 +79,12 @@ class MainFrame : public wxFrame {
   WindowPrompter& prompter_;
   WindowProfile profile_;
   RecentFiles recent_;
+  wxSplitterWindow* sides_;
   wxSimplebook* pages_;
   StartPage* startPage_;
   DocumentTabs* tabs_;
+  HistoryPane* history_;
+  bool historyWanted_;
   FileCommands files_;
   ActionMenus menus_;
   WindowPlace place_;

@@ -3,6 +3,7 @@
 
 #include <wx/menuitem.h>
 
+#include <algorithm>
 #include <functional>
 
 #include "ui/form_dialog.h"
@@ -12,8 +13,11 @@
 namespace plumetta {
 namespace {
 
-// A field on the screen: how its value is read once the dialog has been accepted, and stored for next time.
-using ReadAndStore = std::function<ParameterValue()>;
+// A field on the screen: how its value is read, and stored for next time.
+struct ParameterField {
+  std::function<ParameterValue()> read;
+  std::function<void(const ParameterValue&)> store;
+};
 
 struct Place {
   FormDialog& form;
@@ -21,46 +25,77 @@ struct Place {
   std::string section;
 };
 
-ReadAndStore addBoolean(const Place& place, const Parameter& parameter) {
-  const std::string key = parameter.key;
+ParameterField addBoolean(const Place& place, const Parameter& parameter) {
+  const std::string key = parameter.storedAs();
   const int stored = place.profile.integer(place.section, key, std::get<bool>(parameter.fallback) ? 1 : 0);
   wxCheckBox* box = place.form.addCheckBox(toWx(parameter.label), stored != 0);
-  return [=, &profile = place.profile, section = place.section]() -> ParameterValue {
-    profile.setInteger(section, key, box->GetValue() ? 1 : 0);
-    return box->GetValue();
-  };
+  return {[box]() -> ParameterValue { return box->GetValue(); },
+          [place, key](const ParameterValue& value) {
+            place.profile.setInteger(place.section, key, std::get<bool>(value) ? 1 : 0);
+          }};
 }
 
-ReadAndStore addNumber(const Place& place, const Parameter& parameter) {
-  const std::string key = parameter.key;
-  const bool whole = parameter.type == ParameterType::integer;
-  const double fallback = whole ? static_cast<double>(std::get<int64_t>(parameter.fallback))
-                                : std::get<double>(parameter.fallback);
-  const auto check = whole ? wholeNumberBetween(parameter.minimum, parameter.maximum, parameter.outOfBounds)
-                           : numberBetween(parameter.minimum, parameter.maximum, parameter.outOfBounds);
+ParameterField addInteger(const Place& place, const Parameter& parameter) {
+  const std::string key = parameter.storedAs();
+  const auto fallback = static_cast<double>(std::get<int64_t>(parameter.fallback));
   const std::string value = numberText(place.profile.real(place.section, key, fallback));
-  wxTextCtrl* field = place.form.addText(toWx(parameter.label), toWx(parameter.unit), toWx(value), check);
-  return [=, &profile = place.profile, section = place.section]() -> ParameterValue {
-    const double number = checkedNumber(*field);
-    profile.setReal(section, key, number);
-    if (whole) return static_cast<int64_t>(number);
-    return number;
-  };
+  wxTextCtrl* field =
+      place.form.addText(toWx(parameter.label), toWx(parameter.unit), toWx(value),
+                         wholeNumberBetween(parameter.minimum, parameter.maximum, parameter.outOfBounds));
+  return {[field]() -> ParameterValue { return static_cast<int64_t>(checkedNumber(*field)); },
+          [place, key](const ParameterValue& given) {
+            place.profile.setText(place.section, key, std::to_string(std::get<int64_t>(given)));
+          }};
 }
 
-ReadAndStore addWords(const Place& place, const Parameter& parameter) {
-  const std::string key = parameter.key;
+ParameterField addReal(const Place& place, const Parameter& parameter) {
+  const std::string key = parameter.storedAs();
+  const std::string value =
+      numberText(place.profile.real(place.section, key, std::get<double>(parameter.fallback)));
+  wxTextCtrl* field =
+      place.form.addText(toWx(parameter.label), toWx(parameter.unit), toWx(value),
+                         numberBetween(parameter.minimum, parameter.maximum, parameter.outOfBounds));
+  return {[field]() -> ParameterValue { return checkedNumber(*field); },
+          [place, key](const ParameterValue& given) {
+            place.profile.setReal(place.section, key, std::get<double>(given));
+          }};
+}
+
+int indexOf(const std::vector<ParameterChoice>& choices, int64_t value) {
+  const auto found = std::ranges::find(choices, value, &ParameterChoice::value);
+  return found != choices.end() ? static_cast<int>(found - choices.begin()) : -1;
+}
+
+// A stored value that is not among the choices, say a channel of a larger file, leaves the fallback.
+ParameterField addChoices(const Place& place, const Parameter& parameter,
+                          std::vector<ParameterChoice> choices) {
+  const std::string key = parameter.storedAs();
+  const auto fallback = std::get<int64_t>(parameter.fallback);
+  const int stored = place.profile.integer(place.section, key, static_cast<int>(fallback));
+  wxArrayString labels;
+  for (const ParameterChoice& choice : choices) labels.Add(toWx(choice.label));
+  const int selected = indexOf(choices, indexOf(choices, stored) >= 0 ? stored : fallback);
+  wxChoice* field = place.form.addChoice(toWx(parameter.label), labels, selected, toWx(parameter.unit));
+  return {[field, choices]() -> ParameterValue {
+            return choices[static_cast<size_t>(field->GetSelection())].value;
+          },
+          [place, key](const ParameterValue& given) {
+            place.profile.setText(place.section, key, std::to_string(std::get<int64_t>(given)));
+          }};
+}
+
+ParameterField addWords(const Place& place, const Parameter& parameter) {
+  const std::string key = parameter.storedAs();
   const std::string value = place.profile.text(place.section, key, std::get<std::string>(parameter.fallback));
   wxTextCtrl* field = place.form.addText(toWx(parameter.label), toWx(parameter.unit), toWx(value), {});
-  return [=, &profile = place.profile, section = place.section]() -> ParameterValue {
-    std::string words = fromWx(field->GetValue());
-    profile.setText(section, key, words);
-    return words;
-  };
+  return {[field]() -> ParameterValue { return fromWx(field->GetValue()); },
+          [place, key](const ParameterValue& given) {
+            place.profile.setText(place.section, key, std::get<std::string>(given));
+          }};
 }
 
-ReadAndStore addFrame(const Place& place, const Parameter& parameter) {
-  const std::string key = parameter.key;
+ParameterField addFrame(const Place& place, const Parameter& parameter) {
+  const std::string key = parameter.storedAs();
   const std::string unitKey = key + " in seconds";
   const auto fallback = std::get<FrameOrTime>(parameter.fallback);
   wxArrayString units;
@@ -70,15 +105,17 @@ ReadAndStore addFrame(const Place& place, const Parameter& parameter) {
   const std::string value = numberText(place.profile.real(place.section, key, fallback.value));
   const auto field = place.form.addNumberWithUnits(toWx(parameter.label), toWx(value), units, unit,
                                                    numberBetween(0, kMaxFrames));
-  return [=, &profile = place.profile, section = place.section]() -> ParameterValue {
-    const FrameOrTime result{checkedNumber(*field.number), field.unit->GetSelection() == 1};
-    profile.setReal(section, key, result.value);
-    profile.setInteger(section, unitKey, result.inSeconds ? 1 : 0);
-    return result;
-  };
+  return {[field]() -> ParameterValue {
+            return FrameOrTime{checkedNumber(*field.number), field.unit->GetSelection() == 1};
+          },
+          [place, key, unitKey](const ParameterValue& given) {
+            const auto& position = std::get<FrameOrTime>(given);
+            place.profile.setReal(place.section, key, position.value);
+            place.profile.setInteger(place.section, unitKey, position.inSeconds ? 1 : 0);
+          }};
 }
 
-ReadAndStore addField(const Place& place, const Parameter& parameter) {
+ParameterField addField(const Place& place, const Parameter& parameter, const CPlumettaDoc& doc) {
   switch (parameter.type) {
     case ParameterType::boolean:
       return addBoolean(place, parameter);
@@ -86,24 +123,40 @@ ReadAndStore addField(const Place& place, const Parameter& parameter) {
       return addWords(place, parameter);
     case ParameterType::frame:
       return addFrame(place, parameter);
-    case ParameterType::integer:
     case ParameterType::real:
+      return addReal(place, parameter);
+    case ParameterType::integer:
       break;
   }
-  return addNumber(place, parameter);
+  return parameter.choices != nullptr ? addChoices(place, parameter, parameter.choices(doc))
+                                      : addInteger(place, parameter);
+}
+
+Arguments readAll(const std::vector<ParameterField>& fields) {
+  Arguments arguments;
+  for (const ParameterField& field : fields) arguments.push_back(field.read());
+  return arguments;
 }
 
 }  // namespace
 
-std::optional<Arguments> askParameters(wxWindow* parent, const Command& command, WindowProfile& profile) {
+std::optional<Arguments> askParameters(wxWindow* parent, CPlumettaDoc& doc, const Command& command,
+                                       WindowProfile& profile) {
   FormDialog form(parent, wxMenuItem::GetLabelText(toWx(command.menuText)));
-  std::vector<ReadAndStore> fields;
+  std::vector<ParameterField> fields;
   for (const Parameter& parameter : command.parameters) {
-    fields.push_back(addField({form, profile, command.id}, parameter));
+    fields.push_back(addField({form, profile, command.storedIn()}, parameter, doc));
+  }
+  if (command.check != nullptr) {
+    form.checkAll = [&]() -> std::string {
+      CommandCall call(doc, command, readAll(fields));
+      const auto refusal = command.check(call);
+      return refusal ? refusal->message : std::string();
+    };
   }
   if (!form.ask()) return std::nullopt;
-  Arguments arguments;
-  for (const ReadAndStore& field : fields) arguments.push_back(field());
+  Arguments arguments = readAll(fields);
+  for (size_t i = 0; i < fields.size(); ++i) fields[i].store(arguments[i]);
   return arguments;
 }
 

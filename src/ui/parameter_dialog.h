@@ -11,8 +11,8 @@ class wxWindow;
 namespace plumetta {
 
 // Asks for the parameters of a command in a dialog that is read off its row. The values of the last time
-// stand in the fields, kept in the profile in a section of the command's name. Nothing when the person
-// cancelled.
-std::optional<Arguments> askParameters(wxWindow* parent, const Command& command, WindowProfile& profile);
+// stand in the fields, kept in the profile under the names of the row. Nothing when the person cancelled.
+std::optional<Arguments> askParameters(wxWindow* parent, CPlumettaDoc& doc, const Command& command,
+                                       WindowProfile& profile);
 
 }  // namespace plumetta

@@ -47,6 +47,7 @@ bool PlumettaApp::OnInit() {
   // files and settings, keep their decimal point all the same.
   std::setlocale(LC_NUMERIC, "C");
   application_ = std::make_unique<Application>(prompter_, nativeFileSystem(), home_);
+  application_->setSystemClipboard(&clipboard_);
   auto* frame = new MainFrame(*application_, prompter_);
   frame->Show();
   // Once the event loop runs, so that the window is there while long files are read.
@@ -56,6 +57,7 @@ bool PlumettaApp::OnInit() {
 
 int PlumettaApp::OnExit() {
   application_.reset();
+  clipboard_.leaveContent();
   return wxApp::OnExit();
 }
 

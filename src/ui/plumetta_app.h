@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/application.h"
+#include "ui/system_clipboard.h"
 #include "ui/window_prompter.h"
 
 namespace plumetta {
@@ -24,6 +25,7 @@ class PlumettaApp : public wxApp {
   std::string home_;
   std::vector<std::string> files_;
   WindowPrompter prompter_;
+  DesktopClipboard clipboard_;
   std::unique_ptr<Application> application_;
 };
 

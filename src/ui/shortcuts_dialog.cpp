@@ -9,6 +9,18 @@
 #include "ui/text.h"
 
 namespace plumetta {
+namespace {
+
+std::vector<Action> withSubmenus(const std::vector<Action>& actions) {
+  std::vector<Action> all;
+  for (const Action& action : actions) {
+    all.push_back(action);
+    for (const Action& own : action.actions) all.push_back(own);
+  }
+  return all;
+}
+
+}  // namespace
 
 void showShortcuts(wxWindow* parent, const std::vector<MenuPlan>& plan) {
   wxDialog dialog(parent, wxID_ANY, "Keyboard shortcuts", wxDefaultPosition, wxDefaultSize,
@@ -20,7 +32,7 @@ void showShortcuts(wxWindow* parent, const std::vector<MenuPlan>& plan) {
   const wxFont heading = list->GetFont().Bold();
   for (const MenuPlan& menu : plan) {
     bool headed = false;
-    for (const Action& action : menu.actions) {
+    for (const Action& action : withSubmenus(menu.actions)) {
       if (action.key.empty()) continue;
       if (!headed) {
         if (list->GetItemCount() > 0) list->InsertItem(list->GetItemCount(), wxString());

@@ -7,15 +7,13 @@
 
 #include "ui/edit_dialogs.h"
 #include "ui/main_frame.h"
-#include "ui/parameter_dialog.h"
 #include "ui/shortcuts_dialog.h"
+#include "ui/statistics_dialog.h"
 #include "ui/text.h"
 #include "ui/toolbar_icons.h"
 
 namespace plumetta {
 namespace {
-
-const Action kSeparator{};
 
 void append(std::vector<Action>& actions, std::vector<Action> more) {
   for (Action& action : more) actions.push_back(std::move(action));
@@ -32,7 +30,7 @@ std::string escaped(const std::string& text) {
 
 std::vector<MenuPlan> MainFrame::menuPlan() {
   std::vector<MenuPlan> plan{fileMenu(), editMenu(), viewMenu()};
-  if (auto process = commandActions(Menu::process); !process.empty()) plan.push_back({"&Process", process});
+  plan.push_back(processMenu());
   plan.push_back(channelMenu());
   plan.push_back(markerMenu());
   plan.push_back({"&Loop", commandActions(Menu::loop)});
@@ -40,41 +38,6 @@ std::vector<MenuPlan> MainFrame::menuPlan() {
   plan.push_back(windowMenu());
   plan.push_back(helpMenu());
   return plan;
-}
-
-// ---- Rows of the command table --------------------------------------------------------------------------
-
-std::vector<Action> MainFrame::commandActions(Menu menu) {
-  std::vector<Action> actions;
-  for (const Command& command : commandTable()) {
-    if (command.menu == menu && *command.menuText != '\0') actions.push_back(commandAction(command));
-  }
-  return actions;
-}
-
-Action MainFrame::commandAction(const Command& command) {
-  const std::string id = command.id;
-  const std::string dots = command.parameters.empty() ? "" : "…";
-  Action action{id, command.menuText + dots, command.key, "", [this, &command] {
-                  if (CPlumettaDoc* doc = tabs_->active()) runWithParameters(*doc, command);
-                }};
-  action.enabled = [this, id] {
-    const CPlumettaDoc* doc = tabs_->active();
-    if (doc == nullptr) return false;
-    if (id == "undo") return doc->journal().canUndo();
-    if (id == "redo") return doc->journal().canRedo();
-    return id != "paste" || app_.clipboard() != nullptr;
-  };
-  return action;
-}
-
-void MainFrame::runWithParameters(CPlumettaDoc& doc, const Command& command) {
-  prompter_.status("");
-  if (command.parameters.empty()) {
-    runCommand(doc, command);
-  } else if (auto arguments = askParameters(this, command, profile_)) {
-    runCommand(doc, command, std::move(*arguments));
-  }
 }
 
 Action MainFrame::documentAction(const char* id, const char* text, const char* key, const char* help,
@@ -145,12 +108,16 @@ std::vector<Action> MainFrame::recentActions() {
 // ---- Edit -----------------------------------------------------------------------------------------------
 
 MenuPlan MainFrame::editMenu() {
-  MenuPlan menu{"&Edit", {}};
-  for (Action& action : commandActions(Menu::edit)) {
-    const bool groupEnds = action.id == "redo";
-    menu.actions.push_back(std::move(action));
-    if (groupEnds) menu.actions.push_back(kSeparator);
-  }
+  const auto buffer = [this] { return app_.clipboard() != nullptr; };
+  MenuPlan menu{"&Edit", groupedActions(Menu::edit, {"undo", "redo", "", "cut", "copy", "paste", "paste-mix",
+                                                     "paste-mix-markers"})};
+  append(menu.actions,
+         {{"paste-new", "Paste as &new file", "Ctrl+Alt+V", "What was cut or copied as a file of its own",
+           [this] { files_.pasteAsNew(); }, buffer},
+          {"paste-system", "Paste fro&m system clipboard", "", "Audio that another program has copied",
+           [this] { files_.pasteFromSystem(); }},
+          kSeparator});
+  append(menu.actions, groupedActions(Menu::edit, {"delete", "trim"}));
   append(menu.actions,
          {documentAction("silence", "Insert &silence…", "Ctrl+I", "Insert a silent stretch",
                          [this](CPlumettaDoc& doc) { insertSilence(doc); }),
@@ -185,44 +152,42 @@ void MainFrame::editPreferences() {
   if (askPreferences(this, app_.settings())) app_.saveSettings();
 }
 
-// ---- View, channels, markers ----------------------------------------------------------------------------
+// ---- View and markers
+// --------------------------------------------------------------------------------------
 
 MenuPlan MainFrame::viewMenu() {
   using Panel = DocumentPanel;
   Action toolbar{"toolbar", "&Toolbar", "", "", [this] { showToolBar(GetToolBar() == nullptr); }};
   toolbar.checked = [this] { return GetToolBar() != nullptr; };
-  Action status{"status-bar", "&Status bar", "", "", [this] {
+  Action status{"status-bar", "Status &bar", "", "", [this] {
                   GetStatusBar()->Show(!GetStatusBar()->IsShown());
                   profile_.setInteger("Window", "Status bar", GetStatusBar()->IsShown() ? 1 : 0);
                   SendSizeEvent();
                 }};
   status.checked = [this] { return GetStatusBar()->IsShown(); };
-  return {"&View",
-          {viewAction("zoom-in", "Zoom &in", "Ctrl++", "Show less of the file, larger", &Panel::zoomIn),
-           viewAction("zoom-out", "Zoom &out", "Ctrl+-", "Show more of the file", &Panel::zoomOut),
-           viewAction("zoom-selection", "Zoom to s&election", "Ctrl+E", "Fill the window with the selection",
-                      &Panel::zoomToSelection),
-           viewAction("zoom-all", "Zoom &all", "Ctrl+0", "Show the whole file", &Panel::zoomAll), kSeparator,
-           viewAction("zoom-vertical-in", "Zoom in &vertically", "Ctrl+Up", "Show quiet passages larger",
-                      &Panel::zoomVerticalIn),
-           viewAction("zoom-vertical-out", "Zoom out ve&rtically", "Ctrl+Down", "Show the waveform smaller",
-                      &Panel::zoomVerticalOut),
-           viewAction("zoom-vertical-reset", "&Full amplitude", "Ctrl+Shift+0", "Show full scale",
-                      &Panel::zoomVerticalReset),
-           kSeparator, toolbar, status}};
-}
-
-MenuPlan MainFrame::channelMenu() {
-  MenuPlan menu{"&Channel", commandActions(Menu::channel)};
-  if (!menu.actions.empty()) menu.actions.push_back(kSeparator);
-  Action all =
-      documentAction("all-channels", "&All channels active", "", "Edit every channel", [](CPlumettaDoc& doc) {
-        doc.wave().setActive(ActiveOperation::all, 0);
-        doc.annotationsChanged();
-      });
-  all.enabled = [this] { return tabs_->active() != nullptr && !tabs_->active()->wave().allActive(); };
-  menu.actions.push_back(all);
-  return menu;
+  Action history{"history", "&History", "Ctrl+H", "What has been done to this file", [this] {
+                   historyWanted_ = !historyWanted_;
+                   profile_.setInteger("Window", "History", historyWanted_ ? 1 : 0);
+                   showHistory();
+                 }};
+  history.checked = [this] { return historyWanted_; };
+  return {
+      "&View",
+      {viewAction("zoom-in", "Zoom &in", "Ctrl++", "Show less of the file, larger", &Panel::zoomIn),
+       viewAction("zoom-out", "Zoom &out", "Ctrl+-", "Show more of the file", &Panel::zoomOut),
+       viewAction("zoom-selection", "Zoom to s&election", "Ctrl+E", "Fill the window with the selection",
+                  &Panel::zoomToSelection),
+       viewAction("zoom-all", "Zoom &all", "Ctrl+0", "Show the whole file", &Panel::zoomAll), kSeparator,
+       viewAction("zoom-vertical-in", "Zoom in &vertically", "Ctrl+Up", "Show quiet passages larger",
+                  &Panel::zoomVerticalIn),
+       viewAction("zoom-vertical-out", "Zoom out ve&rtically", "Ctrl+Down", "Show the waveform smaller",
+                  &Panel::zoomVerticalOut),
+       viewAction("zoom-vertical-reset", "&Full amplitude", "Ctrl+Shift+0", "Show full scale",
+                  &Panel::zoomVerticalReset),
+       kSeparator,
+       documentAction("statistics", "Statistic&s…", "F8", "Levels, format, markers and envelope in figures",
+                      [this](CPlumettaDoc& doc) { showStatistics(doc); }),
+       kSeparator, history, toolbar, status}};
 }
 
 MenuPlan MainFrame::markerMenu() {
@@ -236,6 +201,8 @@ MenuPlan MainFrame::markerMenu() {
 void MainFrame::addMarker(CPlumettaDoc& doc) {
   runCommand(doc, *findCommand("marker"), {FrameOrTime{double(doc.view().cursor)}, std::string()});
 }
+
+void MainFrame::showStatistics(CPlumettaDoc& doc) { CStatisticsDlg(this, doc).ShowModal(); }
 
 // ---- Window and help ------------------------------------------------------------------------------------
 

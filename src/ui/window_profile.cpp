@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window_profile.h"
 
+#include <charconv>
+
 #include "platform/private_profile.h"
 #include "ui/number_text.h"
 
@@ -32,7 +34,10 @@ void WindowProfile::setInteger(const std::string& section, const std::string& ke
 }
 
 void WindowProfile::setReal(const std::string& section, const std::string& key, double value) {
-  setText(section, key, numberText(value));
+  // With seven decimals and a point, whatever the locale.
+  char text[400];
+  const auto result = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 7);
+  setText(section, key, std::string(text, result.ptr));
 }
 
 }  // namespace plumetta

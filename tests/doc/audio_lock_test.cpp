@@ -36,7 +36,7 @@ TEST(AudioLock, CommandsNeverChangeWhatPlaybackReads) {
   AudioLock lock;
   HistoryList history;
   EditSettings settings;
-  std::unique_ptr<CWave> clipboard;
+  std::shared_ptr<const CWave> clipboard;
   DocumentServices services{files, folder, lock, prompter, history, settings, clipboard};
   CPlumettaDoc doc(services);
   doc.createNew(8000, 2, 32, 0, kFormatFloat);
@@ -55,8 +55,8 @@ TEST(AudioLock, CommandsNeverChangeWhatPlaybackReads) {
   });
   for (int round = 0; round < 3; ++round) {
     doc.select(100, 30000);
-    for (const char* id : {"quick-2", "quick-11", "quick-13", "quick-25", "cut", "paste", "paste-mix", "channel-11",
-                           "channel-12", "trim", "normalize", "undo", "undo", "redo"}) {
+    for (const char* id : {"quick-2", "quick-11", "quick-13", "quick-25", "cut", "paste", "paste-mix",
+                           "channel-11", "channel-12", "trim", "normalize", "undo", "undo", "redo"}) {
       runCommand(doc, *findCommand(id));
     }
   }

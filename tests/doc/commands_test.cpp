@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "doc/command.h"
@@ -48,7 +49,7 @@ class Commands : public ::testing::Test {
   AudioLock lock_;
   HistoryList history_;
   EditSettings settings_;
-  std::unique_ptr<CWave> clipboard_;
+  std::shared_ptr<const CWave> clipboard_;
   FailingFileSystem files_{-1};
   UndoFolder undoFolder_{files_, folder_.path()};
   DocumentServices services_{files_, undoFolder_, lock_, prompter_, history_, settings_, clipboard_};
@@ -156,6 +157,18 @@ TEST_F(Commands, DeleteTakesASelectedMarkerInsteadOfAudio) {
   EXPECT_EQ(doc_->wave().frames(), 99);
 }
 
+TEST_F(Commands, AClickedMarkerIsForgottenWhenItsNumberMayMeanAnother) {
+  for (int p : {1, 50, 70}) run("marker", {at(p)});
+  doc_->selectedMarker = 1;
+  doc_->select(0, 5);
+  run("cut");  // takes the first marker along
+  ASSERT_TRUE(run("delete"));
+  EXPECT_EQ(markerPositions(doc_->wave()), (std::vector<int>{43, 63}));
+  doc_->selectedMarker = 1;
+  run("undo");
+  EXPECT_FALSE(doc_->selectedMarker);
+}
+
 TEST_F(Commands, AnnotationsAreEditedAndUndoneWithTheirIds) {
   for (int p : {10, 20, 30}) run("marker", {at(p)});
   run("marker-delete", {number(0)});
@@ -174,6 +187,27 @@ TEST_F(Commands, AnnotationsAreEditedAndUndoneWithTheirIds) {
   EXPECT_EQ(doc_->wave().markers[1].id, 3u);
   run("undo");
   EXPECT_EQ(doc_->wave().loops.start(0), 40);
+}
+
+TEST_F(Commands, MarkersOnGridLinesAndWhereSoundsBegin) {
+  doc_->select(20, 59);
+  ASSERT_TRUE(run("marker-grid", {number(4)}));
+  EXPECT_EQ(markerPositions(doc_->wave()), (std::vector<int>{20, 30, 40, 50}));
+  ASSERT_TRUE(run("marker-grid", {number(2)}));  // no marker twice at one place
+  EXPECT_EQ(doc_->wave().markers.count(), 4);
+  EXPECT_FALSE(run("marker-grid", {number(0)}));
+
+  doc_->createNew(8000, 2, 16, 16000, kFormatPcm);
+  for (const int start : {3000, 9013}) {
+    for (int i = 0; i < 4000; ++i) {
+      doc_->wave().setSample(start + i, 1, 0.5f * std::sin(0.4f * static_cast<float>(i + 1)));
+    }
+  }
+  ASSERT_TRUE(run("auto-slice"));
+  ASSERT_EQ(doc_->wave().markers.count(), 2);
+  EXPECT_NEAR(doc_->wave().markers[0].position, 3000, 2);
+  EXPECT_NEAR(doc_->wave().markers[1].position, 9013, 2);
+  EXPECT_EQ(history_.names().back(), "Auto slice region");
 }
 
 TEST_F(Commands, EnvelopeComesToLifeWithItsFirstPoint) {
@@ -201,9 +235,12 @@ TEST_F(Commands, EnvelopeComesToLifeWithItsFirstPoint) {
   EXPECT_EQ(prompter_.questions.back(), "Do you want to delete all the volume envelope?");
   prompter_.answer = true;
   EXPECT_TRUE(run("envelope-clear"));
+  EXPECT_TRUE(run("envelope-create"));
+  EXPECT_FALSE(run("envelope-create"));
   EXPECT_TRUE(run("envelope-reset"));
-  EXPECT_EQ(history_.names(), (std::vector<std::string>{"Volume add", "Volume point removed",
-                                                        "Volume delete all", "Volume reset"}));
+  EXPECT_EQ(history_.names(),
+            (std::vector<std::string>{"Volume add", "Volume point removed", "Volume delete all",
+                                      "Volume created", "Volume reset"}));
 }
 
 TEST_F(Commands, PeaksFollowTheSamples) {

@@ -85,6 +85,11 @@ TEST(Normalize, TakesOnePeakOfAllActiveChannels) {
     EXPECT_EQ(wave->sample(20, static_cast<int>(channels) - 1), -1.0f);
     EXPECT_EQ(wave->sample(36, 0), 0.25f);
   }
+  for (size_t frames = 1; frames < 40; ++frames) {  // fewer samples than any vector holds, and a few more
+    auto shortOne = waveOf(std::vector<std::vector<float>>(3, std::vector<float>(frames, -0.25f)));
+    normalize(*shortOne, {0, static_cast<int32_t>(frames) - 1}, 0.0);
+    ASSERT_EQ(shortOne->sample(0, 2), -1.0f) << frames;
+  }
   auto wave = waveOf({{0.1f, -0.2f}, {0.9f, 0.9f}});
   wave->setActive(ActiveOperation::off, 1);
   normalize(*wave, {0, 1}, -6.0);

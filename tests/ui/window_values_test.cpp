@@ -79,7 +79,7 @@ TEST_F(Profile, ValuesThatMakeNoSenseLeaveTheFallback) {
   EXPECT_EQ(profile.real("Dialog", "Length", 1.5), 1.5);
   profile.setReal("Dialog", "Length", 0.1);
   EXPECT_EQ(profile.real("Dialog", "Length", 1.5), 0.1);
-  EXPECT_EQ(readProfileString(app.profilePath(), "Dialog", "Length", ""), "0.1");
+  EXPECT_EQ(readProfileString(app.profilePath(), "Dialog", "Length", ""), "0.1000000");
 }
 
 TEST_F(Profile, AFailedWriteIsToldOnce) {
