@@ -7,6 +7,7 @@
 #include <wx/sizer.h>
 
 #include "platform/paths.h"
+#include "ui/document_tabs.h"
 #include "ui/text.h"
 
 namespace plumetta {
@@ -89,8 +90,7 @@ void CStatisticsDlg::copy() {
 }
 
 void CStatisticsDlg::save() {
-  const std::string& file = doc_.wave().fileName();
-  const wxString folder = file == kUnnamedWave ? wxString() : toWx(folderOf(file));
+  const wxString folder = isNamed(doc_) ? toWx(folderOf(doc_.wave().fileName())) : wxString();
   wxFileDialog dialog(this, "Save statistics", folder, toWx(doc_.title() + ".txt"),
                       "Text file (*.txt)|*.txt|All Files (*.*)|*.*", wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
   if (dialog.ShowModal() != wxID_OK) return;
