@@ -61,9 +61,9 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   pages_->AddPage(tabs_, wxString());
   sides_->SetSashGravity(1.0);
   sides_->SetMinimumPaneSize(FromDIP(kNarrowestHistory));
-  sides_->Initialize(pages_);
   history_->Hide();
   place_.restore();
+  sides_->Initialize(pages_);
   buildStatusBar();
   menus_.build(menuPlan());
   for (const char* key : {"Ctrl+=", "Ctrl+Shift+=", "Ctrl+Shift++", "Ctrl+KP_Add"})

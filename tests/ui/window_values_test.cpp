@@ -52,10 +52,10 @@ TEST(StatisticsReport, StandsInColumns) {
   EXPECT_EQ(alignedReport("Head:\r\n\tRMS power :\t\t1.00%\t(-40.00 dB)\r\n"
                           "\tAverage value (DC offset) :\t-1.00%\t(x)\r\n\tFormat:\t\t\tPCM\r\n\t\xC2\xB5\tend"),
             "Head:\n"
-            "          RMS power :                   1.00%     (-40.00 dB)\n"
-            "          Average value (DC offset) :   -1.00%    (x)\n"
-            "          Format:                       PCM\n"
-            "          \xC2\xB5         end");
+            "    RMS power :                     1.00%     (-40.00 dB)\n"
+            "    Average value (DC offset) :     -1.00%    (x)\n"
+            "    Format:                         PCM\n"
+            "    \xC2\xB5                               end");
 }
 
 class Profile : public testing::Test {
