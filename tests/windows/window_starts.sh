@@ -1,14 +1,16 @@
 #!/bin/bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Usage: window_starts.sh PLUMETTA.exe [SCREENSHOT.png]  Starts the editor under Wine on a display of its own with a sound
-# file, waits for a window that names the file, and closes it as a person would. Fails when no window comes, or when the
-# program doesn't end.
+# Usage: window_starts.sh PLUMETTA.exe [SCREENSHOT.png [CLIPBOARD_PROBE.exe]]
+# Starts the editor under Wine on a display of its own with a sound file, waits for a window that names the file, and
+# closes it as a person would. Fails when no window comes, or when the program doesn't end. With a second program at
+# the clipboard, audio also has to reach it and come back.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 built=$1
 program=plumetta.exe
 picture=${2:-$(dirname "$built")/window.png}
+probe=${3:-}
 folder=$(mktemp -d)
 name=Glöckchen
 
@@ -30,6 +32,19 @@ within() {  # SECONDS COMMAND...
 
 titled() { xdotool search --onlyvisible --name "$name" >"$folder/window" 2>/dev/null && [[ -s $folder/window ]]; }
 ended() { ! kill -0 "$editor" 2>/dev/null; }
+
+at_clipboard() { (cd "$folder" && "$root/tools/windows/wine-run" probe.exe "$@") >>"$folder/output" 2>&1; }
+copied() { at_clipboard read copied.bin && python3 "$root/tests/windows/compare_clipboard.py" "$folder/$name.wav" "$folder/copied.bin" 2>>"$folder/output"; }
+pasted() { xdotool search --onlyvisible --name "paste from clipboard" >/dev/null 2>&1; }
+
+exchange_audio() {
+  cp "$probe" "$folder/probe.exe"
+  xdotool windowfocus "$(head -n 1 "$folder/window")" key ctrl+a key ctrl+c
+  within 30 copied || fail "What was copied does not lie on the system clipboard."
+  at_clipboard write "$name.wav" || fail "The clipboard does not take a wave."
+  xdotool key alt+e sleep 1 key m
+  within 20 pasted || { import -window root "$picture"; fail "What lies on the system clipboard is not pasted."; }
+}
 
 # A Wine folder of its own too: one whose background processes were started elsewhere belongs to another display.
 export PLUMETTA_WINEPREFIX=$root/build/windows/wine-window
@@ -61,6 +76,7 @@ within 90 titled || { import -window root "$picture" || true; fail "No window na
 sleep 2  # for the first drawing
 import -window root "$picture"
 ended && fail "The program ended on its own."
+[[ -z $probe ]] || exchange_audio
 # As the taskbar does it: asked to close, not killed.
 "$root/tools/windows/wine-run" taskkill.exe /im "$program" >>"$folder/output" 2>&1 || fail "Closing did not reach it."
 within 30 ended || fail "The program does not end when its window is closed."
