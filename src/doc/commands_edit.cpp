@@ -18,9 +18,10 @@ constexpr const char* kRedoLost = "This step can't be redone: its samples could 
 std::shared_ptr<const CWave> copyAllChannels(const CWave& wave, int32_t first, int32_t last) {
   auto copy = std::make_shared<CWave>();
   if (!copy->create(wave.sampleRate(), wave.channels(), wave.bitsPerSample(), int64_t{last} - first + 1,
-                    wave.formatTag())) {
+                    kFormatPcm)) {
     return nullptr;
   }
+  copy->setFormatTag(wave.formatTag());
   const float* from = wave.samples() + static_cast<size_t>(first) * static_cast<size_t>(wave.channels());
   std::copy_n(from, copy->sampleCount(), copy->samples());
   return copy;

@@ -105,7 +105,7 @@ std::vector<ParameterChoice> ditheringTypes(const CPlumettaDoc&) {
 
 std::vector<Parameter> bitDepthParameters() {
   return {
-      {"bits", "Bits per sample", "bits", ParameterType::integer, true, int64_t{8}, 0, 64,
+      {"bits", "Bits per sample", "", ParameterType::integer, true, int64_t{8}, 0, 64,
        "The bit depth must be 8, 16, 24, 32 or 64", "Bits per sample", bitDepths},
       {"format", "Format", "", ParameterType::integer, false, int64_t{1}, 0, 65535, "", "Format",
        sampleFormats},

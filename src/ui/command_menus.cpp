@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The rows of the command table in the menus.
 #include <algorithm>
+#include <stdexcept>
 
 #include "ui/main_frame.h"
 #include "ui/parameter_dialog.h"
@@ -20,7 +21,8 @@ std::vector<Action> MainFrame::groupedActions(Menu menu, const std::vector<std::
   std::vector<Action> actions;
   for (const std::string& id : ids) {
     const auto found = std::ranges::find(all, id, &Action::id);
-    actions.push_back(found != all.end() ? *found : kSeparator);
+    if (!id.empty() && found == all.end()) throw std::logic_error("no such command in this menu: " + id);
+    actions.push_back(id.empty() ? kSeparator : *found);
   }
   return actions;
 }

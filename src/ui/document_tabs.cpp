@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/paths.h"
 #include "ui/flat_tab_art.h"
 #include "ui/text.h"
 
@@ -13,6 +14,11 @@ constexpr long kStyle = wxAUI_NB_TOP | wxAUI_NB_TAB_SPLIT | wxAUI_NB_TAB_MOVE | 
                         wxAUI_NB_CLOSE_ON_ALL_TABS | wxAUI_NB_MIDDLE_CLICK_CLOSE | wxBORDER_NONE;
 
 }  // namespace
+
+bool isNamed(const CPlumettaDoc& doc) {
+  const std::string& path = doc.wave().fileName();
+  return absolutePath(path) == path;
+}
 
 wxString markedTitle(const CPlumettaDoc& doc) {
   const wxString title = toWx(doc.title());
@@ -105,9 +111,8 @@ const DocumentTabs::Entry* DocumentTabs::entryOf(const CPlumettaDoc& doc) const 
 
 void DocumentTabs::showTitle(const Entry& entry) {
   const auto page = static_cast<size_t>(GetPageIndex(entry.panel));
-  const std::string& path = entry.doc->wave().fileName();
   SetPageText(page, markedTitle(*entry.doc));
-  SetPageToolTip(page, path == kUnnamedWave ? wxString("Not saved yet") : toWx(path));
+  SetPageToolTip(page, isNamed(*entry.doc) ? toWx(entry.doc->wave().fileName()) : wxString("Not saved yet"));
   if (onTitleChanged) onTitleChanged();
 }
 

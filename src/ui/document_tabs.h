@@ -45,6 +45,9 @@ class DocumentTabs : public wxAuiNotebook {
   std::vector<Entry> entries_;
 };
 
+// Whether there is a file that the document came from or was saved to. What was made or pasted has a bare
+// name.
+bool isNamed(const CPlumettaDoc& doc);
 // The title with the mark of unsaved changes.
 wxString markedTitle(const CPlumettaDoc& doc);
 

@@ -32,8 +32,6 @@ FileCommands::FileCommands(wxWindow& parent, Application& app, DocumentTabs& tab
                            RecentFiles& recent)
     : parent_(parent), app_(app), tabs_(tabs), profile_(profile), recent_(recent) {}
 
-bool FileCommands::isNamed(const CPlumettaDoc& doc) { return doc.wave().fileName() != kUnnamedWave; }
-
 // ---- Coming ---------------------------------------------------------------------------------------------
 
 void FileCommands::createNew() {

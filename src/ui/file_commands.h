@@ -39,8 +39,6 @@ class FileCommands {
   // Asks for all that is unsaved, then closes all or nothing.
   bool closeAll();
 
-  static bool isNamed(const CPlumettaDoc& doc);
-
  private:
   // Empty when the person cancelled. A name without extension gets that of the chosen filter.
   std::string askTarget(const wxString& title, const std::string& name, const std::string& filter,

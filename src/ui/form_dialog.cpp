@@ -50,8 +50,13 @@ FormDialog::FormDialog(wxWindow* parent, const wxString& title)
   Bind(wxEVT_CHAR_HOOK, &FormDialog::onCharHook, this);
 }
 
-// Not every toolkit leads the mnemonic of a label to the field behind it.
+// Not every toolkit leads the mnemonic of a label to the field behind it, or Return on a closed list to OK.
 void FormDialog::onCharHook(wxKeyEvent& event) {
+  if (event.GetKeyCode() == WXK_RETURN && dynamic_cast<wxChoice*>(FindFocus()) != nullptr) {
+    wxCommandEvent ok(wxEVT_BUTTON, wxID_OK);
+    ProcessWindowEvent(ok);
+    return;
+  }
   const auto found =
       event.GetModifiers() == wxMOD_ALT ? mnemonics_.find(event.GetKeyCode()) : mnemonics_.end();
   if (found == mnemonics_.end()) {
@@ -89,6 +94,7 @@ void FormDialog::show(wxStaticText* problem, const std::string& text) {
 
 void FormDialog::addRow(const wxString& label, wxWindow* window, wxSizer* content, wxStaticText* problem) {
   auto* text = new wxStaticText(this, wxID_ANY, label.empty() ? label : withMnemonic(label, window) + ":");
+  if (first_ == nullptr) first_ = window;
   // The label belongs to the field, not to the problem below it.
   auto* right = new wxBoxSizer(wxVERTICAL);
   right->Add(content, 0, wxEXPAND);
@@ -200,10 +206,11 @@ bool FormDialog::ask(const wxString& okLabel) {
   if (!okLabel.empty()) FindWindow(wxID_OK)->SetLabel(okLabel);
   SetSizerAndFit(all);
   CentreOnParent();
-  if (!fields_.empty()) {
-    fields_.front().window->SetFocus();
-    fields_.front().entry->SelectAll();
-  }
+  // Once the dialog stands: some toolkits put the focus on the default button then.
+  CallAfter([this] {
+    if (first_ != nullptr) first_->SetFocus();
+    if (!fields_.empty() && fields_.front().window == first_) fields_.front().entry->SelectAll();
+  });
   return ShowModal() == wxID_OK;
 }
 

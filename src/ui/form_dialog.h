@@ -71,6 +71,7 @@ class FormDialog : public wxDialog {
   std::vector<Field> fields_;
   std::map<int, wxWindow*> mnemonics_;  // by capital letter
   wxStaticText* problemOfAll_;
+  wxWindow* first_ = nullptr;
 };
 
 // Checks for the common cases. `message` empty makes one up from the bounds.

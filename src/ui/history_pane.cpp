@@ -90,7 +90,7 @@ HistoryPane::HistoryPane(wxWindow* parent) : wxPanel(parent), list_(new StepList
   auto* heading = new wxStaticText(this, wxID_ANY, "History");
   heading->SetFont(GetFont().Bold());
   auto* all = new wxBoxSizer(wxVERTICAL);
-  all->Add(heading, 0, wxALL, FromDIP(8));
+  all->Add(heading, 0, wxEXPAND | wxALL, FromDIP(8));
   all->Add(list_, 1, wxEXPAND);
   SetSizer(all);
   const auto adoptTheme = [this, heading] {

@@ -61,9 +61,9 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   pages_->AddPage(tabs_, wxString());
   sides_->SetSashGravity(1.0);
   sides_->SetMinimumPaneSize(FromDIP(kNarrowestHistory));
-  sides_->Initialize(pages_);
   history_->Hide();
   place_.restore();
+  sides_->Initialize(pages_);
   buildStatusBar();
   menus_.build(menuPlan());
   for (const char* key : {"Ctrl+=", "Ctrl+Shift+=", "Ctrl+Shift++", "Ctrl+KP_Add"})
@@ -93,10 +93,6 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   };
   history_->onChosen = [this](size_t steps) { goInHistory(steps); };
   sides_->Bind(wxEVT_SPLITTER_DOUBLECLICKED, [](wxSplitterEvent& event) { event.Veto(); });
-  sides_->Bind(wxEVT_SPLITTER_SASH_POS_CHANGED, [this](wxSplitterEvent& event) {
-    if (sides_->IsSplit()) profile_.setInteger(kWindow, "History width", ToDIP(history_->GetSize().x));
-    event.Skip();
-  });
   prompter_.setParent(this);
   prompter_.onStatus = [this](const wxString& text) { SetStatusText(text, kMessage); };
   for (wxWindow* window :
@@ -193,13 +189,18 @@ void MainFrame::showStatus() {
 void MainFrame::showHistory() {
   const bool show = historyWanted_ && tabs_->active() != nullptr;
   if (show && !sides_->IsSplit()) {
-    const int width = profile_.integer(kWindow, "History width", kHistoryWidth);
+    const int stored = profile_.integer(kWindow, "History width", kHistoryWidth);
     history_->Show();
-    sides_->SplitVertically(pages_, history_, -FromDIP(std::max(width, kNarrowestHistory)));
+    sides_->SplitVertically(pages_, history_, -FromDIP(std::max(stored, kNarrowestHistory)));
   } else if (!show && sides_->IsSplit()) {
+    storeHistoryWidth();
     sides_->Unsplit(history_);
   }
   if (show) history_->show(tabs_->active());
+}
+
+void MainFrame::storeHistoryWidth() {
+  if (sides_->IsSplit()) profile_.setInteger(kWindow, "History width", ToDIP(history_->GetSize().x));
 }
 
 void MainFrame::goInHistory(size_t steps) {
@@ -231,7 +232,8 @@ void MainFrame::onActivated() {
   if (DocumentPanel* panel = tabs_->activePanel(); panel != nullptr && panel->GetDropTarget() == nullptr) {
     acceptFiles(*panel);
   }
-  showHistory();
+  // A window that is just opening has not got its size yet.
+  CallAfter(&MainFrame::showHistory);
   showTitle();
   showStatus();
   menus_.refill("documents");
@@ -245,6 +247,7 @@ void MainFrame::onClose(wxCloseEvent& event) {
     return;
   }
   place_.store();
+  storeHistoryWidth();
   // Without a veto the documents end with their windows, which look at them to the last.
   for (CPlumettaDoc* doc : tabs_->documents()) tabs_->remove(*doc);
   Destroy();

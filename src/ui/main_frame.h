@@ -68,6 +68,7 @@ class MainFrame : public wxFrame {
   void showToolBar(bool show);
   // The history beside the documents, if it is wanted and there is a document.
   void showHistory();
+  void storeHistoryWidth();
   void goInHistory(size_t steps);
   void showStatus();
   void showTitle();

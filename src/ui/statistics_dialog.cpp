@@ -7,34 +7,40 @@
 #include <wx/sizer.h>
 
 #include "platform/paths.h"
+#include "ui/document_tabs.h"
 #include "ui/text.h"
 
 namespace plumetta {
 namespace {
 
-// The report sets one, two or three tabs behind a label, by its length; with stops so far apart all values
-// stand in one column.
-constexpr size_t kTabStop = 10;
+// Where the labels, the values and their decibels begin. How many tabs the report sets before a value depends
+// on the label's width in some typeface, so any number of them leads to the next of these.
+constexpr size_t kStops[] = {4, 36, 46};
 constexpr int kMargin = 16;
 constexpr int kColumns = 64;
-constexpr int kLines = 30;
+constexpr int kLines = 26;
 
 }  // namespace
 
 std::string alignedReport(const std::string& report) {
   std::string text;
   size_t column = 0;
+  size_t stop = 0;  // the next of kStops
+  char before = '\n';
   for (const char c : report) {
     if (c == '\r') continue;
     if (c == '\t') {
-      const size_t blanks = kTabStop - column % kTabStop;
+      const size_t target = stop < std::size(kStops) && before != '\t' ? kStops[stop++] : 0;
+      const size_t blanks = target > column ? target - column : before == '\t' ? 0 : 1;
       text.append(blanks, ' ');
       column += blanks;
-      continue;
+    } else {
+      text += c;
+      const bool continuesCharacter = (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+      column = c == '\n' ? 0 : column + (continuesCharacter ? 0 : 1);
+      if (c == '\n') stop = 0;
     }
-    text += c;
-    const bool continuesCharacter = (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-    column = c == '\n' ? 0 : column + (continuesCharacter ? 0 : 1);
+    before = c;
   }
   return text;
 }
@@ -89,8 +95,7 @@ void CStatisticsDlg::copy() {
 }
 
 void CStatisticsDlg::save() {
-  const std::string& file = doc_.wave().fileName();
-  const wxString folder = file == kUnnamedWave ? wxString() : toWx(folderOf(file));
+  const wxString folder = isNamed(doc_) ? toWx(folderOf(doc_.wave().fileName())) : wxString();
   wxFileDialog dialog(this, "Save statistics", folder, toWx(doc_.title() + ".txt"),
                       "Text file (*.txt)|*.txt|All Files (*.*)|*.*", wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
   if (dialog.ShowModal() != wxID_OK) return;

@@ -4,6 +4,9 @@
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "formats/clipboard_image.h"
 
 namespace plumetta {

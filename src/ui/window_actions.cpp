@@ -61,7 +61,7 @@ MenuPlan MainFrame::fileMenu() {
                                [this](CPlumettaDoc& doc) { files_.save(doc); });
   save.enabled = [this] {
     const CPlumettaDoc* doc = tabs_->active();
-    return doc != nullptr && (doc->modified() || !FileCommands::isNamed(*doc));
+    return doc != nullptr && (doc->modified() || !isNamed(*doc));
   };
   Action saveSelection =
       documentAction("save-selection", "Save se&lection as…", "", "Save the selected part as WAV",

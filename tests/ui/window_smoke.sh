@@ -75,6 +75,12 @@ sleep 1  # for the panel to take the focus
 press ctrl+a
 press ctrl+x
 wait_for 20 title_is "*tone.wav" || fail "the cut left no mark of changes"
+if command -v xclip >/dev/null; then
+  timeout 20 xclip -selection clipboard -t audio/x-wav -o >"$folder/clipboard" 2>/dev/null
+  # A header of 48 bytes, and every stereo frame of 16 bits but the last.
+  size=$(wc -c <"$folder/clipboard")
+  [ "$size" -eq $((48 + 29999 * 4)) ] || fail "the system clipboard holds $size bytes"
+fi
 press ctrl+z
 press ctrl+s
 wait_for 20 title_is "tone.wav" || fail "still marked as changed after saving"

@@ -9,6 +9,7 @@
 #include "ui/file_filters.h"
 #include "ui/number_text.h"
 #include "ui/recent_files.h"
+#include "ui/statistics_dialog.h"
 
 namespace plumetta {
 namespace {
@@ -45,6 +46,17 @@ TEST(FileFilters, AreReadOffTheFormats) {
   EXPECT_EQ(saveFilter(writable), "Alpha (*.a, *.al)|*.a;*.al|Gamma (*.g)|*.g");
   EXPECT_EQ(filterIndexOf(writable, "x.G"), 1);
   EXPECT_EQ(filterIndexOf(writable, "x.b"), 0);
+}
+
+TEST(StatisticsReport, StandsInColumns) {
+  EXPECT_EQ(
+      alignedReport("Head:\r\n\tRMS power :\t\t1.00%\t(-40.00 dB)\r\n"
+                    "\tAverage value (DC offset) :\t-1.00%\t(x)\r\n\tFormat:\t\t\tPCM\r\n\t\xC2\xB5\tend"),
+      "Head:\n"
+      "    RMS power :                     1.00%     (-40.00 dB)\n"
+      "    Average value (DC offset) :     -1.00%    (x)\n"
+      "    Format:                         PCM\n"
+      "    \xC2\xB5                               end");
 }
 
 class Profile : public testing::Test {
