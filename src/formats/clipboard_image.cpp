@@ -13,7 +13,8 @@ namespace plumetta {
 namespace {
 
 constexpr size_t kHeaderBytes = 48;
-constexpr uint32_t kDeclaredFormatBytes = 20;  // four more than the fields need; kept for programs that expect them
+constexpr uint32_t kDeclaredFormatBytes =
+    20;  // four more than the fields need; kept for programs that expect them
 constexpr uint32_t kBytesBehindRiffSize = 40;
 constexpr double kFullScale32 = 2147483647.0;
 
@@ -69,8 +70,10 @@ void putSample(uint8_t*& out, float sample, int bits, bool floats) {
       putLittle(out, static_cast<uint32_t>(truncated<int32_t>(s * kFullScale32)) >> 8, 3);
       break;
     case 32:
-      putLittle(out, floats ? std::bit_cast<uint32_t>(sample)
-                            : static_cast<uint32_t>(truncated<int32_t>(s * kFullScale32)), 4);
+      putLittle(out,
+                floats ? std::bit_cast<uint32_t>(sample)
+                       : static_cast<uint32_t>(truncated<int32_t>(s * kFullScale32)),
+                4);
       break;
     default:
       putLittle(out, std::bit_cast<uint64_t>(s), 8);

@@ -68,8 +68,8 @@ void MainFrame::runWithParameters(CPlumettaDoc& doc, const Command& command) {
 
 MenuPlan MainFrame::processMenu() {
   Action fade{"fade", "&Fade", "", "Let the selection come or go", nullptr};
-  fade.actions = groupedActions(Menu::fade, {"quick-0", "quick-2", "quick-4", "quick-6", "quick-8", "", "quick-1",
-                                             "quick-3", "quick-5", "quick-7", "quick-9"});
+  fade.actions = groupedActions(Menu::fade, {"quick-0", "quick-2", "quick-4", "quick-6", "quick-8", "",
+                                             "quick-1", "quick-3", "quick-5", "quick-7", "quick-9"});
   Action normalize{"normalize-menu", "&Normalize", "", "Bring the loudest sample to a level", nullptr};
   normalize.actions = groupedActions(
       Menu::normalize, {"normalize", "", "quick-14", "quick-15", "quick-16", "quick-17", "quick-18"});
@@ -78,27 +78,28 @@ MenuPlan MainFrame::processMenu() {
       groupedActions(Menu::generate, {"quick-28", "quick-29", "", "quick-30", "quick-31", "quick-32"});
   MenuPlan menu{"&Process", {fade, normalize, generate, kSeparator}};
   // Loudness, clipping, waveform, channels and storage.
-  for (const Action& action : groupedActions(
-           Menu::process, {"volume", "quick-20", "quick-21", "quick-10", "", "truncate", "quick-22", "quick-23",
-                           "", "quick-11", "quick-12", "quick-13", "quick-24", "", "quick-25", "quick-19", "",
-                           "bit-depth"})) {
+  for (const Action& action :
+       groupedActions(Menu::process, {"volume", "quick-20", "quick-21", "quick-10", "", "truncate",
+                                      "quick-22", "quick-23", "", "quick-11", "quick-12", "quick-13",
+                                      "quick-24", "", "quick-25", "quick-19", "", "bit-depth"})) {
     menu.actions.push_back(action);
   }
   return menu;
 }
 
 MenuPlan MainFrame::channelMenu() {
-  MenuPlan menu{"&Channel",
-                groupedActions(Menu::channel, {"channel-0", "channel-1"})};
+  MenuPlan menu{"&Channel", groupedActions(Menu::channel, {"channel-0", "channel-1"})};
   Action keep{"keep-channel", "&Keep one channel", "", "Throw every other channel away", nullptr};
-  keep.actions = groupedActions(Menu::channel, {"channel-2", "channel-3", "channel-4", "channel-5", "channel-6",
-                                                "channel-7", "channel-8", "channel-9"});
+  keep.actions = groupedActions(Menu::channel, {"channel-2", "channel-3", "channel-4", "channel-5",
+                                                "channel-6", "channel-7", "channel-8", "channel-9"});
   menu.actions.insert(menu.actions.end(), {keep, kSeparator});
-  for (Action action : groupedActions(Menu::channel, {"channel-10", "", "channel-11", "channel-13", "channel-14",
-                                                      "channel-15", "channel-12", ""})) {
+  for (Action action : groupedActions(Menu::channel, {"channel-10", "", "channel-11", "channel-13",
+                                                      "channel-14", "channel-15", "channel-12", ""})) {
     // The only channel can't be deleted.
     if (action.id == "channel-12") {
-      action.enabled = [this] { return tabs_->active() != nullptr && tabs_->active()->wave().channels() > 1; };
+      action.enabled = [this] {
+        return tabs_->active() != nullptr && tabs_->active()->wave().channels() > 1;
+      };
     }
     menu.actions.push_back(action);
   }

@@ -11,7 +11,8 @@ namespace plumetta {
 
 class StepList;
 
-// What has been done to a document, step by step; the steps that were undone are grey. Choosing one goes there.
+// What has been done to a document, step by step; the steps that were undone are grey. Choosing one goes
+// there.
 class HistoryPane : public wxPanel {
  public:
   explicit HistoryPane(wxWindow* parent);

@@ -67,7 +67,8 @@ int indexOf(const std::vector<ParameterChoice>& choices, int64_t value) {
 }
 
 // A stored value that is not among the choices, say a channel of a larger file, leaves the fallback.
-ParameterField addChoices(const Place& place, const Parameter& parameter, std::vector<ParameterChoice> choices) {
+ParameterField addChoices(const Place& place, const Parameter& parameter,
+                          std::vector<ParameterChoice> choices) {
   const std::string key = parameter.storedAs();
   const auto fallback = std::get<int64_t>(parameter.fallback);
   const int stored = place.profile.integer(place.section, key, static_cast<int>(fallback));
@@ -75,7 +76,9 @@ ParameterField addChoices(const Place& place, const Parameter& parameter, std::v
   for (const ParameterChoice& choice : choices) labels.Add(toWx(choice.label));
   const int selected = indexOf(choices, indexOf(choices, stored) >= 0 ? stored : fallback);
   wxChoice* field = place.form.addChoice(toWx(parameter.label), labels, selected, toWx(parameter.unit));
-  return {[field, choices]() -> ParameterValue { return choices[static_cast<size_t>(field->GetSelection())].value; },
+  return {[field, choices]() -> ParameterValue {
+            return choices[static_cast<size_t>(field->GetSelection())].value;
+          },
           [place, key](const ParameterValue& given) {
             place.profile.setText(place.section, key, std::to_string(std::get<int64_t>(given)));
           }};

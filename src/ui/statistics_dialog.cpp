@@ -13,8 +13,8 @@
 namespace plumetta {
 namespace {
 
-// Where the labels, the values and their decibels begin. How many tabs the report sets before a value depends on
-// the label's width in some typeface, so any number of them leads to the next of these.
+// Where the labels, the values and their decibels begin. How many tabs the report sets before a value depends
+// on the label's width in some typeface, so any number of them leads to the next of these.
 constexpr size_t kStops[] = {4, 36, 46};
 constexpr int kMargin = 16;
 constexpr int kColumns = 64;
@@ -54,7 +54,8 @@ CStatisticsDlg::CStatisticsDlg(wxWindow* parent, CPlumettaDoc& doc)
       levels_(new wxCheckBox(this, wxID_ANY, "&Level figures")) {
   SetTitle(toWx("Statistics – " + doc.title()));
   text_->SetFont(wxFont(wxFontInfo(GetFont().GetPointSize()).Family(wxFONTFAMILY_TELETYPE)));
-  text_->SetInitialSize(text_->GetSizeFromTextSize(kColumns * text_->GetCharWidth(), kLines * text_->GetCharHeight()));
+  text_->SetInitialSize(
+      text_->GetSizeFromTextSize(kColumns * text_->GetCharWidth(), kLines * text_->GetCharHeight()));
   levels_->SetValue(true);
   auto* copyButton = new wxButton(this, wxID_COPY, "C&opy");
   auto* saveButton = new wxButton(this, wxID_SAVE, "&Save…");

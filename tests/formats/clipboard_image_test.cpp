@@ -32,8 +32,9 @@ std::unique_ptr<CWave> waveOf(int channels, int bits, uint16_t tag, const std::v
 // The 48 bytes of 2 channels at 8000 Hz.
 std::string header(int tag, int bits, unsigned dataBytes) {
   const auto align = static_cast<uint64_t>(bits / 4);
-  return "RIFF" + u32(dataBytes + 40) + "WAVEfmt " + u32(20) + u16(static_cast<uint64_t>(tag)) + u16(2) + u32(8000) +
-         u32(align * 8000) + u16(align) + u16(static_cast<uint64_t>(bits)) + "\0\0\0\0"s + "data" + u32(dataBytes);
+  return "RIFF" + u32(dataBytes + 40) + "WAVEfmt " + u32(20) + u16(static_cast<uint64_t>(tag)) + u16(2) +
+         u32(8000) + u32(align * 8000) + u16(align) + u16(static_cast<uint64_t>(bits)) + "\0\0\0\0"s +
+         "data" + u32(dataBytes);
 }
 
 TEST(ClipboardImage, IsExactInEveryFormat) {
@@ -44,19 +45,20 @@ TEST(ClipboardImage, IsExactInEveryFormat) {
     uint16_t tag;
     int writtenTag;
     std::string data;
-  } cases[] = {
-      // 63.5 + 128.5 = 192; -63.5 + 128.5 = 65; 255.5; 1.5
-      {8, kFormatPcm, 1, "\xC0\x41\xFF\x01"s},
-      // 16383.5 and -16383.5 lose their halves: 0x3FFF and -0x3FFF
-      {16, kFormatPcm, 1, "\xFF\x3F\x01\xC0\xFF\x7F\x01\x80"s},
-      // 1073741823.5 is 0x3FFFFFFF, its opposite 0xC0000001
-      {24, kFormatPcm, 1, "\xFF\xFF\x3F\x00\x00\xC0\xFF\xFF\x7F\x00\x00\x80"s},
-      {32, kFormatPcm, 1, "\xFF\xFF\xFF\x3F\x01\x00\x00\xC0\xFF\xFF\xFF\x7F\x01\x00\x00\x80"s},
-      {32, kFormatFloat, 3, "\0\0\0\x3F\0\0\0\xBF\0\0\x80\x3F\0\0\x80\xBF"s},
-      {64, kFormatFloat, 3, "\0\0\0\0\0\0\xE0\x3F\0\0\0\0\0\0\xE0\xBF\0\0\0\0\0\0\xF0\x3F\0\0\0\0\0\0\xF0\xBF"s},
-      // A tag that these bits never have is not claimed.
-      {8, kFormatMuLaw, 1, "\xC0\x41\xFF\x01"s},
-      {64, kFormatPcm, 3, "\0\0\0\0\0\0\xE0\x3F\0\0\0\0\0\0\xE0\xBF\0\0\0\0\0\0\xF0\x3F\0\0\0\0\0\0\xF0\xBF"s}};
+  } cases[] = {// 63.5 + 128.5 = 192; -63.5 + 128.5 = 65; 255.5; 1.5
+               {8, kFormatPcm, 1, "\xC0\x41\xFF\x01"s},
+               // 16383.5 and -16383.5 lose their halves: 0x3FFF and -0x3FFF
+               {16, kFormatPcm, 1, "\xFF\x3F\x01\xC0\xFF\x7F\x01\x80"s},
+               // 1073741823.5 is 0x3FFFFFFF, its opposite 0xC0000001
+               {24, kFormatPcm, 1, "\xFF\xFF\x3F\x00\x00\xC0\xFF\xFF\x7F\x00\x00\x80"s},
+               {32, kFormatPcm, 1, "\xFF\xFF\xFF\x3F\x01\x00\x00\xC0\xFF\xFF\xFF\x7F\x01\x00\x00\x80"s},
+               {32, kFormatFloat, 3, "\0\0\0\x3F\0\0\0\xBF\0\0\x80\x3F\0\0\x80\xBF"s},
+               {64, kFormatFloat, 3,
+                "\0\0\0\0\0\0\xE0\x3F\0\0\0\0\0\0\xE0\xBF\0\0\0\0\0\0\xF0\x3F\0\0\0\0\0\0\xF0\xBF"s},
+               // A tag that these bits never have is not claimed.
+               {8, kFormatMuLaw, 1, "\xC0\x41\xFF\x01"s},
+               {64, kFormatPcm, 3,
+                "\0\0\0\0\0\0\xE0\x3F\0\0\0\0\0\0\xE0\xBF\0\0\0\0\0\0\xF0\x3F\0\0\0\0\0\0\xF0\xBF"s}};
   for (const auto& [bits, tag, writtenTag, data] : cases) {
     const auto wave = waveOf(2, bits, tag, samples);
     const auto bytes = static_cast<unsigned>(data.size());
@@ -94,8 +96,8 @@ TEST(ClipboardImage, ComesBackAsItWas) {
 
 TEST(ClipboardImage, OfOtherProgramsIsReadSafely) {
   const std::string plain = plainWav("\x00\x40\x00\xC0"s);
-  const std::string extensible =
-      riff(chunk("fmt ", extensibleBody(1, 1, 8000, 16)) + chunk("LIST", "abc") + chunk("data", "\x00\x40\x00\xC0"s));
+  const std::string extensible = riff(chunk("fmt ", extensibleBody(1, 1, 8000, 16)) + chunk("LIST", "abc") +
+                                      chunk("data", "\x00\x40\x00\xC0"s));
   for (const std::string& image : {plain, extensible, plain + "trailing"}) {
     CWave wave;
     EXPECT_EQ(readClipboardImage(image, wave).status, LoadStatus::loaded);
@@ -113,7 +115,8 @@ TEST(ClipboardImage, OfOtherProgramsIsReadSafely) {
     }
   }
   CWave wave;
-  for (const std::string& image : {"no audio at all"s, "RIFF\0\0\0\0AVI LIST"s, riff(chunk("data", "\0\0"s))}) {
+  for (const std::string& image :
+       {"no audio at all"s, "RIFF\0\0\0\0AVI LIST"s, riff(chunk("data", "\0\0"s))}) {
     EXPECT_EQ(readClipboardImage(image, wave).status, LoadStatus::failed) << image;
   }
   // Sizes that lie.
