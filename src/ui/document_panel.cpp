@@ -167,7 +167,10 @@ wxString DocumentPanel::statusFormat() const {
 }
 
 wxString DocumentPanel::statusLength() const {
-  return fromUtf8(view_.positionText(view_.doc.wave().frames()));
+  const int32_t frames = view_.doc.wave().frames();
+  const std::string time = view_.positionText(frames);
+  const std::string count = formatCount(frames);
+  return fromUtf8(time == count ? count + " frames" : time + " (" + count + " frames)");
 }
 
 wxString DocumentPanel::statusCursor() const { return fromUtf8(view_.positionText(view_.doc.view().cursor)); }

@@ -37,7 +37,7 @@ class DocumentPanel : public wxPanel, public DocumentListener {
 
   // The fields of a status bar, as the person counts time at this moment.
   wxString statusFormat() const;
-  wxString statusLength() const;
+  wxString statusLength() const;  // in frames as well
   wxString statusCursor() const;
   wxString statusSelection() const;
 

@@ -168,7 +168,7 @@ void MainFrame::showToolBar(bool show) {
 void MainFrame::buildStatusBar() {
   wxStatusBar* bar = CreateStatusBar(kStatusFields, wxSTB_DEFAULT_STYLE);
   // Shares of the width, so that in a narrow window every field keeps some room; what is cut has a tooltip.
-  const int widths[kStatusFields] = {-4, -3, -2, -2, -5};
+  const int widths[kStatusFields] = {-3, -3, -4, -2, -5};
   int styles[kStatusFields];
   for (int& style : styles) style = wxSB_FLAT;
   bar->SetStatusWidths(kStatusFields, widths);
