@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A second program at the system clipboard: `clipboard_probe read FILE` writes the wave that lies there into a
-// file, `clipboard_probe write FILE` puts a file's bytes there as the standard wave format.
+// A second program at the system clipboard: `clipboard_probe read FILE` writes the wave that lies there into
+// a file, `clipboard_probe write FILE` puts a file's bytes there as the standard wave format.
 #include <windows.h>
 
 #include <cstdio>

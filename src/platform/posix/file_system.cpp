@@ -24,7 +24,7 @@ std::error_code lastError() { return {errno, std::generic_category()}; }
 
 std::error_code check(int result) { return result == 0 ? std::error_code{} : lastError(); }
 
-class PosixFile : public File {
+class PosixFile final : public File {
  public:
   PosixFile(int descriptor, uint64_t size) : descriptor_(descriptor), size_(size) {}
   ~PosixFile() override { close(); }
