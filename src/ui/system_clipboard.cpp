@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "formats/clipboard_image.h"
+#include "platform/wave_clipboard.h"
 
 namespace plumetta {
 namespace {
@@ -61,6 +62,8 @@ void DesktopClipboard::offer(std::shared_ptr<const CWave> audio, int32_t frames)
 }
 
 std::optional<std::string> DesktopClipboard::waveImage() {
+  // The toolkit can't tell the size of every block that another program has left on Windows' clipboard.
+  if (auto image = systemWaveImage()) return image;
   const wxClipboardLocker clipboard;
   if (!clipboard) return std::nullopt;
   for (const wxDataFormat& format : waveFormats()) {

@@ -34,15 +34,20 @@ titled() { xdotool search --onlyvisible --name "$name" >"$folder/window" 2>/dev/
 ended() { ! kill -0 "$editor" 2>/dev/null; }
 
 at_clipboard() { (cd "$folder" && "$root/tools/windows/wine-run" probe.exe "$@") >>"$folder/output" 2>&1; }
-copied() { at_clipboard read copied.bin && python3 "$root/tests/windows/compare_clipboard.py" "$folder/$name.wav" "$folder/copied.bin" 2>>"$folder/output"; }
+copied() {
+  xdotool windowfocus "$(head -n 1 "$folder/window")" key ctrl+a key ctrl+c
+  at_clipboard read copied.bin &&
+    python3 "$root/tests/windows/compare_clipboard.py" "$folder/$name.wav" "$folder/copied.bin" 2>>"$folder/output"
+}
+asked() { xdotool search --onlyvisible --name "Save changes" >/dev/null 2>&1; }
 pasted() { xdotool search --onlyvisible --name "paste from clipboard" >/dev/null 2>&1; }
 
 exchange_audio() {
   cp "$probe" "$folder/probe.exe"
-  xdotool windowfocus "$(head -n 1 "$folder/window")" key ctrl+a key ctrl+c
-  within 30 copied || fail "What was copied does not lie on the system clipboard."
+  within 40 copied || fail "What was copied does not lie on the system clipboard."
   at_clipboard write "$name.wav" || fail "The clipboard does not take a wave."
   xdotool key alt+e sleep 1 key m
+  within 10 pasted || xdotool key Escape key Escape key alt+e sleep 2 key m
   within 20 pasted || { import -window root "$picture"; fail "What lies on the system clipboard is not pasted."; }
 }
 
@@ -79,7 +84,12 @@ ended && fail "The program ended on its own."
 [[ -z $probe ]] || exchange_audio
 # As the taskbar does it: asked to close, not killed.
 "$root/tools/windows/wine-run" taskkill.exe /im "$program" >>"$folder/output" 2>&1 || fail "Closing did not reach it."
-within 30 ended || fail "The program does not end when its window is closed."
+if [[ -n $probe ]]; then within 20 asked || fail "Closing does not ask about what was pasted."; fi
+declined() {
+  if asked; then xdotool key alt+d; fi
+  ended
+}
+within 40 declined || fail "The program does not end when its window is closed."
 status=0
 wait "$editor" || status=$?
 editor=
