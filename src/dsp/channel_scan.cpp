@@ -52,6 +52,15 @@ PLUMETTA_WIDE_VECTORS void anyExtremes(const float* samples, size_t count, size_
   }
 }
 
+PLUMETTA_WIDE_VECTORS void fixedSumsAlone(const float* samples, size_t count, double* sums) {
+  double sum[kLanes];
+  std::copy_n(sums, kLanes, sum);
+  for (size_t i = 0; i < count; i += kLanes) {
+    for (size_t lane = 0; lane < kLanes; ++lane) sum[lane] += samples[i + lane];
+  }
+  std::copy_n(sum, kLanes, sums);
+}
+
 PLUMETTA_WIDE_VECTORS void fixedSums(const float* samples, size_t count, double* sums, double* squares) {
   double sum[kLanes];
   double square[kLanes];
@@ -107,7 +116,9 @@ void scanSums(const float* samples, size_t frames, size_t channels, double* sums
   const size_t lanes = lanesFor(channels);
   const size_t count = frames * channels;
   const size_t whole = count - count % lanes;
-  if (lanesFit(channels)) {
+  if (lanesFit(channels) && squares == nullptr) {
+    fixedSumsAlone(samples, whole, sum);
+  } else if (lanesFit(channels)) {
     fixedSums(samples, whole, sum, square);
   } else {
     anySums(samples, whole, lanes, sum, square);
