@@ -59,5 +59,63 @@ void copyTheSamples(benchmark::State& state) {
 }
 BENCHMARK(copyTheSamples)->Unit(benchmark::kMillisecond);
 
+// Copy and paste of half the file: what the clipboard does, beside the bare moves into memory taken alike.
+
+void copyHalf(benchmark::State& state) {
+  const auto wave = benchWave();
+  for (auto _ : state) {
+    CWave clipboard;
+    wave->copyRangeTo(clipboard, 0, kMiddle - 1);
+    benchmark::DoNotOptimize(clipboard.samples());
+  }
+}
+BENCHMARK(copyHalf)->Unit(benchmark::kMillisecond);
+
+void copyHalfPlainly(benchmark::State& state) {
+  const auto wave = benchWave();
+  const size_t bytes = size_t{2} * kMiddle * sizeof(float);
+  for (auto _ : state) {
+    BlockMemory block;
+    block.resizeZeroed(bytes);
+    std::memcpy(block.data(), wave->samples(), bytes);
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(copyHalfPlainly)->Unit(benchmark::kMillisecond);
+
+void pasteAndCutHalf(benchmark::State& state) {
+  const auto wave = benchWave();
+  CWave clipboard;
+  wave->copyRangeTo(clipboard, 0, kMiddle - 1);
+  for (auto _ : state) {
+    wave->insertBuffer(clipboard, kMiddle);
+    wave->deleteRange(kMiddle, 2 * kMiddle - 1);
+  }
+}
+BENCHMARK(pasteAndCutHalf)->Unit(benchmark::kMillisecond);
+
+// The same growth, moves and shrinking without a buffer's bookkeeping.
+void pasteAndCutHalfPlainly(benchmark::State& state) {
+  const auto wave = benchWave();
+  const size_t half = size_t{2} * kMiddle * sizeof(float);
+  const size_t tail = size_t{2} * (kBenchFrames - kMiddle) * sizeof(float);
+  BlockMemory block;
+  BlockMemory clipboard;
+  clipboard.resize(half);
+  block.resize(half + tail);
+  std::memcpy(clipboard.data(), wave->samples(), half);
+  std::memcpy(block.data(), wave->samples(), half + tail);
+  for (auto _ : state) {
+    block.resize(2 * half + tail);
+    auto* bytes = static_cast<char*>(block.data());
+    std::memmove(bytes + 2 * half, bytes + half, tail);
+    std::memcpy(bytes + half, clipboard.data(), half);
+    std::memmove(bytes + half, bytes + 2 * half, tail);
+    block.resize(half + tail);
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(pasteAndCutHalfPlainly)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 }  // namespace plumetta
