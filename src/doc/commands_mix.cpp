@@ -12,6 +12,7 @@ using Changes = Command::Changes;
 using Lock = Command::Lock;
 
 constexpr const char* kNoMemory = "There is not enough memory for this.";
+constexpr int64_t kMostMarkers = 1000000;
 constexpr float kMixGain = 1.0f;
 
 std::optional<Refusal> checkMix(CommandCall& call) {
@@ -23,8 +24,13 @@ std::optional<Refusal> checkMix(CommandCall& call) {
 }
 
 std::optional<Refusal> checkMixAtMarkers(CommandCall& call) {
-  if (call.doc.wave().markers.empty()) return Refusal{};
-  return checkMix(call);
+  const CMarkerList& markers = call.doc.wave().markers;
+  if (markers.empty()) return Refusal{};
+  if (const auto refusal = checkMix(call)) return refusal;
+  // Each mix brings the clipboard's own markers along, so their number multiplies.
+  const int64_t brought = int64_t{markers.count()} * call.doc.services().clipboard->markers.count();
+  if (brought > kMostMarkers) return Refusal{"This would make more than a million markers."};
+  return std::nullopt;
 }
 
 // The selection tells where the buffer would have been mixed at the cursor; its end may lie beyond the file.
