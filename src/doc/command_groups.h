@@ -24,6 +24,10 @@ std::optional<UndoKind> undoAs(CommandCall&) {
 template <int effectNumber>
 std::string effectName(CommandCall&);
 
+inline constexpr const char* kNoMemory = "There is not enough memory for this.";
+
+// A check: refuses, without a text, in an empty document.
+std::optional<Refusal> needAudio(CommandCall& call);
 // The clipboard buffer has another layout than the document.
 Refusal clipboardMismatch(const CWave& clipboard);
 

@@ -25,6 +25,11 @@ const Command* findCommand(std::string_view id) {
   return nullptr;
 }
 
+std::optional<Refusal> needAudio(CommandCall& call) {
+  if (call.doc.wave().frames() == 0) return Refusal{};
+  return std::nullopt;
+}
+
 Refusal clipboardMismatch(const CWave& clipboard) {
   char text[96];
   std::snprintf(text, sizeof text, "Clipboard channel number:%d\nUnable to paste data", clipboard.channels());

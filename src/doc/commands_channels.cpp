@@ -24,8 +24,6 @@ enum Operation {
   kSwap = 15,
 };
 
-constexpr const char* kNoMemory = "There is not enough memory for this.";
-
 // clang-format off
 constexpr std::array<const char*, 16> kMenuTexts{
     "Mix &active channels to mono", "&Mix all channels to mono", "Keep &left only", "Keep &right only",

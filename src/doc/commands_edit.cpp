@@ -10,7 +10,6 @@ namespace {
 using Changes = Command::Changes;
 using Lock = Command::Lock;
 
-constexpr const char* kNoMemory = "There is not enough memory for this.";
 constexpr const char* kUndoLost = "This step can't be undone: its samples could not be kept.";
 constexpr const char* kRedoLost = "This step can't be redone: its samples could not be kept.";
 
@@ -55,11 +54,6 @@ std::optional<Refusal> deleteSelection(CommandCall& call) {
   const int32_t before = std::max(first - 1, 0);
   doc.select(before, before);
   doc.setCursor(before);
-  return std::nullopt;
-}
-
-std::optional<Refusal> needAudio(CommandCall& call) {
-  if (call.doc.wave().frames() == 0) return Refusal{};
   return std::nullopt;
 }
 

@@ -22,11 +22,6 @@ void makeActive(CWave& wave) {
   while (wave.envelope.channelCount() < wave.channels()) wave.envelope.addChannel();
 }
 
-std::optional<Refusal> needAudio(CommandCall& call) {
-  if (call.doc.wave().frames() == 0) return Refusal{};
-  return std::nullopt;
-}
-
 std::optional<Refusal> needActive(CommandCall& call) {
   if (!call.doc.wave().envelope.active()) return Refusal{};
   return std::nullopt;

@@ -91,11 +91,6 @@ void addMarkers(CWave& wave, const std::vector<int32_t>& positions) {
   }
 }
 
-std::optional<Refusal> needAudio(CommandCall& call) {
-  if (call.doc.wave().frames() == 0) return Refusal{};
-  return std::nullopt;
-}
-
 // The lines that part the selection, or the file, into equal stretches, its start included.
 std::optional<Refusal> runMarkerGrid(CommandCall& call) {
   const auto [first, last] = call.doc.selectionOrAll();

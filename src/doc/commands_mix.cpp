@@ -11,7 +11,6 @@ namespace {
 using Changes = Command::Changes;
 using Lock = Command::Lock;
 
-constexpr const char* kNoMemory = "There is not enough memory for this.";
 constexpr int64_t kMostMarkers = 1000000;
 constexpr float kMixGain = 1.0f;
 
