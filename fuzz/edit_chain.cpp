@@ -5,9 +5,7 @@
 #include <cstring>
 
 #include "doc/command.h"
-#include "support/memory_file_system.h"
-#include "support/recording_prompter.h"
-#include "support/waves.h"
+#include "support/loose_document.h"
 
 using namespace plumetta;
 
@@ -67,25 +65,16 @@ void checkInvariants(const CWave& wave) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   constexpr int32_t kFrames = 100;
-  MemoryFileSystem files;
-  UndoFolder folder(files, "undo");
-  RecordingPrompter prompter;
-  AudioLock lock;
-  HistoryList history;
-  EditSettings settings;
-  std::shared_ptr<const CWave> clipboard;
-  DocumentServices services{files, folder, lock, prompter, history, settings, clipboard};
-  CPlumettaDoc doc(services);
   Bytes bytes(data, size);
   const int channels = 1 + bytes.next() % 3;
-  doc.createNew(8000, channels, 32, 0, kFormatFloat);
+  LooseDocument loose(channels, kFrames);
+  CPlumettaDoc& doc = loose.doc;
   const auto first = countingWave(channels, kFrames);
-  doc.wave().insertBuffer(*first, 0);
   constexpr int32_t kMost = 5000;  // every step keeps a copy of all samples and markers
   while (!bytes.empty() && doc.wave().frames() < kMost && doc.wave().markers.count() < kMost) {
     doc.select(bytes.number(), bytes.number());
     doc.setCursor(bytes.number());
-    settings.pasteReplace = bytes.next() % 2 == 1;
+    loose.settings.pasteReplace = bytes.next() % 2 == 1;
     const auto& table = commandTable();
     const Command& command = table[bytes.next() % table.size()];
     Arguments arguments;

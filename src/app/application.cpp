@@ -35,10 +35,6 @@ bool Application::saveSettings() {
   return false;
 }
 
-CPlumettaDoc& Application::addDocument() {
-  return *documents_.emplace_back(std::make_unique<CPlumettaDoc>(services_));
-}
-
 CPlumettaDoc* Application::openDocument(const std::string& path, FileOutcome& outcome) {
   auto document = std::make_unique<CPlumettaDoc>(services_);
   outcome = document->load(path);

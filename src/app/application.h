@@ -39,8 +39,6 @@ class Application {
   void setSystemClipboard(SystemClipboard* clipboard) { services_.systemClipboard = clipboard; }
   const CWave* clipboard() const { return clipboard_.get(); }
 
-  // A document of its own, untitled and silent for a tenth of a second. Never null.
-  CPlumettaDoc& addDocument();
   // Null when the file could not be opened (a message has said so) or the person cancelled.
   CPlumettaDoc* openDocument(const std::string& path, FileOutcome& outcome);
   // Null when no buffer can have these values.

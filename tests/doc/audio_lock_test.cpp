@@ -6,9 +6,7 @@
 #include <thread>
 
 #include "doc/command.h"
-#include "support/memory_file_system.h"
-#include "support/recording_prompter.h"
-#include "support/waves.h"
+#include "support/loose_document.h"
 
 namespace plumetta {
 namespace {
@@ -30,23 +28,14 @@ TEST(AudioLock, LongWorkLetsPlaybackIn) {
 }
 
 TEST(AudioLock, CommandsNeverChangeWhatPlaybackReads) {
-  MemoryFileSystem files;
-  UndoFolder folder(files, "undo");
-  RecordingPrompter prompter;
-  AudioLock lock;
-  HistoryList history;
-  EditSettings settings;
-  std::shared_ptr<const CWave> clipboard;
-  DocumentServices services{files, folder, lock, prompter, history, settings, clipboard};
-  CPlumettaDoc doc(services);
-  doc.createNew(8000, 2, 32, 0, kFormatFloat);
-  doc.wave().insertBuffer(*countingWave(2, 50000), 0);
+  LooseDocument loose(2, 50000);
+  CPlumettaDoc& doc = loose.doc;
   std::atomic<bool> stop{false};
   std::atomic<int> reads{0};
   std::thread playback([&] {
     double sum = 0;
     while (!stop) {
-      const AudioLockHeld held(lock);
+      const AudioLockHeld held(loose.lock);
       const CWave& wave = doc.wave();
       for (int32_t f = 0; f < wave.frames(); f += 97) sum += wave.sample(f, wave.channels() - 1);
       ++reads;
