@@ -21,7 +21,5 @@ bool sameProfileName(std::string_view a, std::string_view b);
 // Replaces or adds one key and leaves every other line as it stands. False when the file can't be written.
 bool writeProfileString(const std::string& path, const std::string& section, const std::string& key,
                         const std::string& value);
-// Removes a section with all its keys.
-bool eraseProfileSection(const std::string& path, const std::string& section);
 
 }  // namespace plumetta

@@ -91,15 +91,5 @@ TEST(PrivateProfile, MakesTheFileWhenThereIsNone) {
   EXPECT_FALSE(writeProfileString(folder.path(), "General", "A", "1")) << "a folder is in the way";
 }
 
-TEST(PrivateProfile, ErasesASectionAndNoOther) {
-  const TemporaryFolder folder;
-  const std::string path = folder.file("a.ini");
-  writeBytes(path, "[One]\r\nA=1\r\n[Two]\r\nA=2\r\nB=3\r\n[Three]\r\nA=4\r\n");
-  EXPECT_TRUE(eraseProfileSection(path, "two"));
-  EXPECT_EQ(readProfileString(path, "Two", "A", "none"), "none");
-  EXPECT_EQ(readProfileString(path, "One", "A", "none"), "1");
-  EXPECT_EQ(readProfileString(path, "Three", "A", "none"), "4");
-}
-
 }  // namespace
 }  // namespace plumetta

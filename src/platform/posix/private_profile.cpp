@@ -75,13 +75,6 @@ class Profile {
     lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(place), line);
   }
 
-  void eraseSection(std::string_view section) {
-    if (const auto head = findSection(section)) {
-      lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(*head),
-                   lines_.begin() + static_cast<std::ptrdiff_t>(sectionEnd(*head)));
-    }
-  }
-
   // Beside the file first and then in its place, so that a crash leaves the old one or the new one.
   bool save() const {
     // What couldn't be read whole would be lost by writing it.
@@ -152,12 +145,6 @@ bool writeProfileString(const std::string& path, const std::string& section, con
                         const std::string& value) {
   Profile profile(path);
   profile.setValue(section, key, value);
-  return profile.save();
-}
-
-bool eraseProfileSection(const std::string& path, const std::string& section) {
-  Profile profile(path);
-  profile.eraseSection(section);
   return profile.save();
 }
 

@@ -34,8 +34,4 @@ bool writeProfileString(const std::string& path, const std::string& section, con
                                     narrow(systemPath(path)).c_str()) != 0;
 }
 
-bool eraseProfileSection(const std::string& path, const std::string& section) {
-  return WritePrivateProfileStringA(section.c_str(), nullptr, nullptr, narrow(systemPath(path)).c_str()) != 0;
-}
-
 }  // namespace plumetta
