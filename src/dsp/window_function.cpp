@@ -50,6 +50,10 @@ const char* windowName(int kind) {
 
 void makeWindow(double* coefficients, int count, int kind) {
   if (coefficients == nullptr || count < 1) return;
+  if (count == 1 && kind >= 0 && kind < kWindowKinds) {
+    coefficients[0] = 1.0;  // no formula has a value here: its span is empty
+    return;
+  }
   switch (static_cast<WindowKind>(kind)) {
     case WindowKind::rectangular:
       for (int i = 0; i < count; ++i) coefficients[i] = 1.0;
