@@ -18,8 +18,19 @@ std::optional<Number> numberIn(std::string_view text) {
   return number;
 }
 
-std::optional<ParameterValue> valueIn(const std::string& text, ParameterType type) {
-  switch (type) {
+// The place of a word among those parted by "|".
+std::optional<ParameterValue> placeOfWord(std::string_view word, std::string_view words) {
+  for (int64_t place = 0;; ++place) {
+    const size_t end = words.find('|');
+    if (words.substr(0, end) == word) return place;
+    if (end == std::string_view::npos) return std::nullopt;
+    words.remove_prefix(end + 1);
+  }
+}
+
+std::optional<ParameterValue> valueIn(const std::string& text, const Parameter& parameter) {
+  if (*parameter.words != '\0') return placeOfWord(text, parameter.words);
+  switch (parameter.type) {
     case ParameterType::boolean:
       if (text == "on") return true;
       if (text == "off") return false;
@@ -40,6 +51,7 @@ std::optional<ParameterValue> valueIn(const std::string& text, ParameterType typ
 }
 
 std::string placeholder(const Parameter& parameter) {
+  if (*parameter.words != '\0') return parameter.words;
   std::string name = parameter.key;
   std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
   return name;
@@ -95,7 +107,7 @@ Arguments readArguments(WordReader& words, std::span<const Parameter> parameters
       return arguments;
     }
     const std::string word = words.take();
-    const auto value = valueIn(word, parameter.type);
+    const auto value = valueIn(word, parameter);
     if (!value) words.fail(what + ": " + placeholder(parameter) + " can't be '" + word + "'");
     if (value) arguments.back() = *value;
   }
@@ -103,7 +115,7 @@ Arguments readArguments(WordReader& words, std::span<const Parameter> parameters
     const Parameter* option = optionOf(words.peek(), parameters);
     if (option == nullptr) break;
     const std::string word = words.take();
-    const auto value = valueIn(word.substr(word.find('=') + 1), option->type);
+    const auto value = valueIn(word.substr(word.find('=') + 1), *option);
     if (!value) words.fail(what + ": malformed '" + word + "'");
     if (value) arguments[static_cast<size_t>(option - parameters.data())] = *value;
   }

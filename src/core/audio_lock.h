@@ -32,6 +32,17 @@ class AudioLockHeld {
   AudioLockHeld(const AudioLockHeld&) = delete;
   AudioLockHeld& operator=(const AudioLockHeld&) = delete;
 
+  // Lets go of the lock while `work` runs.
+  template <class Work>
+  auto outside(Work work) {
+    lock_.give();
+    struct TakeAgain {
+      AudioLock& lock;
+      ~TakeAgain() { lock.take(); }
+    } const again{lock_};
+    return work();
+  }
+
   // Between two short pieces of long work: lets those through who wait for the lock, then goes on holding it.
   void nextTurn() {
     if (lock_.waiting_ == 0) return;

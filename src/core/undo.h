@@ -40,6 +40,9 @@ class CDoUndo {
   // Makes a step the newest one; redo steps go, and with a full journal the oldest step.
   void push(std::unique_ptr<UndoStep> step);
   void push(UndoKind kind) { push(makeStep(kind)); }
+  // Restores a step that never went into the journal: an operation that failed half-way is taken back. False
+  // when the step's samples could not be kept or read back.
+  bool restore(std::unique_ptr<UndoStep> step) { return exchange(step); }
 
   UndoResult undo();
   UndoResult redo();

@@ -125,6 +125,11 @@ class CWave {
   void nextTurn() {
     if (lock != nullptr) lock->nextTurn();
   }
+  // The same for long work: also tells how far it has come. False when it shall stop.
+  bool nextTurn(double fractionDone) {
+    const auto report = [&] { return progress.report(static_cast<float>(fractionDone)); };
+    return lock != nullptr ? lock->outside(report) : report();
+  }
   AudioLockHeld* lock = nullptr;
 
  private:

@@ -47,6 +47,8 @@ struct Parameter {
   const char* settingsKey = "";  // under which a dialog stores it, where that is not `key`
   // The values that a dialog offers for a document; null when it asks for a number.
   std::vector<ParameterChoice> (*choices)(const CPlumettaDoc&) = nullptr;
+  // For an integer that a call names by a word: the words for 0, 1 ..., parted by "|"; "" for none.
+  const char* words = "";
 
   const char* storedAs() const { return *settingsKey != '\0' ? settingsKey : key; }
 };
@@ -62,7 +64,20 @@ struct Refusal {
   std::string message;
 };
 
-enum class Menu { none, edit, process, fade, normalize, generate, channel, marker, loop, volume };
+enum class Menu {
+  none,
+  edit,
+  process,
+  fade,
+  normalize,
+  filter,
+  pitch,
+  generate,
+  channel,
+  marker,
+  loop,
+  volume
+};
 
 // One command: everything that menus, dialogs, the history and the command line know of it.
 struct Command {
@@ -76,10 +91,12 @@ struct Command {
   std::optional<Refusal> (*check)(CommandCall&);
   // What kind of undo step is recorded; none for a command that changes nothing that undo knows.
   std::optional<UndoKind> (*undoKind)(CommandCall&);
-  // How it takes the audio lock: not at all, in short turns (sample values change), or throughout (the length
-  // or the layout changes).
-  enum class Lock { none, turns, throughout } lock;
-  // Does it. A refusal after the check (no memory) has left the document as it was.
+  // How it takes the audio lock: not at all, in short turns (sample values change), throughout (the length or
+  // the layout changes), or by itself, for the moment in which it exchanges the samples for those that it has
+  // made beside them.
+  enum class Lock { none, turns, throughout, byItself } lock;
+  // Does it. A refusal after the check has left the document as it was, or has set `samplesTouched`: the undo
+  // step then brings it back.
   std::optional<Refusal> (*run)(CommandCall&);
   // The line of the history list; empty for none.
   std::string (*historyName)(CommandCall&);
@@ -89,6 +106,9 @@ struct Command {
   int number = 0;
   // Where its dialog keeps the last values, where that is not `id`.
   const char* settingsSection = "";
+
+  // The gain of a filter with these arguments at a frequency, for its dialog; null for all other commands.
+  double (*responseDb)(const CommandCall&, double hz) = nullptr;
 
   const char* storedIn() const { return *settingsSection != '\0' ? settingsSection : id; }
 };
@@ -109,8 +129,9 @@ class CommandCall {
 
   CPlumettaDoc& doc;
   const Command& command;
-  bool named = true;     // cleared by a run that leaves no history line
-  bool skipped = false;  // set by a check after which nothing happens, and nothing is said
+  bool named = true;            // cleared by a run that leaves no history line
+  bool skipped = false;         // set by a check after which nothing happens, and nothing is said
+  bool samplesTouched = false;  // set by a run that is refused after it has begun to change samples
 
  private:
   Arguments arguments_;

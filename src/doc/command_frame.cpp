@@ -21,13 +21,23 @@ std::optional<Refusal> boundsRefusal(const Command& command, const Arguments& ar
 
 // Work on sample values gives the lock away in turns; a change of length or layout holds it throughout.
 std::optional<Refusal> runUnderLock(CommandCall& call, const Command& command) {
-  if (command.lock == Command::Lock::none) return command.run(call);
+  if (command.lock == Command::Lock::none || command.lock == Command::Lock::byItself)
+    return command.run(call);
   AudioLockHeld held(call.doc.services().audioLock);
   CWave& wave = call.doc.wave();
   wave.lock = command.lock == Command::Lock::turns ? &held : nullptr;
   const auto refusal = command.run(call);
   wave.lock = nullptr;
   return refusal;
+}
+
+constexpr const char* kNotTakenBack = "The samples from before could not be kept, so the change stays.";
+
+void takeBack(CPlumettaDoc& doc, std::unique_ptr<UndoStep> step) {
+  const AudioLockHeld held(doc.services().audioLock);
+  if (step && doc.journal().restore(std::move(step))) return;
+  doc.setModified(true);
+  doc.prompter().message(kNotTakenBack);
 }
 
 void refreshViews(CPlumettaDoc& doc, Command::Changes changes) {
@@ -70,7 +80,10 @@ CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments a
     step = doc.journal().makeStep(*kind);
   }
   const int markers = doc.wave().markers.count();
-  if (const auto refusal = runUnderLock(call, command)) return refuse(doc, *refusal);
+  if (const auto refusal = runUnderLock(call, command)) {
+    if (call.samplesTouched) takeBack(doc, std::move(step));
+    return refuse(doc, *refusal);
+  }
   // A marker that was clicked goes by its number, which may mean another one now.
   if (doc.wave().markers.count() < markers) doc.selectedMarker.reset();
   const std::string name = call.named && command.historyName != nullptr ? command.historyName(call) : "";

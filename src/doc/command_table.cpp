@@ -10,7 +10,7 @@ const std::vector<Command>& commandTable() {
   static const std::vector<Command> table = [] {
     std::vector<Command> all;
     for (auto group : {editCommands(), mixCommands(), levelCommands(), quickEffectCommands(),
-                       channelCommands(), markerCommands(), envelopeCommands()}) {
+                       filterCommands(), channelCommands(), markerCommands(), envelopeCommands()}) {
       std::move(group.begin(), group.end(), std::back_inserter(all));
     }
     return all;

@@ -130,4 +130,15 @@ void scanSums(const float* samples, size_t frames, size_t channels, double* sums
   }
 }
 
+// Zero times anything finite is zero; infinity and what is not a number make the sum something else.
+PLUMETTA_WIDE_VECTORS bool allFinite(const float* samples, size_t count) {
+  float sums[kLanes] = {};
+  size_t i = 0;
+  for (; i + kLanes <= count; i += kLanes) {
+    for (size_t lane = 0; lane < kLanes; ++lane) sums[lane] += samples[i + lane] * 0.0f;
+  }
+  for (size_t lane = 0; i < count; ++i, ++lane) sums[lane] += samples[i] * 0.0f;
+  return std::all_of(sums, sums + kLanes, [](float sum) { return sum == 0.0f; });
+}
+
 }  // namespace plumetta

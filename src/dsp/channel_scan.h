@@ -24,4 +24,7 @@ void scanExtremes(const float* samples, size_t frames, size_t channels, Extremes
 // Adds the samples of each channel, and their squares where `squares` isn't null, in double precision.
 void scanSums(const float* samples, size_t frames, size_t channels, double* sums, double* squares);
 
+// Whether no sample is infinite or not a number.
+bool allFinite(const float* samples, size_t count);
+
 }  // namespace plumetta
