@@ -9,6 +9,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 sees overlapping copies in std::string's operator+ where there are none.
   target_compile_options(plumetta_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 endif()
+# One rounding an operation, whatever the processor: results are the same bits everywhere.
+target_compile_options(plumetta_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-ffp-contract=off>)
 if(PLUMETTA_WERROR)
   target_compile_options(plumetta_options INTERFACE -Werror)
 endif()

@@ -3,145 +3,173 @@
 
 #include <algorithm>
 #include <bit>
+#include <numeric>
 
 #include "core/cpu_variants.h"
 
 namespace plumetta {
 namespace {
 
+constexpr size_t kLanes = LaneTransform::kLanes;
 constexpr size_t kSmallestTransform = 256;
-// A transform of about eight kernels wastes little on their overlap and still fits into the cache.
-constexpr size_t kKernelsPerTransform = 8;
+// Of a long transform little is wasted on the overlap, of a short one more stays in the cache.
+constexpr size_t kKernelsPerTransform = 4;
 constexpr size_t kLargeKernel = size_t{1} << 16;
-// Transforms in a round: enough to keep some cores busy, few enough for a round to take about a millisecond.
-constexpr size_t kSamplesPerRound = size_t{1} << 16;
-constexpr int kMostPairs = 64;
+// A round is to take less than a millisecond.
+constexpr size_t kElementsPerRound = size_t{1} << 16;
 
 size_t transformSize(size_t taps) {
   const size_t kernels = taps < kLargeKernel ? kKernelsPerTransform : 2;
   return std::max(kSmallestTransform, std::bit_ceil(kernels * taps));
 }
 
-int blocksPerRound(size_t size, int channels) {
-  const auto pairs = static_cast<int>(std::clamp<size_t>(kSamplesPerRound / size, 2, kMostPairs));
-  return std::max(1, 2 * pairs / channels);
+PLUMETTA_WIDE_VECTORS
+void multiply(double* __restrict re, double* __restrict im, const double* hr, const double* hi, size_t size) {
+  for (size_t i = 0; i < size; ++i, re += kLanes, im += kLanes) {
+    for (size_t v = 0; v < kLanes; ++v) {
+      const double r = re[v] * hr[i] - im[v] * hi[i];
+      im[v] = re[v] * hi[i] + im[v] * hr[i];
+      re[v] = r;
+    }
+  }
 }
 
-PLUMETTA_WIDE_VECTORS
-void multiply(double* __restrict re, double* __restrict im, const double* __restrict hr,
-              const double* __restrict hi, size_t count) {
-  for (size_t i = 0; i < count; ++i) {
-    const double r = re[i] * hr[i] - im[i] * hi[i];
-    im[i] = re[i] * hi[i] + im[i] * hr[i];
-    re[i] = r;
+// Strips that lie inside the buffer, all at once, so that lanes are written side by side.
+void readStrips(const float* const* sources, int64_t stride, double* re, double* im, int64_t count) {
+  for (int64_t i = 0; i < count; ++i, re += kLanes, im += kLanes) {
+    for (size_t v = 0; v < kLanes; ++v) {
+      re[v] = sources[2 * v][i * stride];
+      im[v] = sources[2 * v + 1][i * stride];
+    }
+  }
+}
+
+void writeStrips(float* const* targets, int64_t stride, const double* re, const double* im, int64_t count) {
+  for (int64_t i = 0; i < count; ++i, re += kLanes, im += kLanes) {
+    for (size_t v = 0; v < kLanes; ++v) {
+      targets[2 * v][i * stride] = static_cast<float>(re[v]);
+      targets[2 * v + 1][i * stride] = static_cast<float>(im[v]);
+    }
   }
 }
 
 }  // namespace
 
 BlockConvolver::BlockConvolver(const std::vector<double>& kernel, int channels)
-    : taps_(static_cast<int>(kernel.size())),
+    : taps_(static_cast<int64_t>(kernel.size())),
       before_(taps_ / 2),
       channels_(channels),
       transform_(transformSize(kernel.size())),
-      blockFrames_(static_cast<int>(transform_.size()) - taps_ + 1),
-      blocks_(blocksPerRound(transform_.size(), channels)),
+      blockFrames_(static_cast<int64_t>(transform_.size()) - taps_ + 1),
       kernelRe_(transform_.size()),
       kernelIm_(transform_.size()),
-      history_(static_cast<size_t>(before_) * static_cast<size_t>(channels)) {
+      history_(static_cast<size_t>(before_ * channels)) {
   const size_t size = transform_.size();
-  for (int worker = 0; worker < crew_.size(); ++worker) scratches_.emplace_back(size);
-  pairs_.resize(static_cast<size_t>((blocks_ * channels + 1) / 2));
-  for (Pair& pair : pairs_) {
-    pair.re.resize(size);
-    pair.im.resize(size);
-  }
+  // A round holds whole blocks, so its strips are a multiple of the channels.
+  const int granule = channels / std::gcd(channels, kStrips);
+  const size_t wanted = kernel.size() < kLargeKernel
+                            ? std::max(static_cast<size_t>(crew_.size()), kElementsPerRound / size / kLanes)
+                            : 1;
+  const size_t groups = (wanted + static_cast<size_t>(granule) - 1) / static_cast<size_t>(granule) *
+                        static_cast<size_t>(granule);
+  groups_.reserve(groups);
+  while (groups_.size() < groups) groups_.emplace_back(size);
+  roundFrames_ = static_cast<int64_t>(groups) * kStrips / channels * blockFrames_;
   // The sum runs forward over the signal, which is what the conjugate does; the transforms' scale goes in
   // too.
-  std::copy(kernel.begin(), kernel.end(), kernelRe_.begin());
-  transform_.forward(kernelRe_.data(), kernelIm_.data(), scratches_[0]);
+  Group& scratch = groups_.front();
+  for (size_t k = 0; k < kernel.size(); ++k) scratch.re[k * kLanes] = kernel[k];
+  transform_.forward(scratch.re.data(), scratch.im.data());
   for (size_t i = 0; i < size; ++i) {
-    kernelRe_[i] /= static_cast<double>(size);
-    kernelIm_[i] /= -static_cast<double>(size);
+    kernelRe_[i] = scratch.re[i * kLanes] / static_cast<double>(size);
+    kernelIm_[i] = scratch.im[i * kLanes] / -static_cast<double>(size);
   }
 }
 
 bool BlockConvolver::process(float* samples, int64_t frames, const std::function<bool(double)>& between) {
-  std::fill(history_.begin(), history_.end(), 0.0f);
-  const int64_t roundFrames = int64_t{blocks_} * blockFrames_;
-  for (int64_t start = 0; start < frames; start += roundFrames) {
-    const int64_t end = std::min(start + roundFrames, frames);
-    readRound(samples, frames, start);
-    const int64_t blocks = (end - start + blockFrames_ - 1) / blockFrames_;
-    const auto pairs = static_cast<int>((blocks * channels_ + 1) / 2);
-    crew_.run(pairs, [&](int pair, int worker) {
-      convolve(pairs_[static_cast<size_t>(pair)], scratches_[static_cast<size_t>(worker)]);
+  for (int64_t start = 0; start < frames; start += roundFrames_) {
+    const Round round{samples, frames, start, std::min(start + roundFrames_, frames)};
+    const int64_t blocks = (round.end - start + blockFrames_ - 1) / blockFrames_;
+    const auto groups = static_cast<int>((blocks * channels_ + kStrips - 1) / kStrips);
+    crew_.run(groups, [&](int group, int) {
+      readGroup(round, group);
+      convolve(groups_[static_cast<size_t>(group)]);
     });
-    keepHistory(samples, end);
-    writeRound(samples, end, start);
-    if (between && !between(static_cast<double>(end) / static_cast<double>(frames))) return false;
+    keepHistory(round);
+    crew_.run(groups, [&](int group, int) { writeGroup(round, group); });
+    if (between && !between(static_cast<double>(round.end) / static_cast<double>(frames))) return false;
   }
   return true;
 }
 
-// Lane after lane: the channels of the first block, then those of the next.
-void BlockConvolver::readRound(const float* samples, int64_t frames, int64_t start) {
-  const int lanes = blocks_ * channels_;
-  for (int lane = 0; lane < lanes; ++lane) {
-    const int64_t blockStart = start + int64_t{lane / channels_} * blockFrames_;
-    Pair& pair = pairs_[static_cast<size_t>(lane / 2)];
-    if (blockStart >= frames) {
-      if (lane % 2 == 1) std::fill(pair.im.begin(), pair.im.end(), 0.0);
-      break;
+void BlockConvolver::readGroup(const Round& round, int index) {
+  Group& group = groups_[static_cast<size_t>(index)];
+  const auto size = static_cast<int64_t>(transform_.size());
+  const float* sources[kStrips];
+  bool inside = true;
+  for (int s = 0; s < kStrips; ++s) {
+    const int strip = index * kStrips + s;
+    const int64_t first = blockOf(round, strip) - before_;
+    inside = inside && first >= round.start && first + size <= round.frames;
+    sources[s] = round.samples + first * channels_ + strip % channels_;
+  }
+  if (inside) return readStrips(sources, channels_, group.re.data(), group.im.data(), size);
+  for (int s = 0; s < kStrips; ++s) readStrip(round, index * kStrips + s, group.strip(s));
+}
+
+// At the edges: frames before the round have been written over, the history has them; beyond the end there is
+// silence.
+void BlockConvolver::readStrip(const Round& round, int strip, double* target) const {
+  const auto size = static_cast<int64_t>(transform_.size());
+  const int channel = strip % channels_;
+  const int64_t first = std::min(blockOf(round, strip), round.frames + before_) - before_;
+  const int64_t past = std::clamp<int64_t>(round.start - first, 0, size);
+  const int64_t available = std::clamp<int64_t>(round.frames - first, past, size);
+  const float* old = history_.data() + channel;
+  for (int64_t i = 0; i < past; ++i, target += kLanes) {
+    *target = old[(first + i - round.start + before_) * channels_];
+  }
+  const float* source = round.samples + channel;
+  for (int64_t i = past; i < available; ++i, target += kLanes) *target = source[(first + i) * channels_];
+  for (int64_t i = available; i < size; ++i, target += kLanes) *target = 0.0;
+}
+
+void BlockConvolver::writeGroup(const Round& round, int index) {
+  Group& group = groups_[static_cast<size_t>(index)];
+  const int64_t last = blockOf(round, index * kStrips + kStrips - 1);
+  if (last + blockFrames_ <= round.end) {
+    float* targets[kStrips];
+    for (int s = 0; s < kStrips; ++s) {
+      const int strip = index * kStrips + s;
+      targets[s] = round.samples + blockOf(round, strip) * channels_ + strip % channels_;
     }
-    readLane(samples, frames, blockStart, lane % channels_, lane % 2 == 0 ? pair.re : pair.im);
+    return writeStrips(targets, channels_, group.re.data(), group.im.data(), blockFrames_);
   }
-  if (lanes % 2 == 1) std::fill(pairs_.back().im.begin(), pairs_.back().im.end(), 0.0);
-}
-
-void BlockConvolver::readLane(const float* samples, int64_t frames, int64_t start, int channel,
-                              std::vector<double>& lane) {
-  const auto size = static_cast<int64_t>(lane.size());
-  // Which round a block belongs to decides what has been written over already.
-  const int64_t roundStart = start / (int64_t{blocks_} * blockFrames_) * (int64_t{blocks_} * blockFrames_);
-  const int64_t first = start - before_;
-  int64_t i = 0;
-  for (; i < size && first + i < roundStart; ++i) {
-    lane[static_cast<size_t>(i)] =
-        history_[static_cast<size_t>((first + i - (roundStart - before_)) * channels_ + channel)];
-  }
-  const int64_t available = std::min(size, frames - first);
-  const float* source = samples + (first + i) * channels_ + channel;
-  for (; i < available; ++i, source += channels_) lane[static_cast<size_t>(i)] = *source;
-  std::fill(lane.begin() + std::max<int64_t>(available, 0), lane.end(), 0.0);
-}
-
-void BlockConvolver::writeRound(float* samples, int64_t end, int64_t start) const {
-  for (int lane = 0; lane < blocks_ * channels_; ++lane) {
-    const int64_t blockStart = start + int64_t{lane / channels_} * blockFrames_;
-    if (blockStart >= end) return;
-    const int64_t count = std::min<int64_t>(blockFrames_, end - blockStart);
-    const Pair& pair = pairs_[static_cast<size_t>(lane / 2)];
-    const double* source = (lane % 2 == 0 ? pair.re : pair.im).data();
-    float* target = samples + blockStart * channels_ + lane % channels_;
-    for (int64_t i = 0; i < count; ++i, target += channels_) *target = static_cast<float>(source[i]);
+  for (int s = 0; s < kStrips; ++s) {
+    const int strip = index * kStrips + s;
+    const int64_t block = blockOf(round, strip);
+    const int64_t count = std::min(blockFrames_, round.end - block);
+    const double* source = group.strip(s);
+    for (int64_t i = 0; i < count; ++i, source += kLanes) {
+      round.samples[(block + i) * channels_ + strip % channels_] = static_cast<float>(*source);
+    }
   }
 }
 
 // A round may be shorter than the history, which then keeps part of what it had.
-void BlockConvolver::keepHistory(const float* samples, int64_t end) {
-  const int64_t roundFrames = int64_t{blocks_} * blockFrames_;
-  const int64_t kept = std::max<int64_t>(before_ - roundFrames, 0);
+void BlockConvolver::keepHistory(const Round& round) {
+  const int64_t kept = std::max<int64_t>(before_ - roundFrames_, 0);
   const int64_t fresh = before_ - kept;
-  if (end < fresh) return;  // the last round of a short buffer; nothing reads the history any more
+  if (round.end == round.frames) return;  // nothing reads it any more
   std::copy(history_.end() - kept * channels_, history_.end(), history_.begin());
-  std::copy_n(samples + (end - fresh) * channels_, fresh * channels_, history_.begin() + kept * channels_);
+  std::copy_n(round.samples + (round.end - fresh) * channels_, fresh * channels_,
+              history_.begin() + kept * channels_);
 }
 
-void BlockConvolver::convolve(Pair& pair, FastTransform::Scratch& scratch) const {
-  transform_.forward(pair.re.data(), pair.im.data(), scratch);
-  multiply(pair.re.data(), pair.im.data(), kernelRe_.data(), kernelIm_.data(), transform_.size());
-  transform_.backward(pair.re.data(), pair.im.data(), scratch);
+void BlockConvolver::convolve(Group& group) const {
+  transform_.forward(group.re.data(), group.im.data());
+  multiply(group.re.data(), group.im.data(), kernelRe_.data(), kernelIm_.data(), transform_.size());
+  transform_.backward(group.re.data(), group.im.data());
 }
 
 }  // namespace plumetta
