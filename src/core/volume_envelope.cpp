@@ -28,6 +28,19 @@ float curveAt(const EnvelopePoint& left, const EnvelopePoint& right, int32_t pos
   return 0.0f;
 }
 
+// Points that have come to stand on the one before them, or on the last one, go; the ends stay.
+void dropCollisions(std::vector<EnvelopePoint>& points) {
+  int32_t previous = points.front().position;
+  const int32_t last = points.back().position;
+  const auto collides = [&](const EnvelopePoint& point) {
+    if (point.position <= previous || point.position >= last) return true;
+    previous = point.position;
+    return false;
+  };
+  if (points.size() > 2)
+    points.erase(std::remove_if(points.begin() + 1, points.end() - 1, collides), points.end() - 1);
+}
+
 float saneValue(float value) {
   if (std::isnan(value)) return 0.5f;  // unity: a damaged point changes nothing
   return std::clamp(value, 0.0f, 1.0f);
@@ -192,7 +205,9 @@ void CVolumeEnvelope::adjustForDelete(int32_t from, int32_t to) {
 void CVolumeEnvelope::scale(double ratio) {
   for (Channel& channel : channels_) {
     for (EnvelopePoint& point : channel.points) point.position = static_cast<int32_t>(point.position / ratio);
-    if (!channel.points.empty()) channel.points.back().position = length_ - 1;
+    if (channel.points.empty()) continue;
+    channel.points.back().position = length_ - 1;
+    dropCollisions(channel.points);
   }
 }
 

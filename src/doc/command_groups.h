@@ -13,6 +13,7 @@ std::vector<Command> mixCommands();          // paste and mix
 std::vector<Command> quickEffectCommands();  // the 34 one-click effects
 std::vector<Command> levelCommands();        // normalize, volume, truncate, bit depth
 std::vector<Command> filterCommands();       // the five filters
+std::vector<Command> resampleCommands();     // sample rate and pitch
 std::vector<Command> channelCommands();      // the 16 channel operations
 std::vector<Command> markerCommands();       // markers, loops and regions
 std::vector<Command> envelopeCommands();     // volume envelope points
