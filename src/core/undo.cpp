@@ -32,6 +32,10 @@ std::unique_ptr<UndoStep> CDoUndo::makeStep(UndoKind kind) {
   return step;
 }
 
+std::unique_ptr<UndoStep> CDoUndo::makeStepForExchange(UndoKind kind) {
+  return inRam_ == 1 ? describe(kind) : makeStep(kind);
+}
+
 std::string CDoUndo::nextFilePath() {
   const std::string& folder = folder_.path();
   if (folder.empty()) return {};

@@ -35,6 +35,9 @@ class CDoUndo {
   // 1 keeps samples in memory, anything else in temporary files; counts for steps made from now on.
   void setInRam(uint8_t mode) { inRam_ = mode; }
 
+  // The current state without its samples, which the step is given later: for a change that replaces the
+  // whole block, whose old one then goes into the step. Where steps are kept in files it is complete at once.
+  std::unique_ptr<UndoStep> makeStepForExchange(UndoKind kind);
   // The current state as a step that is not in the journal yet.
   std::unique_ptr<UndoStep> makeStep(UndoKind kind);
   // Makes a step the newest one; redo steps go, and with a full journal the oldest step.

@@ -131,6 +131,7 @@ class CommandCall {
   const Command& command;
   bool named = true;            // cleared by a run that leaves no history line
   bool skipped = false;         // set by a check after which nothing happens, and nothing is said
+  BlockMemory replacedSamples;  // the document's old block, from a run that has exchanged it
   bool samplesTouched = false;  // set by a run that is refused after it has begun to change samples
 
  private:

@@ -77,7 +77,8 @@ CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments a
   std::unique_ptr<UndoStep> step;
   if (const auto kind = command.undoKind != nullptr ? command.undoKind(call) : std::nullopt) {
     doc.journal().setInRam(doc.services().settings.undoInRam ? 1 : 0);
-    step = doc.journal().makeStep(*kind);
+    const bool exchanges = command.lock == Command::Lock::byItself;
+    step = exchanges ? doc.journal().makeStepForExchange(*kind) : doc.journal().makeStep(*kind);
   }
   const int markers = doc.wave().markers.count();
   if (const auto refusal = runUnderLock(call, command)) {
@@ -88,6 +89,8 @@ CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments a
   if (doc.wave().markers.count() < markers) doc.selectedMarker.reset();
   const std::string name = call.named && command.historyName != nullptr ? command.historyName(call) : "";
   if (step) {
+    if (!step->holdsSamples() && call.replacedSamples.size() > 0)
+      step->adopt(std::move(call.replacedSamples));
     step->setName(name);
     doc.journal().push(std::move(step));
   }

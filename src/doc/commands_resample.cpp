@@ -91,11 +91,13 @@ bool filteredCopy(const CWave& wave, double targetRate, int quality, const WaveP
                    targetRate, quality, progress);
 }
 
-// Takes the new samples over, to be played at `rate`; the old ones are given back outside the lock.
-void exchange(CPlumettaDoc& doc, ResampledBlock& block, double rate) {
-  const AudioLockHeld held(doc.services().audioLock);
-  adopt(doc.wave(), block);
-  doc.wave().setSampleRate(static_cast<uint32_t>(std::llround(rate)));
+// Takes the new samples over, to be played at `rate`; the old ones are for undo.
+void exchange(CommandCall& call, ResampledBlock block, double rate) {
+  CWave& wave = call.doc.wave();
+  const AudioLockHeld held(call.doc.services().audioLock);
+  adopt(wave, block);
+  wave.setSampleRate(static_cast<uint32_t>(std::llround(rate)));
+  call.replacedSamples = std::move(block.samples);
 }
 
 std::optional<Refusal> resampleSamples(CommandCall& call, const char* title, const ResampleSettings& settings,
@@ -118,7 +120,7 @@ std::optional<Refusal> resampleSamples(CommandCall& call, const char* title, con
   const double oldRate = wave.sampleRate();
   auto block = resampled(source, wave.frames(), wave.channels(), oldRate, settings, work.progress());
   if (!block) return Refusal{work.cancelled() ? "" : kNoMemory};
-  exchange(doc, *block, labelledRate);
+  exchange(call, std::move(*block), labelledRate);
   followRate(doc, settings.rate / oldRate);
   return std::nullopt;
 }
@@ -199,7 +201,7 @@ std::optional<Refusal> runPitchFft(CommandCall& call) {
   int channels = copy.channels();
   copy.exchangeBlock(block.samples, channels, block.frames);
   block.rate = doc.wave().sampleRate();
-  exchange(doc, block, block.rate);
+  exchange(call, std::move(block), doc.wave().sampleRate());
   return std::nullopt;
 }
 

@@ -40,23 +40,59 @@ class PolynomialEngine : public Engine {
   PolynomialEngine(const Source& source, double step) : source_(source), step_(step) {}
 
   void run(int64_t first, int64_t end, float* output, int) override {
-    const int channels = source_.channels;
-    for (int64_t j = first; j < end; ++j) {
-      const double position = static_cast<double>(j) * step_;
-      const auto frame = static_cast<int64_t>(position);
-      const double t = position - static_cast<double>(frame);
-      for (int c = 0; c < channels; ++c) *output++ = valueAt(frame, c, t);
+    const int64_t inside = std::clamp(insideBefore(), first, end);
+    if (source_.channels == 2) {
+      runInside<2>(first, inside, output);
+    } else {
+      runInside<0>(first, inside, output);
+    }
+    for (int64_t j = inside; j < end; ++j) {
+      for (int c = 0; c < source_.channels; ++c)
+        output[(j - first) * source_.channels + c] = valueAtEnd(j, c);
     }
     // On the way to a lower rate the first frame is not touched.
-    if (first == 0 && step_ > 1.0) std::copy_n(source_.samples, channels, output - (end - first) * channels);
+    if (first == 0 && step_ > 1.0) std::copy_n(source_.samples, source_.channels, output);
   }
 
  private:
-  float valueAt(int64_t frame, int channel, double t) const {
+  struct Position {
+    int64_t frame;
+    double fraction;
+  };
+  Position positionOf(int64_t j) const {
+    const double position = static_cast<double>(j) * step_;
+    const auto frame = static_cast<int64_t>(position);
+    return {frame, position - static_cast<double>(frame)};
+  }
+
+  // The first output frame whose points may not all lie in the source; a little too early does no harm.
+  int64_t insideBefore() const {
+    return static_cast<int64_t>(static_cast<double>(source_.frames - Kernel::kPoints) / step_) - 1;
+  }
+
+  // `fixedChannels` 0 stands for any number.
+  template <int fixedChannels>
+  void runInside(int64_t first, int64_t end, float* output) const {
+    const int channels = fixedChannels > 0 ? fixedChannels : source_.channels;
+    for (int64_t j = first; j < end; ++j) {
+      const auto [frame, t] = positionOf(j);
+      const float* x = source_.samples + frame * channels;
+      for (int c = 0; c < channels; ++c, ++x) {
+        double points[Kernel::kPoints];
+        for (int k = 0; k < Kernel::kPoints; ++k) points[k] = x[k * channels];
+        *output++ = static_cast<float>(Kernel::at(points, t));
+      }
+    }
+  }
+
+  // Points beyond the last frame count as 0.
+  float valueAtEnd(int64_t j, int channel) const {
+    const auto [frame, t] = positionOf(j);
     double points[Kernel::kPoints];
-    const float* x = source_.samples + frame * source_.channels + channel;
-    const int64_t there = std::min<int64_t>(source_.frames - frame, Kernel::kPoints);
-    for (int k = 0; k < Kernel::kPoints; ++k) points[k] = k < there ? x[int64_t{k} * source_.channels] : 0.0;
+    for (int64_t k = 0; k < Kernel::kPoints; ++k) {
+      const bool there = frame + k < source_.frames;
+      points[k] = there ? source_.samples[(frame + k) * source_.channels + channel] : 0.0;
+    }
     return static_cast<float>(Kernel::at(points, t));
   }
 
@@ -89,14 +125,20 @@ std::unique_ptr<Engine> polynomialEngine(const Source& source, double step,
 // ---- Windowed sinc --------------------------------------------------------------------------------------
 
 constexpr size_t kTaps = BandLimitedWeights::kTaps;
-constexpr size_t kSums = 8;  // partial sums; a divisor of the taps
+// Eight neighbours as the compilers' vector extension has them.
+using Eight [[gnu::vector_size(8 * sizeof(float)), gnu::aligned(alignof(float)), gnu::may_alias]] = float;
+constexpr size_t kVectors = kTaps / 8;
 
-PLUMETTA_WIDE_VECTORS float dotProduct(const float* __restrict weights, const float* __restrict x) {
-  float sums[kSums] = {};
-  for (size_t i = 0; i < kTaps; i += kSums) {
-    for (size_t s = 0; s < kSums; ++s) sums[s] += weights[i + s] * x[i + s];
+PLUMETTA_WIDE_VECTORS float dotProduct(const float* weights, const float* samples) {
+  const Eight* w = reinterpret_cast<const Eight*>(weights);
+  const Eight* x = reinterpret_cast<const Eight*>(samples);
+  constexpr size_t kSums = 5;  // a divisor of the vectors; additions in one sum have to wait for each other
+  Eight sums[kSums] = {};
+  for (size_t i = 0; i < kVectors; i += kSums) {
+    for (size_t s = 0; s < kSums; ++s) sums[s] += w[i + s] * x[i + s];
   }
-  return ((sums[0] + sums[4]) + (sums[1] + sums[5])) + ((sums[2] + sums[6]) + (sums[3] + sums[7]));
+  const Eight all = (sums[0] + sums[1]) + (sums[2] + sums[3]) + sums[4];
+  return ((all[0] + all[4]) + (all[1] + all[5])) + ((all[2] + all[6]) + (all[3] + all[7]));
 }
 
 class BandLimitedEngine : public Engine {
