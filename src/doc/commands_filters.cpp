@@ -66,7 +66,7 @@ RecursiveFilter chebyshevOf(const CommandCall& call) {
 }
 
 std::optional<Refusal> checkChebyshev(CommandCall& call) {
-  if (!chebyshevOf(call).finite()) return Refusal{kUnstable};
+  if (!chebyshevOf(call).usable()) return Refusal{kUnstable};
   return std::nullopt;
 }
 
@@ -82,7 +82,7 @@ RecursiveFilter bandOf(const CommandCall& call) {
 }
 
 std::optional<Refusal> checkBand(CommandCall& call) {
-  if (!bandOf(call).finite()) return Refusal{kUnstable};
+  if (!bandOf(call).usable()) return Refusal{kUnstable};
   return std::nullopt;
 }
 

@@ -18,14 +18,17 @@ inline Lanes& at(double* lanes) { return *reinterpret_cast<Lanes*>(lanes); }
 // Levels of at most this length are worked off one after the other: their data fit into the fastest cache.
 constexpr size_t kCachedLength = 256;
 
+// How many numbers a level of this length has.
+constexpr size_t factorsOf(size_t length) { return 6 * (length / 4); }
+
 // Splits `total` elements of length `length` each, then their quarters, through `passes` levels.
 PLUMETTA_WIDE_VECTORS
 void splitLevels(double* __restrict re, double* __restrict im, size_t total, size_t length,
-                 const double* const* levels, int passes) {
-  for (; passes > 0 && length >= 4; --passes, length /= 4, ++levels) {
+                 const double* factors, int passes) {
+  for (; passes > 0; --passes, factors += factorsOf(length), length /= 4) {
     const size_t step = length / 4 * kLanes;
     for (size_t base = 0; base < total; base += length) {
-      const double* w = *levels;
+      const double* w = factors;
       double* r = re + base * kLanes;
       double* i = im + base * kLanes;
       for (size_t p = 0; p < length / 4; ++p, w += 6, r += kLanes, i += kLanes) {
@@ -53,11 +56,11 @@ void splitLevels(double* __restrict re, double* __restrict im, size_t total, siz
 // The way back: joins quarters of `length` / 4 each, then what came of them, through `passes` levels.
 PLUMETTA_WIDE_VECTORS
 void joinLevels(double* __restrict re, double* __restrict im, size_t total, size_t length,
-                const double* const* levels, int passes) {
-  for (; passes > 0; --passes, length *= 4, --levels) {
+                const double* factors, int passes) {
+  for (; passes > 0; --passes, length *= 4, factors -= factorsOf(length)) {
     const size_t step = length / 4 * kLanes;
     for (size_t base = 0; base < total; base += length) {
-      const double* w = *levels;
+      const double* w = factors;
       double* r = re + base * kLanes;
       double* i = im + base * kLanes;
       for (size_t p = 0; p < length / 4; ++p, w += 6, r += kLanes, i += kLanes) {
@@ -102,50 +105,28 @@ bool leavesPairs(size_t length) {
   return length == 2;
 }
 
-}  // namespace
-
-LaneTransform::LaneTransform(size_t size) : size_(size) {
-  for (size_t length = size; length >= 4; length /= 4) {
-    std::vector<double> factors;
-    for (size_t p = 0; p < length / 4; ++p) {
-      for (const int power : {1, 2, 3}) {
-        const double angle =
-            -2.0 * std::numbers::pi * power * static_cast<double>(p) / static_cast<double>(length);
-        factors.push_back(std::cos(angle));
-        factors.push_back(std::sin(angle));
-      }
-    }
-    factors_.push_back(std::move(factors));
-  }
-  for (const auto& factors : factors_) levels_.push_back(factors.data());
-}
-
-void LaneTransform::forward(double* re, double* im) const { forwardFrom(re, im, size_, 0); }
-
-void LaneTransform::backward(double* re, double* im) const { backwardFrom(re, im, size_, 0); }
-
-void LaneTransform::forwardFrom(double* re, double* im, size_t length, size_t level) const {
+void forwardFrom(double* re, double* im, size_t length, const double* factors) {
   if (length > kCachedLength) {
-    splitLevels(re, im, length, length, levels_.data() + level, 1);
+    splitLevels(re, im, length, length, factors, 1);
     for (size_t part = 0; part < 4; ++part) {
       const size_t from = part * length / 4 * kLanes;
-      forwardFrom(re + from, im + from, length / 4, level + 1);
+      forwardFrom(re + from, im + from, length / 4, factors + factorsOf(length));
     }
     return;
   }
-  splitLevels(re, im, length, length, levels_.data() + level, levelsOf(length));
+  splitLevels(re, im, length, length, factors, levelsOf(length));
   if (!leavesPairs(length)) return;
   joinPairs(re, length);
   joinPairs(im, length);
 }
 
-void LaneTransform::backwardFrom(double* re, double* im, size_t length, size_t level) const {
+void backwardFrom(double* re, double* im, size_t length, const double* factors) {
   if (length > kCachedLength) {
     for (size_t part = 0; part < 4; ++part) {
       const size_t from = part * length / 4 * kLanes;
-      backwardFrom(re + from, im + from, length / 4, level + 1);
+      backwardFrom(re + from, im + from, length / 4, factors + factorsOf(length));
     }
-    joinLevels(re, im, length, length, levels_.data() + level, 1);
+    joinLevels(re, im, length, length, factors, 1);
     return;
   }
   const bool pairs = leavesPairs(length);
@@ -153,10 +134,30 @@ void LaneTransform::backwardFrom(double* re, double* im, size_t length, size_t l
     joinPairs(re, length);
     joinPairs(im, length);
   }
-  const int passes = levelsOf(length);
-  if (passes == 0) return;
-  joinLevels(re, im, length, pairs ? 8 : 4, levels_.data() + level + static_cast<size_t>(passes) - 1, passes);
+  // From the shortest level, whose factors stand last.
+  const size_t shortest = pairs ? 8 : 4;
+  for (size_t longer = length; longer > shortest; longer /= 4) factors += factorsOf(longer);
+  joinLevels(re, im, length, shortest, factors, levelsOf(length));
 }
+
+}  // namespace
+
+LaneTransform::LaneTransform(size_t size) : size_(size) {
+  for (size_t length = size; length >= 4; length /= 4) {
+    for (size_t p = 0; p < length / 4; ++p) {
+      for (const int power : {1, 2, 3}) {
+        const double angle =
+            -2.0 * std::numbers::pi * power * static_cast<double>(p) / static_cast<double>(length);
+        factors_.push_back(std::cos(angle));
+        factors_.push_back(std::sin(angle));
+      }
+    }
+  }
+}
+
+void LaneTransform::forward(double* re, double* im) const { forwardFrom(re, im, size_, factors_.data()); }
+
+void LaneTransform::backward(double* re, double* im) const { backwardFrom(re, im, size_, factors_.data()); }
 
 size_t LaneTransform::placeOf(size_t k) const {
   size_t place = 0;

@@ -28,13 +28,10 @@ class LaneTransform {
   size_t placeOf(size_t k) const;
 
  private:
-  void forwardFrom(double* re, double* im, size_t length, size_t level) const;
-  void backwardFrom(double* re, double* im, size_t length, size_t level) const;
-
   size_t size_;
-  // Of the levels of length size, size / 4 ...: w, w^2 and w^3 of each p below a quarter, real and imaginary.
-  std::vector<std::vector<double>> factors_;
-  std::vector<const double*> levels_;
+  // Of the levels of length size, size / 4 ... one after the other: w, w^2 and w^3 of each p below a quarter
+  // of the length, real and imaginary.
+  std::vector<double> factors_;
 };
 
 }  // namespace plumetta

@@ -161,6 +161,12 @@ Section chebyshevSection(int pair, int poles, double cutoff, double ripplePercen
   return section;
 }
 
+// Both poles inside the unit circle, and not as close to it as rounding can tell.
+bool isStable(const Section& s) {
+  constexpr double kMargin = 1e-12;
+  return std::fabs(s.b2) < 1.0 - kMargin && std::fabs(s.b1) < 1.0 - s.b2 - kMargin;
+}
+
 constexpr size_t kDesignEntries = 22;
 using DesignArray = std::array<double, kDesignEntries>;
 
@@ -175,9 +181,9 @@ void cascade(DesignArray& a, DesignArray& b, const Section& s) {
 
 }  // namespace
 
-bool RecursiveFilter::finite() const {
+bool RecursiveFilter::usable() const {
   const auto isFinite = [](double value) { return std::isfinite(value); };
-  return std::ranges::all_of(forward, isFinite) && std::ranges::all_of(feedback, isFinite);
+  return stable && std::ranges::all_of(forward, isFinite) && std::ranges::all_of(feedback, isFinite);
 }
 
 double RecursiveFilter::gainAt(double frequency) const {
@@ -203,15 +209,18 @@ RecursiveFilter bandDesign(double centre, double bandwidth, bool bandPass) {
   const double a0 = bandPass ? 1.0 - k : k;
   const double a1 = bandPass ? 2.0 * (k - r) * c : -2.0 * k * c;
   const double a2 = bandPass ? r * r - k : k;
-  return {2, {a2, a1, a0}, {0.0, 2.0 * r * c, -r * r}};
+  return {2, {a2, a1, a0}, {0.0, 2.0 * r * c, -r * r}, r * r <= 1.0};
 }
 
 RecursiveFilter chebyshevDesign(int poles, double cutoff, double ripplePercent, PassType type) {
   DesignArray a{};
   DesignArray b{};
   a[2] = b[2] = 1.0;
+  RecursiveFilter filter;
   for (int pair = 1; pair <= poles / 2; ++pair) {
-    cascade(a, b, chebyshevSection(pair, poles, cutoff, ripplePercent, type));
+    const Section section = chebyshevSection(pair, poles, cutoff, ripplePercent, type);
+    filter.stable = filter.stable && isStable(section);
+    cascade(a, b, section);
   }
   b[2] = 0.0;
   double sumA = 0.0;
@@ -222,7 +231,6 @@ RecursiveFilter chebyshevDesign(int poles, double cutoff, double ripplePercent, 
     sumB -= sign * b[i];
   }
   const double gain = sumA / (1.0 - sumB);
-  RecursiveFilter filter;
   filter.poles = poles;
   for (size_t k = 0; k <= static_cast<size_t>(std::max(poles, 0)); ++k) {
     filter.forward[k] = a[k + 2] / gain;

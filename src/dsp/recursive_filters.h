@@ -18,8 +18,10 @@ struct RecursiveFilter {
   std::array<double, kMostPoles + 1> forward{};
   std::array<double, kMostPoles + 1> feedback{};
 
-  // False for settings that have no filter.
-  bool finite() const;
+  bool stable = true;  // no pole outside the unit circle; Chebyshev's none on it either
+
+  // False for settings that make no filter.
+  bool usable() const;
   // At a frequency as a fraction of the sample rate; 1 for none.
   double gainAt(double frequency) const;
 };

@@ -9,8 +9,8 @@
 
 #include "core/cpu_variants.h"
 #include "core/work_crew.h"
-#include "dsp/band_limited.h"
 #include "dsp/fir_filter.h"
+#include "dsp/sinc_weights.h"
 
 namespace plumetta {
 namespace {

@@ -76,7 +76,11 @@ MenuPlan MainFrame::processMenu() {
   Action generate{"generate", "&Generate", "", "Write test signals", nullptr};
   generate.actions =
       groupedActions(Menu::generate, {"quick-28", "quick-29", "", "quick-30", "quick-31", "quick-32"});
-  MenuPlan menu{"&Process", {fade, normalize, generate, kSeparator}};
+  Action filter{"filter", "Fi&lter", "", "Let some frequencies through and others not", nullptr};
+  filter.actions = groupedActions(Menu::filter, {"fir", "", "chebyshev", "band", "rc", "", "moving-average"});
+  Action pitch{"pitch-menu", "Rate and &pitch", "", "Change the sample rate or the pitch", nullptr};
+  pitch.actions = groupedActions(Menu::pitch, {"resample", "", "pitch", "pitch-fft"});
+  MenuPlan menu{"&Process", {fade, normalize, filter, pitch, generate, kSeparator}};
   // Loudness, clipping, waveform, channels and storage.
   for (const Action& action :
        groupedActions(Menu::process, {"volume", "quick-20", "quick-21", "quick-10", "", "truncate",

@@ -68,6 +68,36 @@ class Cli(unittest.TestCase):
             "extra_chunks": [{"id": "ETTA", "size": 32}],
             "clipboard": {"channels": 2, "rate": 8000, "bits": 16, "frames": 10}, "documents": 2})
 
+    def test_filters_and_rates_refuse_with_the_dialogs_words(self):
+        for step, message in [
+                ("rc lowpass 1.5", "Constant error"), ("rc highpass nan", "Constant error"),
+                ("chebyshev lowpass 100001 0.5 4", "Frequency error"), ("chebyshev lowpass 1000 1.1 4", "Ripple error"),
+                ("chebyshev highpass 1000 0.5 17", "Pole error"), ("band pass -1 0.5", "Frequency error"),
+                ("band reject 1000 -1", "Bandwidth error"), ("fir lowpass 0 100", "Frequency error"),
+                ("fir lowpass inf 100", "Frequency error"), ("resample 0", "Sample rate error!"),
+                ("resample 8000", "Sampling frequency is already 8000 Hz"),
+                ("set-rate 8000", "Sampling frequency is already 8000 Hz"), ("set-rate -3", "Sample rate error!"),
+                ("resample 9000 type=10", "Band limited is just for down sampling, not for up sampling")]:
+            self.edit("open a.wav " + step, status=1)
+            self.assertEqual(self.err, f"message: {message}\n", step)
+        self.edit("open a.wav rc bandpass 1", status=2)
+
+    def test_filters_and_rates_name_their_steps(self):
+        done = self.edit("open a.wav moving-average 3 rc lowpass 0.5 chebyshev highpass 1000 0.5 4 band reject 1000 1 "
+                         "fir lowpass 9999 100 fir lowpass 500 2000 moving-average -1 resample 6000 set-rate 8000 "
+                         "pitch 1 -3 pitch 0 0 pitch-fft 1.25 size=64 overlap=4 resample 9000 type=10 interpolation=off "
+                         "history")
+        self.assertEqual(done.split("\n")[:-1], [
+            "Moving average filter", "RC Filter effect", "Chebyshev Filter effect", "High performance filter effect",
+            "High performance filter effect", "High performance filter effect", "Moving average filter",
+            "Resample to 6000 Hz", "Set sample rate to 8000 Hz", "Pitch shift 1 semitone -3 cent", "Pitch shift 1.25",
+            "Resample to 9000 Hz"])
+
+    def test_resample_to_half_the_rate_keeps_every_second_frame(self):
+        before = self.edit("open a.wav print 0 999").split("\n")[:-1]
+        after = self.edit("open a.wav resample 4000 filter=off print 0 999").split("\n")[:-1]
+        self.assertEqual(after, before[::2])
+
     def test_whole_call_is_parsed_before_the_first_step_runs(self):
         for chain in ["open a.wav save b.wav bogus", "open a.wav save b.wav select 1", "open a.wav save b.wav cursor x",
                       "open a.wav save b.wav active", "open a.wav save b.wav active solo=x", "", "open",

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dsp/band_limited.h"
+#include "dsp/sinc_weights.h"
 
 #include <cmath>
 #include <numbers>
