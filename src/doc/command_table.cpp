@@ -11,7 +11,8 @@ const std::vector<Command>& commandTable() {
     std::vector<Command> all;
     for (auto group :
          {editCommands(), mixCommands(), levelCommands(), quickEffectCommands(), filterCommands(),
-          resampleCommands(), channelCommands(), markerCommands(), envelopeCommands()}) {
+          resampleCommands(), channelCommands(), markerCommands(), envelopeCommands(), silenceCommands(),
+          synthesisCommands(), rhythmCommands()}) {
       std::move(group.begin(), group.end(), std::back_inserter(all));
     }
     return all;
