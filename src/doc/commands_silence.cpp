@@ -119,11 +119,11 @@ std::vector<Command> silenceCommands() {
        Lock::none, runAutoRegion, [](CommandCall&) -> std::string { return "Auto detect region"; },
        Changes::annotations, 0, "Auto Detect Region"},
       {"silence-remover", "Silence r&emover", "", Menu::process,
-       {levelParameter(), durationParameter("Lasts at least")}, needAudio, undoAs<UndoKind::layout>, Lock::byItself,
+       {levelParameter(), durationParameter("Lasts at least")}, needAudio, undoAs<UndoKind::layout>, Lock::none,
        runSilenceRemover, [](CommandCall&) -> std::string { return "Silence remover"; }, Changes::samples, 0,
        "Silence Remover"},
       {"auto-trim", "&Auto trim", "", Menu::process, {levelParameter()}, needAudio, undoAs<UndoKind::layout>,
-       Lock::byItself, runAutoTrim, [](CommandCall&) -> std::string { return "Auto trim"; }, Changes::samples, 0,
+       Lock::none, runAutoTrim, [](CommandCall&) -> std::string { return "Auto trim"; }, Changes::samples, 0,
        "Auto Trim"},
   };
   // clang-format on

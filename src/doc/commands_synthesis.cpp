@@ -124,7 +124,7 @@ std::optional<Refusal> runSynthesis(CommandCall& call) {
 std::vector<Command> synthesisCommands() {
   return {
       {"synthesis", "&Simple synthesis", "", Menu::generate, synthesisParameters(), checkSynthesis,
-       undoAs<UndoKind::layout>, Command::Lock::byItself, runSynthesis,
+       undoAs<UndoKind::layout>, Command::Lock::none, runSynthesis,
        [](CommandCall&) -> std::string { return "Synthesis"; }, Command::Changes::samples, 0, "Synthesis"},
   };
 }

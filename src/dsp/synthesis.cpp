@@ -141,16 +141,16 @@ bool noise(CWave& wave, SynthesisType type, double amplitude, uint32_t seed) {
   });
 }
 
+bool usesFrequency(SynthesisType type) {
+  return !isNoise(type) && type != SynthesisType::silence && type != SynthesisType::sweepLinear &&
+         type != SynthesisType::sweepExponential;
+}
+
 }  // namespace
 
 bool isNoise(SynthesisType type) {
   return type == SynthesisType::whiteNoise || type == SynthesisType::pinkNoise ||
          type == SynthesisType::brownNoise;
-}
-
-bool usesFrequency(SynthesisType type) {
-  return !isNoise(type) && type != SynthesisType::silence && type != SynthesisType::sweepLinear &&
-         type != SynthesisType::sweepExponential;
 }
 
 bool canSynthesize(SynthesisType type, double hz, double sampleRate) {

@@ -26,8 +26,7 @@ enum class SynthesisType {
 };
 
 bool isNoise(SynthesisType type);
-// Whether a type has a frequency, and whether the signal lies between 0.001 Hz and less than half the rate.
-bool usesFrequency(SynthesisType type);
+// Whether every tone of it lies from 0.001 Hz to below half the rate; types without a frequency take any.
 bool canSynthesize(SynthesisType type, double hz, double sampleRate);
 
 // Fills the active channels of the whole buffer, within ± the amplitude: impulses `hz` times a second from

@@ -41,25 +41,6 @@ void sound(LooseDocument& loose, const std::string& shape) {
 
 constexpr double kTwoFrames = 0.00025;
 
-TEST(SilenceCommands, MarkTheSoundTheyFind) {
-  struct Case {
-    int64_t position;
-    std::vector<int> markers;
-  };
-  for (const Case& one : {Case{0, {1, 6}}, {1, {3, 6}}, {2, {1, 3, 6}}}) {
-    SlowDocument loose(1, 1);
-    sound(loose, ".x.x..x..");
-    loose.doc.wave().markers.add(6);
-    ASSERT_TRUE(run(loose, "auto-region", {-6.0, kTwoFrames, one.position}));
-    auto found = markerPositions(loose.doc.wave());
-    std::sort(found.begin(), found.end());
-    EXPECT_EQ(found, one.markers);
-    EXPECT_EQ(loose.history.names(), std::vector<std::string>{"Auto detect region"});
-    ASSERT_TRUE(run(loose, "undo"));
-    EXPECT_EQ(loose.doc.wave().markers.count(), 1);
-  }
-}
-
 TEST(SilenceCommands, RemoveItAndStartTheViewAnew) {
   SlowDocument loose(1, 1);
   sound(loose, "..x...xx.x..");

@@ -8,7 +8,6 @@
 #include <numbers>
 
 #include "dsp/noise.h"
-#include "dsp/place_signal.h"
 #include "support/waves.h"
 
 namespace plumetta {
@@ -125,34 +124,6 @@ TEST(Noise, PowerFallsWithTheOctavesAsItsColourSays) {
   auto wave = silent(2, 100, 8000);
   synthesize(*wave, SynthesisType::whiteNoise, 1.0f, 0, 3);
   EXPECT_NE(wave->sample(50, 0), wave->sample(50, 1));
-}
-
-TEST(PlaceSignal, InsertsMixesAndReplacesOnTheActiveChannels) {
-  auto signal = silent(1, 4, 44100);
-  for (int f = 0; f < 4; ++f) signal->setSample(f, 0, 0.5f);
-  struct Case {
-    Placement how;
-    int32_t position;
-    std::vector<float> first, second;
-  };
-  const Case cases[] = {
-      {Placement::insert, 1, {0, .5f, .5f, .5f, .5f, 1, 2}, {.01f, 0, 0, 0, 0, 1.01f, 2.01f}},
-      {Placement::insert, 3, {0, 1, 2, .5f, .5f, .5f, .5f}, {.01f, 1.01f, 2.01f, 0, 0, 0, 0}},
-      {Placement::mix, 1, {0, 1.5f, 2.5f, .5f, .5f}, {.01f, 1.01f, 2.01f, 0, 0}},
-      {Placement::replace, 0, {.5f, .5f, .5f, .5f}, {.01f, 1.01f, 2.01f, 0}},
-  };
-  for (const Case& one : cases) {
-    auto wave = countingWave(2, 3);
-    wave->setActive(ActiveOperation::off, 1);
-    wave->markers.add(2);
-    ASSERT_TRUE(placeSignal(*wave, *signal, one.position, one.how));
-    ASSERT_EQ(wave->frames(), static_cast<int32_t>(one.first.size()));
-    for (size_t f = 0; f < one.first.size(); ++f) {
-      EXPECT_EQ(wave->sample(static_cast<int32_t>(f), 0), one.first[f]);
-      EXPECT_EQ(wave->sample(static_cast<int32_t>(f), 1), one.second[f]);
-    }
-    EXPECT_EQ(wave->markers[0].position, one.how == Placement::insert && one.position == 1 ? 6 : 2);
-  }
 }
 
 }  // namespace
