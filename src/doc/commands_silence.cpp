@@ -72,8 +72,10 @@ std::optional<Refusal> runAutoRegion(CommandCall& call) {
 // Frames count anew afterwards, so selection, cursor and scroll position start from the beginning.
 void removeAndShow(CPlumettaDoc& doc, const std::vector<FrameRange>& ranges) {
   if (ranges.empty()) return;
-  const AudioLockHeld held(doc.services().audioLock);
-  deleteRanges(doc.wave(), ranges);
+  {
+    const AudioLockHeld held(doc.services().audioLock);
+    deleteRanges(doc.wave(), ranges);
+  }
   doc.setViewState(ViewState{});
 }
 

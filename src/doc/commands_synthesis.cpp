@@ -111,9 +111,11 @@ std::optional<Refusal> runSynthesis(CommandCall& call) {
   const WaveReports reports(signal, work);
   synthesize(signal, type, static_cast<float>(call.real(kVolume)), call.real(kHz), std::random_device{}());
   if (work.cancelled()) return Refusal{};
-  const AudioLockHeld held(doc.services().audioLock);
   const int32_t position = positionOf(call);
-  if (!placeSignal(doc.wave(), signal, position, placementOf(call))) return Refusal{kNoMemory};
+  {
+    const AudioLockHeld held(doc.services().audioLock);
+    if (!placeSignal(doc.wave(), signal, position, placementOf(call))) return Refusal{kNoMemory};
+  }
   doc.select(position, int64_t{position} + signal.frames() - 1);
   doc.setCursor(position);
   return std::nullopt;
