@@ -8,6 +8,7 @@
 
 #include "cli/document_json.h"
 #include "doc/effect_names.h"
+#include "doc/selection_tempo.h"
 #include "platform/paths.h"
 
 namespace plumetta {
@@ -236,6 +237,18 @@ StepOutcome printStatistics(EditSession& session, const StepArguments& arguments
   return StepOutcome::done;
 }
 
+StepOutcome printTempo(EditSession& session, const StepArguments& arguments) {
+  const double beats = std::get<double>(arguments[0]);
+  if (const std::string problem = tempoProblem(*session.doc, beats); !problem.empty()) {
+    session.app.prompter().message(problem);
+    return StepOutcome::refused;
+  }
+  char text[40];
+  std::snprintf(text, sizeof text, "%.9g\n", tempoOfSelection(*session.doc, beats));
+  session.output += text;
+  return StepOutcome::done;
+}
+
 StepOutcome printHistory(EditSession& session, const StepArguments&) {
   for (const std::string& name : session.app.history().names()) session.output += name + "\n";
   return StepOutcome::done;
@@ -285,6 +298,7 @@ std::vector<EditStep> ownSteps() {
       {"stats", {levels}, true, printStatistics, nullptr},
       {"state", {}, true, printState, nullptr},
       {"print", {frame("from"), frame("to")}, true, printSamples, nullptr},
+      {"bpm", {positional("beats", ParameterType::real, 0.0)}, true, printTempo, nullptr},
       {"history", {}, false, printHistory, nullptr},
   };
 }

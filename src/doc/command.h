@@ -91,9 +91,9 @@ struct Command {
   std::optional<Refusal> (*check)(CommandCall&);
   // What kind of undo step is recorded; none for a command that changes nothing that undo knows.
   std::optional<UndoKind> (*undoKind)(CommandCall&);
-  // How it takes the audio lock: not at all, in short turns (sample values change), throughout (the length or
-  // the layout changes), or by itself, for the moment in which it exchanges the samples for those that it has
-  // made beside them.
+  // How it takes the audio lock: not at all (or for a moment, in its own code), in short turns (sample values
+  // change), throughout (the length or the layout changes), or by itself, for the moment in which it
+  // exchanges the samples for those that it has made beside them; undo then gets the old ones.
   enum class Lock { none, turns, throughout, byItself } lock;
   // Does it. A refusal after the check has left the document as it was, or has set `samplesTouched`: the undo
   // step then brings it back.

@@ -17,6 +17,9 @@ std::vector<Command> resampleCommands();     // sample rate and pitch
 std::vector<Command> channelCommands();      // the 16 channel operations
 std::vector<Command> markerCommands();       // markers, loops and regions
 std::vector<Command> envelopeCommands();     // volume envelope points
+std::vector<Command> silenceCommands();      // what a level parts from silence
+std::vector<Command> synthesisCommands();    // test signals
+std::vector<Command> rhythmCommands();       // what runs in beats: gapper, markers by tempo
 
 // Kinds of undo step and history names for rows.
 template <UndoKind kind>
@@ -30,6 +33,10 @@ inline constexpr const char* kNoMemory = "There is not enough memory for this.";
 
 // A check: refuses, without a text, in an empty document.
 std::optional<Refusal> needAudio(CommandCall& call);
+// Adds markers where none stands yet, in the order given; refused when there would be more than anyone can
+// use.
+std::optional<Refusal> addMarkers(CWave& wave, const std::vector<int32_t>& positions);
+inline constexpr int64_t kMostMarkersAtOnce = 100000;
 // The clipboard buffer has another layout than the document.
 Refusal clipboardMismatch(const CWave& clipboard);
 

@@ -9,9 +9,9 @@ namespace plumetta {
 const std::vector<Command>& commandTable() {
   static const std::vector<Command> table = [] {
     std::vector<Command> all;
-    for (auto group :
-         {editCommands(), mixCommands(), levelCommands(), quickEffectCommands(), filterCommands(),
-          resampleCommands(), channelCommands(), markerCommands(), envelopeCommands()}) {
+    for (auto group : {editCommands(), mixCommands(), levelCommands(), quickEffectCommands(),
+                       filterCommands(), resampleCommands(), channelCommands(), markerCommands(),
+                       envelopeCommands(), silenceCommands(), synthesisCommands(), rhythmCommands()}) {
       std::move(group.begin(), group.end(), std::back_inserter(all));
     }
     return all;

@@ -2,6 +2,7 @@
 // Markers, loop points and the regions between markers.
 #include <algorithm>
 #include <random>
+#include <set>
 
 #include "core/regions.h"
 #include "doc/command_groups.h"
@@ -82,15 +83,6 @@ std::optional<Refusal> runMarkSelection(CommandCall& call) {
   return std::nullopt;
 }
 
-// Adds markers where none stands yet.
-void addMarkers(CWave& wave, const std::vector<int32_t>& positions) {
-  for (const int32_t position : positions) {
-    const bool marked = std::any_of(wave.markers.begin(), wave.markers.end(),
-                                    [&](const Marker& marker) { return marker.position == position; });
-    if (!marked) wave.markers.add(position);
-  }
-}
-
 // The lines that part the selection, or the file, into equal stretches, its start included.
 std::optional<Refusal> runMarkerGrid(CommandCall& call) {
   const auto [first, last] = call.doc.selectionOrAll();
@@ -100,14 +92,12 @@ std::optional<Refusal> runMarkerGrid(CommandCall& call) {
   for (int64_t line = 0; line < lines; ++line) {
     positions.push_back(static_cast<int32_t>(first + length * line / lines));
   }
-  addMarkers(call.doc.wave(), positions);
-  return std::nullopt;
+  return addMarkers(call.doc.wave(), positions);
 }
 
 std::optional<Refusal> runAutoSlice(CommandCall& call) {
   const auto [first, last] = call.doc.selectionOrAll();
-  addMarkers(call.doc.wave(), findOnsets(call.doc.wave(), {first, last}, call.real(0)));
-  return std::nullopt;
+  return addMarkers(call.doc.wave(), findOnsets(call.doc.wave(), {first, last}, call.real(0)));
 }
 
 // ---- Loops ----------------------------------------------------------------------------------------------
@@ -158,7 +148,33 @@ std::optional<Refusal> runScramble(CommandCall& call) {
   return std::nullopt;
 }
 
+// Markers at the start of each of equal parts, and behind the last one where the file goes on there.
+std::optional<Refusal> runSetRegion(CommandCall& call) {
+  const auto [first, last] = call.doc.selectionOrAll();
+  const int64_t count = call.integer(0);
+  const int64_t length = static_cast<int64_t>(last) - first + 1;
+  if (count > length) return Refusal{"There are fewer frames than regions"};
+  std::vector<int32_t> positions;
+  for (int64_t part = 0; part <= count; ++part) {
+    const int64_t start = first + length * part / count;
+    if (start < call.doc.wave().frames()) positions.push_back(static_cast<int32_t>(start));
+  }
+  return addMarkers(call.doc.wave(), positions);
+}
+
 }  // namespace
+
+std::optional<Refusal> addMarkers(CWave& wave, const std::vector<int32_t>& positions) {
+  if (positions.size() > static_cast<size_t>(kMostMarkersAtOnce)) {
+    return Refusal{"That would be more than 100000 markers"};
+  }
+  std::set<int32_t> taken;
+  for (const Marker& marker : wave.markers) taken.insert(marker.position);
+  for (const int32_t position : positions) {
+    if (taken.insert(position).second) wave.markers.add(position);
+  }
+  return std::nullopt;
+}
 
 std::vector<Command> markerCommands() {
   constexpr auto annotations = undoAs<UndoKind::annotations>;
@@ -180,6 +196,25 @@ std::vector<Command> markerCommands() {
                        1,
                        60,
                        "The rise must lie between 1 and 60 dB"};
+  const Parameter exchanges{"count",
+                            "Exchanges",
+                            "",
+                            ParameterType::integer,
+                            true,
+                            int64_t{10},
+                            -kMaxScrambles,
+                            kMaxScrambles,
+                            "The number of exchanges must lie between -1000000 and 1000000"};
+  const Parameter regions{"count",
+                          "Regions",
+                          "",
+                          ParameterType::integer,
+                          true,
+                          int64_t{8},
+                          1,
+                          10000,
+                          "The number of regions must lie between 1 and 10000",
+                          "number"};
   // clang-format off
   return {
       {"marker", "", "", Menu::marker, {positionalFrame("frame", "Position"), labelParameter()},
@@ -211,9 +246,11 @@ std::vector<Command> markerCommands() {
        {positionalFrame("a", "First region"), positionalFrame("b", "Second region")}, checkSwap,
        undoAs<UndoKind::layout>, Lock::throughout, runSwap, [](CommandCall&) -> std::string { return "Swap region"; },
        Changes::samples},
-      {"scramble", "", "", Menu::none, {positionalInteger("count", "Exchanges", -kMaxScrambles, kMaxScrambles)},
-       needMarkers, undoAs<UndoKind::layout>, Lock::throughout, runScramble,
-       [](CommandCall&) -> std::string { return "Scramble region"; }, Changes::samples},
+      {"scramble", "S&cramble region", "", Menu::marker, {exchanges}, needMarkers, undoAs<UndoKind::layout>,
+       Lock::throughout, runScramble, [](CommandCall&) -> std::string { return "Scramble region"; },
+       Changes::samples, 0, "Scramble region"},
+      {"set-region", "Set regio&n", "", Menu::marker, {regions}, needAudio, annotations, Lock::none, runSetRegion,
+       [](CommandCall&) -> std::string { return "Set region"; }, Changes::annotations, 0, "Region number"},
   };
   // clang-format on
 }

@@ -10,17 +10,6 @@ int32_t intoFile(const CWave& wave, int32_t position) {
   return std::clamp(position, 0, std::max(wave.frames() - 1, 0));
 }
 
-bool lengthenTo(CWave& wave, int32_t frames) {
-  const int32_t present = wave.frames();
-  if (frames <= present) return true;
-  if (!wave.resize(frames, wave.channels())) return false;
-  const size_t firstNew = wave.sampleCount();
-  wave.setLayout(wave.channels(), frames);
-  std::fill(wave.samples() + firstNew, wave.samples() + wave.sampleCount(), 0.0f);
-  if (wave.envelope.active()) wave.envelope.setLength(frames);
-  return true;
-}
-
 void takeLoops(CWave& wave, const CLoopPoints& loops, int32_t offset) {
   if (wave.loops.hasLoops() || !loops.hasLoops()) return;
   wave.loops = loops;
@@ -31,6 +20,17 @@ void takeLoops(CWave& wave, const CLoopPoints& loops, int32_t offset) {
 }
 
 }  // namespace
+
+bool lengthenTo(CWave& wave, int32_t frames) {
+  const int32_t present = wave.frames();
+  if (frames <= present) return true;
+  if (!wave.resize(frames, wave.channels())) return false;
+  const size_t firstNew = wave.sampleCount();
+  wave.setLayout(wave.channels(), frames);
+  std::fill(wave.samples() + firstNew, wave.samples() + wave.sampleCount(), 0.0f);
+  if (wave.envelope.active()) wave.envelope.setLength(frames);
+  return true;
+}
 
 bool canMix(const CWave& wave, const CWave& source, int32_t position) {
   return source.channels() == wave.channels() && source.frames() <= kMaxFrames - intoFile(wave, position);

@@ -13,4 +13,8 @@ bool canMix(const CWave& wave, const CWave& source, int32_t position);
 // clipped. False for another channel count or without memory; the buffer is then as it was.
 bool mixBuffer(CWave& wave, const CWave& source, int32_t position, float gain);
 
+// Appends silent frames where the buffer has fewer than this; the envelope's end follows. False, with the
+// buffer as it was, without memory.
+bool lengthenTo(CWave& wave, int32_t frames);
+
 }  // namespace plumetta

@@ -74,18 +74,19 @@ MenuPlan MainFrame::processMenu() {
   normalize.actions = groupedActions(
       Menu::normalize, {"normalize", "", "quick-14", "quick-15", "quick-16", "quick-17", "quick-18"});
   Action generate{"generate", "&Generate", "", "Write test signals", nullptr};
-  generate.actions =
-      groupedActions(Menu::generate, {"quick-28", "quick-29", "", "quick-30", "quick-31", "quick-32"});
+  generate.actions = groupedActions(
+      Menu::generate, {"synthesis", "", "quick-28", "quick-29", "", "quick-30", "quick-31", "quick-32"});
   Action filter{"filter", "Fi&lter", "", "Let some frequencies through and others not", nullptr};
   filter.actions = groupedActions(Menu::filter, {"fir", "", "chebyshev", "band", "rc", "", "moving-average"});
   Action pitch{"pitch-menu", "Rate and &pitch", "", "Change the sample rate or the pitch", nullptr};
   pitch.actions = groupedActions(Menu::pitch, {"resample", "", "pitch", "pitch-fft"});
   MenuPlan menu{"&Process", {fade, normalize, filter, pitch, generate, kSeparator}};
-  // Loudness, clipping, waveform, channels and storage.
-  for (const Action& action :
-       groupedActions(Menu::process, {"volume", "quick-20", "quick-21", "quick-10", "", "truncate",
-                                      "quick-22", "quick-23", "", "quick-11", "quick-12", "quick-13",
-                                      "quick-24", "", "quick-25", "quick-19", "", "bit-depth"})) {
+  // Loudness, clipping, waveform, channels, silence and storage.
+  for (const Action& action : groupedActions(
+           Menu::process, {"volume",          "quick-20", "quick-21", "quick-10", "",         "truncate",
+                           "quick-22",        "quick-23", "",         "quick-11", "quick-12", "quick-13",
+                           "quick-24",        "",         "quick-25", "quick-19", "",         "auto-trim",
+                           "silence-remover", "gapper",   "",         "bit-depth"})) {
     menu.actions.push_back(action);
   }
   return menu;

@@ -61,6 +61,7 @@ class MainFrame : public wxFrame {
   void goTo(CPlumettaDoc& doc);
   void editPreferences();
   void showStatistics(CPlumettaDoc& doc);
+  void showTempo(CPlumettaDoc& doc);
   void showAbout();
 
   void buildToolBar();

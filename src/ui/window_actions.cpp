@@ -5,6 +5,8 @@
 #include <wx/toolbar.h>
 #include <wx/version.h>
 
+#include "doc/selection_tempo.h"
+#include "ui/bpm_dialog.h"
 #include "ui/edit_dialogs.h"
 #include "ui/main_frame.h"
 #include "ui/shortcuts_dialog.h"
@@ -194,12 +196,26 @@ MenuPlan MainFrame::markerMenu() {
   MenuPlan menu{"&Marker", {}};
   menu.actions.push_back(documentAction("marker-at-cursor", "&Marker at the cursor", "M",
                                         "Mark this position", [this](CPlumettaDoc& doc) { addMarker(doc); }));
-  append(menu.actions, commandActions(Menu::marker));
+  append(menu.actions,
+         groupedActions(Menu::marker, {"marker-selection", "", "marker-grid", "set-region", "marker-bpm"}));
+  menu.actions.push_back(documentAction("bpm", "B&PM calculator…", "", "The tempo of the selection",
+                                        [this](CPlumettaDoc& doc) { showTempo(doc); }));
+  append(menu.actions,
+         groupedActions(Menu::marker, {"", "auto-slice", "auto-region", "", "scramble", "", "marker-clear"}));
   return menu;
 }
 
 void MainFrame::addMarker(CPlumettaDoc& doc) {
   runCommand(doc, *findCommand("marker"), {FrameOrTime{double(doc.view().cursor)}, std::string()});
+}
+
+void MainFrame::showTempo(CPlumettaDoc& doc) {
+  // Before anything is asked; any number of beats would do.
+  if (const std::string problem = tempoProblem(doc, 1); !problem.empty()) {
+    prompter_.message(problem);
+    return;
+  }
+  CBpmDlg(this, doc, profile_).ShowModal();
 }
 
 void MainFrame::showStatistics(CPlumettaDoc& doc) { CStatisticsDlg(this, doc).ShowModal(); }

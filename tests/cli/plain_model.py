@@ -31,6 +31,10 @@ def sum32(values):
     return reduce(lambda total, value: f32(total + value), values, 0.0)
 
 
+def half_up(x):
+    return math.floor(x + 0.5)
+
+
 def gain_of(level):
     return f32(10 ** (level / 20))
 
@@ -316,6 +320,71 @@ class Document(Buffer):
         elif number == 33:
             self.apply_envelope()
 
+    # What a level parts from silence
+    def loud(self, level, a, b):
+        return [f for f in range(a, b + 1) if any(abs(x) >= gain_of(level) for x in self.frames[f])]
+
+    def cut_out(self, ranges):
+        for a, b in reversed(ranges):
+            self.delete(a, b)
+        if ranges:
+            self.selection, self.cursor = [0, 0], 0
+
+    def silences(self, level, a, b, shortest):
+        edges = [a - 1, *self.loud(level, a, b), b + 1]
+        return [(p + 1, q - 1) for p, q in zip(edges, edges[1:]) if q - p - 1 >= max(shortest, 1)]
+
+    def outer_silences(self, level):
+        last = len(self.frames) - 1
+        return [(a, b) for a, b in self.silences(level, 0, last, 1) if a == 0 or b == last]
+
+    def auto_regions(self, level, seconds, position="0"):
+        a, b = self.extent()
+        gap, loud = max(1, half_up(seconds * self.rate)), self.loud(level, a, b)
+        for before, p, behind in zip([-math.inf, *loud], loud, [*loud[1:], math.inf]):
+            self.mark([p] * (p - before > gap and position != "1") + [p] * (behind - p > gap and position != "0"))
+
+    def mark(self, positions):
+        for p in positions:
+            if p not in [position for _, position, _ in self.markers]:
+                self.add_marker(p)
+
+    def set_regions(self, count):
+        a, b = self.extent()
+        starts = [a + (b - a + 1) * i // count for i in range(count + 1)]
+        self.mark(p for p in starts if p < len(self.frames))
+
+    def mark_beats(self, bpm, measure="1.0"):
+        a, b = self.extent()
+        spacing = float(measure) * 60 / bpm * self.rate
+        beats = [a + half_up(i * spacing) for i in range(b - a + 1)]
+        self.mark(p for p in beats if p <= b)
+
+    def sine(self, _, hz="1000", seconds="1", volume="1.0", position="0", mix="0"):
+        n = half_up(float(seconds) * self.rate)
+        at = {"0": 0, "1": len(self.frames), "2": self.inside(self.cursor)}[position]
+        if mix == "0":
+            self.make_room([[0.0] * self.channels for _ in range(n)], at)
+        else:
+            self.frames += [[0.0] * self.channels for _ in range(at + n - len(self.frames))]
+            self.stretch_envelope()
+        for i in range(n):
+            s = f32(f32(float(volume)) * f32(math.sin(2 * math.pi * (float(hz) * i / self.rate % 1))))
+            self.change(at + i, at + i, lambda x: x + s if mix == "1" else s)
+        self.selection, self.cursor = [at, at + n - 1], self.inside(at)
+
+    def gate(self, type="-1", start="4", stop="8", fade_in="10", fade_out="10", **present):
+        first, whole = float(start), len(self.frames) / self.rate
+        bend = (float(stop) - first) / whole if present.get("stop_present") == "on" else 0
+        edge = {"-1": lambda t: t, "0": lambda t: (1 - math.cos(math.pi * t)) / 2,
+                "1": lambda t: math.expm1(t) / (math.e - 1), "2": lambda t: t * t}[type]
+        for f in range(len(self.frames)):
+            t = f / self.rate
+            way, ms = (first * t + bend * t * t / 2) % 1 * 2, 0.001 * 2 * (first + bend * t)
+            rise, fall = [min(1, max(float(fade) / 100, ms)) for fade in (fade_in, fade_out)]
+            gain = 0.0 if way >= 1 else min(edge(min(1, way / rise)), edge(min(1, (1 - way) / fall)))
+            self.change(f, f, lambda x: x * f32(gain) if gain else 0.0)
+
     def channel(self, op, index):
         frames, here = self.frames, self.envelope
         if op < 10:
@@ -345,6 +414,33 @@ def truncate_name(level):
     return "Truncate %ddB" % struct.unpack_from("<i", struct.pack("<d", level))  # what %d finds of a double
 
 
+NOTHING_LEFT = "Everything lies below this level: nothing would be left"
+
+
+def can_remove(d, level, seconds):
+    a, b = d.extent()
+    left = len(d.frames) - sum(q - p + 1 for p, q in d.silences(level, a, b, half_up(seconds * d.rate)))
+    return bool(d.frames) and (left > 0 or NOTHING_LEFT)
+
+
+def can_part(d, count):
+    a, b = d.extent()
+    if not 1 <= count <= 10000:
+        return "The number of regions must lie between 1 and 10000"
+    return bool(d.frames) and (count <= b - a + 1 or "There are fewer frames than regions")
+
+
+def can_beat(d, bpm, measure="1.0"):
+    close = float(measure) * 60 / bpm * d.rate < 1
+    return bool(d.frames) and (not close or "The markers would stand less than a frame apart")
+
+
+def can_sound(d, _, hz="1000", seconds="1", **__):
+    if float(hz) >= d.rate / 2:
+        return "The frequency must lie between 0.001 Hz and half the sample rate"
+    return half_up(float(seconds) * d.rate) > 0 or "At least one frame is needed"
+
+
 # Steps that are one edit: history name, when it can be done, what it does.
 EDITS = {
     "trim": ("Trim crop", lambda d: d.selected() or "Create selection first", Document.trim),
@@ -364,6 +460,16 @@ EDITS = {
     "loop": ("Loop points created", lambda d, a, b: a >= 0 and b >= 0 and d.frames,
              lambda d, a, b: d.set_loop(d.inside(a), d.inside(b))),
     "loop-clear": ("All loop points suppr", lambda d: True, lambda d: d.loops.clear()),
+    "auto-trim": ("Auto trim", lambda d, level: bool(d.frames) and (bool(d.loud(level, 0, len(d.frames) - 1))
+                                                                    or NOTHING_LEFT),
+                  lambda d, level: d.cut_out(d.outer_silences(level))),
+    "silence-remover": ("Silence remover", can_remove, lambda d, level, seconds: d.cut_out(
+        d.silences(level, *d.extent(), half_up(seconds * d.rate)))),
+    "auto-region": ("Auto detect region", lambda d, *_, **__: d.frames, Document.auto_regions),
+    "set-region": ("Set region", can_part, Document.set_regions),
+    "marker-bpm": ("Set marker as bpm", can_beat, Document.mark_beats),
+    "synthesis": ("Synthesis", can_sound, Document.sine),
+    "gapper": ("Gapper effect", lambda d, **_: d.frames, Document.gate),
     "envelope-point": ("Volume add", Document.can_add_point, Document.add_point),
     "envelope-remove": ("Volume point removed", lambda d, i, c: 0 <= c < len(d.envelope)
                         and 0 < i < len(d.envelope[c]) - 1, lambda d, i, c: d.envelope[c].pop(i)),
@@ -381,7 +487,7 @@ class Model:
     def run(self, step):
         """One step as its words, under --keep-going."""
         name, words = step[0], [w for w in step[1:] if "=" not in w]
-        options = dict(w.split("=", 1) for w in step[1:] if "=" in w)
+        options = dict(w.replace("-", "_", w.split("=")[0].count("-")).split("=", 1) for w in step[1:] if "=" in w)
         values = [w if name == "open" else QUICK.index(w) if w in QUICK else float(w) if "." in w else int(w)
                   for w in words if w != "all"]
         doc, markers = self.doc, len(self.doc.markers) if self.doc else 0

@@ -15,7 +15,7 @@ from plain_model import Model, QUICK, f32
 
 # Factors over exp, sin, cos and pow and the sum of DC removal may differ in their last place by the C library and the
 # order of adding; that is up to two last places of a sample.  All other steps are compared to the bit.
-ROUNDED = {"volume", "normalize", "truncate", *(QUICK[q] for q in [*range(2, 6), *range(13, 19), 22, 23, 33])}
+ROUNDED = {"volume", "normalize", "truncate", "synthesis", "gapper", *(QUICK[q] for q in [*range(2, 6), *range(13, 19), 22, 23, 33])}
 
 # Faults of the program that are known and not mended yet: a chain that meets one is left out.
 def title(step):
@@ -79,6 +79,15 @@ def random_step(rng, model):
         (2, ["envelope-remove", upto(0, 3), channel]), (2, ["envelope-invert", channel]), (1, ["envelope-reset"]),
         (1, ["envelope-clear"]), (2, ["new", 8000, pick([1, 2, 3, 16, 16]), 16, upto(0, 9)]),
         (1, ["open", pick(["a.wav", "b.wav"])]), (2, ["doc", upto(0, len(model.documents))]),
+        (2, ["auto-trim", pick(["-40", "-6", "-1.5", "20"])]),
+        (2, ["silence-remover", pick(["-40", "-6", "-1.5", "20"]), pick(["0.0", "0.0004", "0.002"])]),
+        (2, ["auto-region", pick(["-40", "-6", "-1.5"]), pick(["0.0", "0.0004", "0.002"]), f"position={upto(0, 2)}"]),
+        (2, ["set-region", upto(0, 9)]), (2, ["marker-bpm", pick(["10000", "7531.5"]),
+                                              f"measure={pick(['1', '0.25', '0.01'])}"]),
+        (3, ["synthesis", 0, f"hz={pick(['440', '1234.5', '3999', '4000'])}", f"volume={pick(['0.5', '1.25'])}",
+             f"seconds={pick(['0.0', '0.001', '0.0042'])}", f"position={upto(0, 2)}", f"mix={upto(0, 2)}"]),
+        (3, ["gapper", f"type={upto(-1, 2)}", f"start={pick(['90', '333.3'])}", f"stop={pick(['40', '700'])}",
+             f"stop-present={pick(['on', 'off'])}", f"fade-in={pick(['0', '25'])}", f"fade-out={pick(['10', '80'])}"]),
         (1, ["stats", f"levels={pick(['on', 'off'])}"])]
     weights, steps = zip(*weighted)
     return [str(word) for word in rng.choices(steps, weights)[0]]

@@ -135,6 +135,23 @@ class Cli(unittest.TestCase):
         self.assertEqual(self.state("open a.wav select-all")["selection"], [0, 999])
         self.assertEqual(self.state("open a.wav insert-silence 1000 0.1s")["frames"], 1800)
 
+    def test_tempo_signals_and_their_refusals(self):
+        self.assertEqual(self.edit("open a.wav select 0 999 bpm 2"), "960\n")  # 1000 frames of 8000 a second
+        self.edit("open a.wav bpm 2", status=1)
+        self.assertEqual(self.err, "message: Select file part first\n")
+        self.edit("open a.wav scramble 3", status=1)
+        self.assertEqual(self.err, "message: Create marker/region first\n")
+        for kind in [*range(13), 14]:
+            state = self.state(f"new 8000 2 16 0 synthesis {kind} seconds=0.5 save s{kind}.wav")
+            self.assertEqual((state["frames"], state["selection"], state["cursor"]), (4000, [0, 3999], 0))
+        self.assertEqual(len({self.read(f"s{kind}.wav") for kind in [*range(13), 14]}), 14)
+        for wrong in ["13", "0 hz=4000", "0 hz=nan", "0 seconds=0", "0 seconds=1e9", "0 mix=3", "0 volume=-1"]:
+            self.assertEqual(self.edit(f"open a.wav synthesis {wrong} state", status=1), "")
+            self.assertRegex(self.err, "message: .*")
+        self.edit("open a.wav synthesis", status=2)
+        out = self.edit("open a.wav gapper type=2 start=50 stop=9 stop-present=on fade-in=0 set-region 4 history")
+        self.assertEqual(out, "Gapper effect\nSet region\n")
+
     def test_samples_print_dump_and_export(self):
         printed = self.edit("open a.wav print 999 998")
         values = [[float(v) for v in line.split("\t")] for line in printed.splitlines()]
