@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <limits>
 #include <numeric>
 
 #include "core/cpu_variants.h"
@@ -13,36 +12,45 @@ namespace plumetta {
 namespace {
 
 // A part is summed by itself, so that sums don't depend on how many threads share the parts.
-constexpr int64_t kFramesPerPart = int64_t{1} << 18;
+constexpr int64_t kSamplesPerPart = int64_t{1} << 16;
 constexpr size_t kPartsPerRound = 8;
 
-// Two real lanes went through one complex transform, the second as its imaginary part: their spectra are its
-// even and its odd half. Adds the power of both, four times too large.
+constexpr size_t kLanes = LaneTransform::kLanes;
+
+// Two real strips went through one complex transform, the second as its imaginary part: their spectra are its
+// even and its odd half. Adds the power of both, four times too large, from the rows of a frequency and of
+// its negative twin.
 PLUMETTA_WIDE_VECTORS
-void addPowers(const double* __restrict re, const double* __restrict im, size_t size,
-               double* __restrict first, double* __restrict second) {
-  for (size_t k = 1; k < size / 2; ++k) {
-    const double sumRe = re[k] + re[size - k], differenceRe = re[k] - re[size - k];
-    const double sumIm = im[k] + im[size - k], differenceIm = im[k] - im[size - k];
-    first[k] += sumRe * sumRe + differenceIm * differenceIm;
-    second[k] += sumIm * sumIm + differenceRe * differenceRe;
+void addRow(const double* __restrict re, const double* __restrict im, const double* __restrict twinRe,
+            const double* __restrict twinIm, double* __restrict power) {
+  for (size_t v = 0; v < kLanes; ++v) {
+    const double sumRe = re[v] + twinRe[v], differenceRe = re[v] - twinRe[v];
+    const double sumIm = im[v] + twinIm[v], differenceIm = im[v] - twinIm[v];
+    power[v] += sumRe * sumRe + differenceIm * differenceIm;
+    power[kLanes + v] += sumIm * sumIm + differenceRe * differenceRe;
   }
 }
 
-// The lines of 0 Hz and of half the rate are their own mirror images: real, and not halved by a negative twin.
-void addEndPowers(const double* re, const double* im, size_t size, double* first, double* second) {
-  for (const size_t k : {size_t{0}, size / 2}) {
-    first[k] += re[k] * re[k];
-    second[k] += im[k] * im[k];
+// The lines of 0 Hz and of half the rate are their own twins: real, and not halved.
+void addEndRow(const double* re, const double* im, double* power) {
+  for (size_t v = 0; v < kLanes; ++v) {
+    power[v] += re[v] * re[v];
+    power[kLanes + v] += im[v] * im[v];
   }
 }
 
-float soundOf(float sample) { return std::fabs(sample) <= std::numeric_limits<float>::max() ? sample : 0.0f; }
+void weigh(const float* const* sources, int64_t stride, const std::vector<double>& window, double* re,
+           double* im) {
+  for (size_t i = 0; i < window.size(); ++i, re += kLanes, im += kLanes) {
+    for (size_t v = 0; v < kLanes; ++v) {
+      re[v] = window[i] * sources[2 * v][static_cast<int64_t>(i) * stride];
+      im[v] = window[i] * sources[2 * v + 1][static_cast<int64_t>(i) * stride];
+    }
+  }
+}
 
-PLUMETTA_WIDE_VECTORS
-void weigh(const float* __restrict samples, ptrdiff_t stride, const double* __restrict window, ptrdiff_t count,
-           double* __restrict lane) {
-  for (ptrdiff_t i = 0; i < count; ++i) lane[i] = window[i] * soundOf(samples[i * stride]);
+bool allFinite(const double* row) {
+  return std::all_of(row, row + kLanes, [](double value) { return std::isfinite(value); });
 }
 
 }  // namespace
@@ -59,14 +67,15 @@ SpectrumAverage::SpectrumAverage(const CWave& wave, FrameRange range, SpectrumSe
       channels_(wave.channels()),
       sampleRate_(wave.sampleRate()),
       blocks_(std::max<int64_t>((frames_ + settings.size - 1) / settings.size, 1)),
-      // Even, so that blocks pair up within a part whatever the channels.
-      blocksPerPart_(std::max<int64_t>(kFramesPerPart / (settings.size * channels_), 1) * 2),
+      blocksPerGroup_(kStrips / channels_),
+      blocksPerPart_(std::max<int64_t>(kSamplesPerPart / settings.size / kStrips, 1) * blocksPerGroup_),
       window_(static_cast<size_t>(settings.size)),
       transform_(static_cast<size_t>(settings.size)),
       power_(lines() * static_cast<size_t>(channels_)),
       parts_(kPartsPerRound, power_) {
   makeWindow(window_.data(), settings.size, settings.window);
   windowSum_ = std::accumulate(window_.begin(), window_.end(), 0.0);
+  for (size_t k = 0; k < transform_.size(); ++k) rows_.push_back(transform_.placeOf(k) * kLanes);
   benches_.resize(static_cast<size_t>(crew_.size()), Bench(transform_.size()));
 }
 
@@ -74,9 +83,8 @@ bool SpectrumAverage::advance(const CWave& wave) {
   const int64_t partsLeft = (blocks_ - nextBlock_ + blocksPerPart_ - 1) / blocksPerPart_;
   const auto parts = static_cast<int>(std::min<int64_t>(partsLeft, kPartsPerRound));
   crew_.run(parts, [&](int part, int worker) {
-    std::vector<double>& power = parts_[static_cast<size_t>(part)];
-    std::fill(power.begin(), power.end(), 0.0);
-    sumPart(wave, nextBlock_ + part * blocksPerPart_, benches_[static_cast<size_t>(worker)], power);
+    sumPart(wave, nextBlock_ + part * blocksPerPart_, benches_[static_cast<size_t>(worker)],
+            parts_[static_cast<size_t>(part)]);
   });
   for (int part = 0; part < parts; ++part) {
     const std::vector<double>& power = parts_[static_cast<size_t>(part)];
@@ -86,38 +94,78 @@ bool SpectrumAverage::advance(const CWave& wave) {
   return nextBlock_ < blocks_;
 }
 
-// Lane after lane, two at a time: the channels of the first block, then those of the next.
 void SpectrumAverage::sumPart(const CWave& wave, int64_t firstBlock, Bench& bench,
                               std::vector<double>& power) const {
-  const int64_t lanes = std::min(blocksPerPart_, blocks_ - firstBlock) * channels_;
-  std::vector<double> nowhere(lines());
-  const auto powerOf = [&](int64_t lane) {
-    return lane < lanes ? power.data() + static_cast<size_t>(lane % channels_) * lines() : nowhere.data();
-  };
-  std::vector<double> apart(lines());  // two blocks of a mono buffer go to one sum
-  for (int64_t lane = 0; lane < lanes; lane += 2) {
-    for (const int64_t side : {lane, lane + 1}) {
-      double* target = side == lane ? bench.real.data() : bench.imaginary.data();
-      if (side < lanes) {
-        readLane(wave, firstBlock + side / channels_, static_cast<int>(side % channels_), target);
-      } else {
-        std::fill_n(target, transform_.size(), 0.0);
-      }
-    }
-    transform_.forward(bench.real.data(), bench.imaginary.data(), bench.scratch);
-    double* const second = channels_ == 1 ? apart.data() : powerOf(lane + 1);
-    addPowers(bench.real.data(), bench.imaginary.data(), transform_.size(), powerOf(lane), second);
-    addEndPowers(bench.real.data(), bench.imaginary.data(), transform_.size(), powerOf(lane), second);
+  std::fill(bench.power.begin(), bench.power.end(), 0.0);
+  const int64_t endBlock = std::min(firstBlock + blocksPerPart_, blocks_);
+  for (int64_t block = firstBlock; block < endBlock; block += blocksPerGroup_) {
+    transformGroup(wave, block, std::min(block + blocksPerGroup_, endBlock), bench);
+    addPowers(bench);
   }
-  if (channels_ != 1) return;
-  for (size_t k = 0; k < lines(); ++k) power[k] += apart[k];
+  const auto channels = static_cast<size_t>(channels_);
+  for (size_t line = 0; line < lines(); ++line) {
+    const double* row = bench.power.data() + line * kStrips;
+    double* const sums = power.data() + line * channels;
+    std::fill_n(sums, channels, 0.0);
+    for (size_t strip = 0; strip < kStrips; ++strip)
+      sums[strip % channels] += row[strip % 2 * kLanes + strip / 2];
+  }
 }
 
-void SpectrumAverage::readLane(const CWave& wave, int64_t block, int channel, double* lane) const {
-  const int64_t start = block * settings_.size;
-  const int64_t count = std::clamp<int64_t>(frames_ - start, 0, settings_.size);
-  weigh(wave.samples() + (first_ + start) * channels_ + channel, channels_, window_.data(), count, lane);
-  std::fill(lane + count, lane + settings_.size, 0.0);
+// A sample that is no number spoils its strip down to the line of 0 Hz; then the strips are read once more
+// with silence in its place.
+void SpectrumAverage::transformGroup(const CWave& wave, int64_t firstBlock, int64_t endBlock,
+                                     Bench& bench) const {
+  if (readWholeStrips(wave, firstBlock, endBlock, bench)) {
+    transform_.forward(bench.re.data(), bench.im.data());
+    if (allFinite(bench.re.data() + rows_[0]) && allFinite(bench.im.data() + rows_[0])) return;
+  }
+  readStrips(wave, firstBlock, endBlock, bench);
+  transform_.forward(bench.re.data(), bench.im.data());
+}
+
+// False where a strip is not all inside the range.
+bool SpectrumAverage::readWholeStrips(const CWave& wave, int64_t firstBlock, int64_t endBlock,
+                                      Bench& bench) const {
+  if (kStrips % channels_ != 0 || endBlock - firstBlock < blocksPerGroup_) return false;
+  if (endBlock * settings_.size > frames_) return false;
+  const float* sources[kStrips];
+  for (int strip = 0; strip < kStrips; ++strip) {
+    const int64_t start = first_ + (firstBlock + strip / channels_) * settings_.size;
+    sources[strip] = wave.samples() + start * channels_ + strip % channels_;
+  }
+  weigh(sources, channels_, window_, bench.re.data(), bench.im.data());
+  return true;
+}
+
+void SpectrumAverage::readStrips(const CWave& wave, int64_t firstBlock, int64_t endBlock,
+                                 Bench& bench) const {
+  std::fill(bench.re.begin(), bench.re.end(), 0.0);
+  std::fill(bench.im.begin(), bench.im.end(), 0.0);
+  for (int strip = 0; strip < kStrips; ++strip) {
+    const int64_t block = firstBlock + strip / channels_;
+    const int64_t start = block * settings_.size;
+    const int64_t count = block < endBlock ? std::min<int64_t>(frames_ - start, settings_.size) : 0;
+    double* target = (strip % 2 == 0 ? bench.re : bench.im).data() + strip / 2;
+    for (int64_t i = 0; i < count; ++i, target += kLanes) {
+      const float sample = wave.samples()[(first_ + start + i) * channels_ + strip % channels_];
+      if (std::isfinite(sample)) *target = window_[static_cast<size_t>(i)] * sample;
+    }
+  }
+}
+
+void SpectrumAverage::addPowers(Bench& bench) const {
+  const double* const re = bench.re.data();
+  const double* const im = bench.im.data();
+  double* power = bench.power.data();
+  const size_t half = transform_.size() / 2;
+  addEndRow(re + rows_[0], im + rows_[0], power);
+  for (size_t k = 1; k < half; ++k) {
+    power += kStrips;
+    const size_t row = rows_[k], twin = rows_[transform_.size() - k];
+    addRow(re + row, im + row, re + twin, im + twin, power);
+  }
+  addEndRow(re + rows_[half], im + rows_[half], power + kStrips);
 }
 
 double SpectrumAverage::fractionDone() const {
@@ -130,14 +178,10 @@ SpectrumRecord SpectrumAverage::record() const {
   record.lines = static_cast<int32_t>(lines());
   record.stopHz = sampleRate_ / 2;
   record.sampleRate = sampleRate_;
-  record.values.reserve(power_.size());
+  record.values = power_;
   const auto blocks = static_cast<double>(std::max<int64_t>(nextBlock_, 1));
-  for (size_t line = 0; line < lines(); ++line) {
-    // The powers are four times too large, which makes up for the half of a sine that its negative twin has.
-    for (size_t channel = 0; channel < static_cast<size_t>(channels_); ++channel) {
-      record.values.push_back(std::sqrt(power_[channel * lines() + line] / blocks) / windowSum_);
-    }
-  }
+  // The powers are four times too large, which makes up for the half of a sine that its negative twin has.
+  for (double& value : record.values) value = std::sqrt(value / blocks) / windowSum_;
   return record;
 }
 

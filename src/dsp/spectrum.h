@@ -8,8 +8,8 @@
 
 #include "core/wave.h"
 #include "core/work_crew.h"
-#include "dsp/fast_transform.h"
 #include "dsp/frame_range.h"
+#include "dsp/lane_transform.h"
 #include "dsp/window_function.h"
 
 namespace plumetta {
@@ -59,27 +59,37 @@ class SpectrumAverage {
   SpectrumRecord record() const;
 
  private:
+  // Strips of a block each, the channels of one block side by side: two go through one complex transform.
+  static constexpr int kStrips = 2 * static_cast<int>(LaneTransform::kLanes);
+
   // What one thread works with.
   struct Bench {
-    explicit Bench(size_t size) : real(size), imaginary(size), scratch(size) {}
-    std::vector<double> real, imaginary;
-    FastTransform::Scratch scratch;
+    explicit Bench(size_t size)
+        : re(size * LaneTransform::kLanes),
+          im(size * LaneTransform::kLanes),
+          power((size / 2 + 1) * static_cast<size_t>(kStrips)) {}
+    std::vector<double> re, im;  // rows of kLanes
+    std::vector<double> power;   // lines × kStrips: the even strips, then the odd ones
   };
 
   void sumPart(const CWave& wave, int64_t firstBlock, Bench& bench, std::vector<double>& power) const;
-  void readLane(const CWave& wave, int64_t block, int channel, double* lane) const;
+  void transformGroup(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
+  bool readWholeStrips(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
+  void readStrips(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
+  void addPowers(Bench& bench) const;
   size_t lines() const { return transform_.size() / 2 + 1; }
 
   SpectrumSettings settings_;
   int64_t first_, frames_;
   int channels_;
   double sampleRate_;
-  int64_t blocks_, blocksPerPart_;
+  int64_t blocks_, blocksPerGroup_, blocksPerPart_;
   int64_t nextBlock_ = 0;
   std::vector<double> window_;
   double windowSum_ = 0.0;
-  FastTransform transform_;
-  std::vector<double> power_;               // channel after channel, `lines()` each
+  LaneTransform transform_;
+  std::vector<size_t> rows_;                // where a transform leaves each frequency
+  std::vector<double> power_;               // lines × channels
   std::vector<std::vector<double>> parts_;  // the same, of each part of a round
   WorkCrew crew_;
   std::vector<Bench> benches_;

@@ -75,7 +75,8 @@ std::string noteName(double hz) {
   const auto cents = static_cast<int>(std::lround(100.0 * (keys - key)));
   std::string name = kNames[key % 12] + std::to_string(key / 12 - 1);
   if (cents == 0) return name;
-  return name + (cents > 0 ? " +" : " ") + std::to_string(cents) + (std::abs(cents) == 1 ? " cent" : " cents");
+  return name + (cents > 0 ? " +" : " ") + std::to_string(cents) +
+         (std::abs(cents) == 1 ? " cent" : " cents");
 }
 
 }  // namespace plumetta
