@@ -12,36 +12,44 @@ namespace plumetta {
 namespace {
 
 // A part is summed by itself, so that sums don't depend on how many threads share the parts.
-constexpr int64_t kSamplesPerPart = int64_t{1} << 16;
+constexpr int64_t kSamplesPerPart = int64_t{1} << 18;
 constexpr size_t kPartsPerRound = 8;
 
 constexpr size_t kLanes = LaneTransform::kLanes;
 
-// Two real strips went through one complex transform, the second as its imaginary part: their spectra are its
-// even and its odd half. Adds the power of both, four times too large, from the rows of a frequency and of
-// its negative twin.
-PLUMETTA_WIDE_VECTORS
-void addRow(const double* __restrict re, const double* __restrict im, const double* __restrict twinRe,
-            const double* __restrict twinIm, double* __restrict power) {
-  for (size_t v = 0; v < kLanes; ++v) {
-    const double sumRe = re[v] + twinRe[v], differenceRe = re[v] - twinRe[v];
-    const double sumIm = im[v] + twinIm[v], differenceIm = im[v] - twinIm[v];
-    power[v] += sumRe * sumRe + differenceIm * differenceIm;
-    power[kLanes + v] += sumIm * sumIm + differenceRe * differenceRe;
-  }
-}
-
 // The lines of 0 Hz and of half the rate are their own twins: real, and not halved.
-void addEndRow(const double* re, const double* im, double* power) {
+inline void addEndRow(const double* re, const double* im, double* power) {
   for (size_t v = 0; v < kLanes; ++v) {
     power[v] += re[v] * re[v];
     power[kLanes + v] += im[v] * im[v];
   }
 }
 
-void weigh(const float* const* sources, int64_t stride, const std::vector<double>& window, double* re,
-           double* im) {
-  for (size_t i = 0; i < window.size(); ++i, re += kLanes, im += kLanes) {
+// Two real strips went through one complex transform, the second as its imaginary part: their spectra are its
+// even and its odd half. Adds the power of both, four times too large, from the rows of each frequency and of
+// its negative twin. `rows` tells where the transform has left the row of a frequency.
+PLUMETTA_WIDE_VECTORS
+void addPowers(const double* re, const double* im, const size_t* rows, size_t size,
+               double* __restrict power) {
+  addEndRow(re + rows[0], im + rows[0], power);
+  for (size_t k = 1; k < size / 2; ++k) {
+    power += 2 * kLanes;
+    const double *hereRe = re + rows[k], *hereIm = im + rows[k];
+    const double *twinRe = re + rows[size - k], *twinIm = im + rows[size - k];
+    for (size_t v = 0; v < kLanes; ++v) {
+      const double sumRe = hereRe[v] + twinRe[v], differenceRe = hereRe[v] - twinRe[v];
+      const double sumIm = hereIm[v] + twinIm[v], differenceIm = hereIm[v] - twinIm[v];
+      power[v] += sumRe * sumRe + differenceIm * differenceIm;
+      power[kLanes + v] += sumIm * sumIm + differenceRe * differenceRe;
+    }
+  }
+  addEndRow(re + rows[size / 2], im + rows[size / 2], power + 2 * kLanes);
+}
+
+PLUMETTA_WIDE_VECTORS
+void weigh(const float* const* sources, int64_t stride, const double* window, size_t size,
+           double* __restrict re, double* __restrict im) {
+  for (size_t i = 0; i < size; ++i, re += kLanes, im += kLanes) {
     for (size_t v = 0; v < kLanes; ++v) {
       re[v] = window[i] * sources[2 * v][static_cast<int64_t>(i) * stride];
       im[v] = window[i] * sources[2 * v + 1][static_cast<int64_t>(i) * stride];
@@ -100,15 +108,17 @@ void SpectrumAverage::sumPart(const CWave& wave, int64_t firstBlock, Bench& benc
   const int64_t endBlock = std::min(firstBlock + blocksPerPart_, blocks_);
   for (int64_t block = firstBlock; block < endBlock; block += blocksPerGroup_) {
     transformGroup(wave, block, std::min(block + blocksPerGroup_, endBlock), bench);
-    addPowers(bench);
+    addPowers(bench.re.data(), bench.im.data(), rows_.data(), transform_.size(), bench.power.data());
   }
   const auto channels = static_cast<size_t>(channels_);
   for (size_t line = 0; line < lines(); ++line) {
     const double* row = bench.power.data() + line * kStrips;
     double* const sums = power.data() + line * channels;
     std::fill_n(sums, channels, 0.0);
-    for (size_t strip = 0; strip < kStrips; ++strip)
-      sums[strip % channels] += row[strip % 2 * kLanes + strip / 2];
+    for (size_t strip = 0, channel = 0; strip < kStrips; ++strip) {
+      sums[channel] += row[strip % 2 * kLanes + strip / 2];
+      if (++channel == channels) channel = 0;
+    }
   }
 }
 
@@ -134,7 +144,7 @@ bool SpectrumAverage::readWholeStrips(const CWave& wave, int64_t firstBlock, int
     const int64_t start = first_ + (firstBlock + strip / channels_) * settings_.size;
     sources[strip] = wave.samples() + start * channels_ + strip % channels_;
   }
-  weigh(sources, channels_, window_, bench.re.data(), bench.im.data());
+  weigh(sources, channels_, window_.data(), window_.size(), bench.re.data(), bench.im.data());
   return true;
 }
 
@@ -152,20 +162,6 @@ void SpectrumAverage::readStrips(const CWave& wave, int64_t firstBlock, int64_t 
       if (std::isfinite(sample)) *target = window_[static_cast<size_t>(i)] * sample;
     }
   }
-}
-
-void SpectrumAverage::addPowers(Bench& bench) const {
-  const double* const re = bench.re.data();
-  const double* const im = bench.im.data();
-  double* power = bench.power.data();
-  const size_t half = transform_.size() / 2;
-  addEndRow(re + rows_[0], im + rows_[0], power);
-  for (size_t k = 1; k < half; ++k) {
-    power += kStrips;
-    const size_t row = rows_[k], twin = rows_[transform_.size() - k];
-    addRow(re + row, im + row, re + twin, im + twin, power);
-  }
-  addEndRow(re + rows_[half], im + rows_[half], power + kStrips);
 }
 
 double SpectrumAverage::fractionDone() const {

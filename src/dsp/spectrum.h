@@ -76,7 +76,6 @@ class SpectrumAverage {
   void transformGroup(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
   bool readWholeStrips(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
   void readStrips(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
-  void addPowers(Bench& bench) const;
   size_t lines() const { return transform_.size() / 2 + 1; }
 
   SpectrumSettings settings_;

@@ -13,8 +13,8 @@ import unittest
 COMMAND = []
 
 
-def wav_bytes(frames, channels=1, rate=8000):
-    data = b"".join(struct.pack("<h", (i * 7) % 2000 - 1000) for i in range(frames * channels))
+def wav_bytes(frames, channels=1, rate=8000, sample=lambda i: (i * 7) % 2000 - 1000):
+    data = b"".join(struct.pack("<h", sample(i)) for i in range(frames * channels))
     fmt = struct.pack("<HHIIHH", 1, channels, rate, rate * channels * 2, channels * 2, 16)
     body = b"WAVEfmt " + struct.pack("<I", 16) + fmt + b"data" + struct.pack("<I", len(data)) + data
     return b"RIFF" + struct.pack("<I", len(body)) + body
@@ -140,11 +140,11 @@ class Cli(unittest.TestCase):
         self.assertEqual(self.state("open a.wav select 0 9 copy select 20 39 paste")["frames"], 1010)
 
     def test_spectrum_is_saved_and_shown(self):
-        tone = struct.pack("<8192f", *(math.sin(2 * math.pi * f * (32, 64)[c] / 256) * (1, 0.5)[c]
-                                       for f in range(4096) for c in range(2)))
-        with open(os.path.join(self.path, "tone.raw"), "wb") as file:
+        # Left at line 32 of a block of 256, right at line 64 and half as loud.
+        tone = wav_bytes(4096, 2, sample=lambda i: round((32767, 16384)[i % 2] * math.sin(
+            math.pi / 4 * (i // 2) * (1, 2)[i % 2])))
+        with open(os.path.join(self.path, "tone.wav"), "wb") as file:
             file.write(tone)
-        self.edit("new 8000 2 32 0 tag=3 import-raw tone.raw 2 0 save tone.wav")
         self.call("spectrum", "tone.wav", "--size", "256", "--window", "blackmann-harris", "--out", "o.fft")
         head = self.read("o.fft").decode().splitlines()[:7]
         self.assertEqual(head, ["version=1", "channel=2", "number=129", "fe=8000.000000", "freqstart=0.000000",

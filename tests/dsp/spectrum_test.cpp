@@ -123,7 +123,7 @@ TEST(Spectrum, AveragesThePowerOfWholeBlocksAndTheOneFilledUp) {
 }
 
 TEST(Spectrum, OfMoreThanOneRoundTellsHowFarItIsAndStops) {
-  const int32_t frames = 3000000;
+  const int32_t frames = 6000000;
   const auto wave = waveOf(1, frames, [](int32_t f, int) { return f < 8 ? 1.0 : f % 2 == 0 ? 0.5 : -0.5; });
   struct Watch {
     int left;
