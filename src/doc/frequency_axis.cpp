@@ -28,8 +28,7 @@ std::string labelOf(double hz) {
 std::vector<FrequencyTick> evenTicks(const FrequencyAxis& axis, double pixels, double minimumPixels) {
   // On a logarithmic axis steps are narrowest at the high end.
   const double span = axis.highHz - axis.lowHz;
-  const double narrowing =
-      axis.logarithmic ? axis.highHz * std::log(axis.highHz / axis.lowHz) / span : 1.0;
+  const double narrowing = axis.logarithmic ? axis.highHz * std::log(axis.highHz / axis.lowHz) / span : 1.0;
   const Step step = decimalStep(span / pixels * minimumPixels * narrowing);
   const double minor = step.size / step.parts;
   std::vector<FrequencyTick> ticks;
