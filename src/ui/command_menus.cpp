@@ -76,7 +76,9 @@ MenuPlan MainFrame::processMenu() {
   Action generate{"generate", "&Generate", "", "Write test signals", nullptr};
   generate.actions =
       groupedActions(Menu::generate, {"quick-28", "quick-29", "", "quick-30", "quick-31", "quick-32"});
-  MenuPlan menu{"&Process", {fade, normalize, generate, kSeparator}};
+  Action filter{"filter", "Fi&lter", "", "Take frequencies away", nullptr};
+  filter.actions = commandActions(Menu::filter);
+  MenuPlan menu{"&Process", {fade, normalize, filter, generate, kSeparator}};
   // Loudness, clipping, waveform, channels and storage.
   for (const Action& action :
        groupedActions(Menu::process, {"volume", "quick-20", "quick-21", "quick-10", "", "truncate",

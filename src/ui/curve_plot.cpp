@@ -18,7 +18,7 @@ namespace {
 constexpr int kLeft = 44;    // room for levels
 constexpr int kBottom = 22;  // and for frequencies
 constexpr int kEdge = 10;    // on the other sides
-constexpr int kLabelDistance = 44;
+constexpr int kLabelDistance = 36;
 constexpr int kLevelDistance = 26;
 constexpr auto kSamplingTime = std::chrono::milliseconds(12);
 // Levels beyond the axis are drawn out of sight, yet not farther than a rasteriser can count.

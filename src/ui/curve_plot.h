@@ -42,6 +42,7 @@ class CurvePlot : public wxWindow {
   void setDecibels(double bottom, double top);
   // Curves that don't count at the moment are grey.
   void setDimmed(bool dimmed);
+  bool dimmed() const { return dimmed_; }
   // A frequency that shall stand out, scrolled into sight.
   void setMark(std::optional<double> hz);
 

@@ -130,9 +130,9 @@ wxSizer* CSpectrumDlg::makeControls() {
 
 wxSizer* CSpectrumDlg::makeFileButtons() {
   auto* row = new wxBoxSizer(wxHORIZONTAL);
-  save_ = new wxButton(this, wxID_SAVE, "&Save…", wxDefaultPosition, wxDefaultSize, wxBU_EXACTFIT);
-  auto* loadButton = new wxButton(this, wxID_OPEN, "&Load…", wxDefaultPosition, wxDefaultSize, wxBU_EXACTFIT);
-  forget_ = new wxButton(this, wxID_CLEAR, "&Unload", wxDefaultPosition, wxDefaultSize, wxBU_EXACTFIT);
+  save_ = new wxButton(this, wxID_SAVE, "&Save…");
+  auto* loadButton = new wxButton(this, wxID_OPEN, "&Load…");
+  forget_ = new wxButton(this, wxID_CLEAR, "&Unload");
   save_->SetToolTip("Save this spectrum");
   loadButton->SetToolTip("Show a saved spectrum as a dashed curve");
   forget_->SetToolTip("Take the loaded spectrum away");
