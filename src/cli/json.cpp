@@ -79,11 +79,15 @@ JsonWriter& JsonWriter::key(std::string_view name) {
 
 JsonWriter& JsonWriter::value(std::string_view text) { return raw(quoted(text)); }
 
-JsonWriter& JsonWriter::value(float number) {
+template <class Number>
+JsonWriter& JsonWriter::real(Number number) {
   if (!std::isfinite(number)) return null();
   char text[32];
   const auto end = std::to_chars(text, text + sizeof text, number).ptr;
   return raw({text, static_cast<size_t>(end - text)});
 }
+
+template JsonWriter& JsonWriter::real(float);
+template JsonWriter& JsonWriter::real(double);
 
 }  // namespace plumetta

@@ -20,8 +20,9 @@ class JsonWriter {
   JsonWriter& value(int64_t number) { return raw(std::to_string(number)); }
   JsonWriter& value(int number) { return value(static_cast<int64_t>(number)); }
   JsonWriter& value(uint32_t number) { return value(static_cast<int64_t>(number)); }
-  // The shortest text that reads back as the same float; null for what JSON can't say.
-  JsonWriter& value(float number);
+  // The shortest text that reads back as the same number; null for what JSON can't say.
+  JsonWriter& value(float number) { return real(number); }
+  JsonWriter& value(double number) { return real(number); }
   JsonWriter& null() { return raw("null"); }
 
   const std::string& text() const { return text_; }
@@ -30,6 +31,8 @@ class JsonWriter {
   JsonWriter& open(char bracket);
   JsonWriter& close(char bracket);
   JsonWriter& raw(std::string_view text);
+  template <class Number>
+  JsonWriter& real(Number number);
   void separate();
 
   std::string text_;

@@ -15,6 +15,11 @@ constexpr CliCommand kCommands[] = {
     {"info", "info FILE... [--json]", "what files hold", runInfo},
     {"stats", "stats FILE [--select FROM TO] [--no-levels] [--out FILE]", "the statistics report of a file",
      runStats},
+    {"spectrum",
+     "spectrum FILE [--select FROM TO] [--size N] [--window KIND] --out FILE.fft | spectrum --show FILE.fft",
+     "saves an averaged spectrum (N 4096, KIND Hanning unless told otherwise), or prints a saved one as JSON",
+     runSpectrum},
+    {"window", "window KIND N", "the N coefficients of a window; KIND is its index or its name", runWindow},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},
 };
 

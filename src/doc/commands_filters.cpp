@@ -117,6 +117,9 @@ std::optional<Refusal> runFir(CommandCall& call) {
 }
 
 double firDb(const CommandCall& call, double hz) {
+  // Some milliseconds for each frequency; a longer kernel has no picture.
+  constexpr int64_t kMostTaps = int64_t{1} << 16;
+  if (call.integer(2) > kMostTaps) return std::nan("");
   return decibels(gainOfKernel(firOf(call).kernel(), hz * inverseRate(call)));
 }
 

@@ -9,6 +9,7 @@
 #include "core/wave.h"
 #include "doc/document_services.h"
 #include "doc/peak_pyramid.h"
+#include "dsp/spectrum.h"
 #include "formats/format.h"
 
 namespace plumetta {
@@ -87,6 +88,8 @@ class CPlumettaDoc : public DisplayState {
   // The statistics report of the selection, or of the whole file.
   std::string statistics(bool includeLevels) const;
   FileOutcome saveStatistics(const std::string& path, bool includeLevels);
+  // The averaged spectrum of the selection, or of the whole file.
+  FileOutcome saveSpectrum(const std::string& path, SpectrumSettings settings);
   // What views draw the waveform from; made when it is first asked for after a change.
   const PeakPyramid& peaks();
 

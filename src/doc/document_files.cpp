@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Opening, saving and exporting: the part of a document that meets files and tells the person how it went.
 #include "doc/document.h"
+#include "doc/spectrum_file.h"
 #include "dsp/statistics.h"
 #include "formats/sample_codec.h"
 #include "formats/text_export.h"
@@ -122,6 +123,15 @@ std::string CPlumettaDoc::statistics(bool includeLevels) const {
 
 FileOutcome CPlumettaDoc::saveStatistics(const std::string& path, bool includeLevels) {
   return report(writeTextFile(services_.files, path, kStatisticsFileHead + statistics(includeLevels)), path);
+}
+
+FileOutcome CPlumettaDoc::saveSpectrum(const std::string& path, SpectrumSettings settings) {
+  const Range range = selectionOrAll();
+  return writeWithProgress(path, "Computing the spectrum", [&]() -> SaveResult {
+    const auto record = averagedSpectrum(wave_, {range.first, range.last}, settings, wave_.progress);
+    if (!record) return {false, true, {}};
+    return plumetta::saveSpectrum(services_.files, path, *record);
+  });
 }
 
 FileOutcome CPlumettaDoc::dumpFloats(const std::string& path) {

@@ -10,20 +10,6 @@
 namespace plumetta {
 namespace {
 
-struct Step {
-  double size;
-  int parts;
-};
-
-// The smallest of 1, 2, 5 × a power of ten that reaches `minimum`.
-Step decimalStep(double minimum) {
-  const double power = std::pow(10.0, std::floor(std::log10(minimum)));
-  for (const Step& step : {Step{1, 5}, Step{2, 4}, Step{5, 5}}) {
-    if (step.size * power >= minimum * (1 - 1e-9)) return {step.size * power, step.parts};
-  }
-  return {10 * power, 5};
-}
-
 constexpr std::array kClockSteps{Step{1, 5},   Step{2, 4},    Step{5, 5},    Step{10, 5},   Step{15, 3},
                                  Step{30, 3},  Step{60, 6},   Step{120, 4},  Step{300, 5},  Step{600, 5},
                                  Step{900, 3}, Step{1800, 3}, Step{3600, 6}, Step{7200, 4}, Step{18000, 5}};
@@ -49,6 +35,14 @@ std::string levelLabel(double value, bool decibels) {
 }
 
 }  // namespace
+
+Step decimalStep(double minimum) {
+  const double power = std::pow(10.0, std::floor(std::log10(minimum)));
+  for (const Step& step : {Step{1, 5}, Step{2, 4}, Step{5, 5}}) {
+    if (step.size * power >= minimum * (1 - 1e-9)) return {step.size * power, step.parts};
+  }
+  return {10 * power, 5};
+}
 
 TickSpacing timeTicks(double framesPerPixel, uint32_t sampleRate, double minimumPixels) {
   const double rate = std::max<uint32_t>(sampleRate, 1);

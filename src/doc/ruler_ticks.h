@@ -7,6 +7,14 @@
 
 namespace plumetta {
 
+// A step between labels, and into how many parts small ticks divide it.
+struct Step {
+  double size;
+  int parts;
+};
+// The smallest of 1, 2, 5 × a power of ten that reaches `minimum`, which is above 0.
+Step decimalStep(double minimum);
+
 // Regular ticks along time, in frames.
 struct TickSpacing {
   double major;      // frames between labels

@@ -4,6 +4,7 @@
 #include <wx/button.h>
 #include <wx/settings.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "ui/number_text.h"
@@ -168,14 +169,19 @@ wxCheckBox* FormDialog::addCheckBox(const wxString& label, bool value) {
   auto* box = new wxCheckBox(this, wxID_ANY, wxString());
   box->SetLabel(withMnemonic(label, box));
   box->SetValue(value);
+  box->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { recheck(); });
   auto* content = new wxBoxSizer(wxHORIZONTAL);
   content->Add(box, 1);
   addRow(wxString(), box, content, nullptr);
   return box;
 }
 
+std::string FormDialog::problemOf(const Field& field) {
+  return field.check ? field.check(fromWx(field.entry->GetValue())) : std::string();
+}
+
 bool FormDialog::showProblem(Field& field) {
-  const std::string problem = field.check ? field.check(fromWx(field.entry->GetValue())) : std::string();
+  const std::string problem = problemOf(field);
   show(field.problem, field.touched ? problem : std::string());
   return problem.empty();
 }
@@ -183,6 +189,13 @@ bool FormDialog::showProblem(Field& field) {
 void FormDialog::recheck() {
   for (Field& field : fields_) showProblem(field);
   show(problemOfAll_, {});
+  tellValues();
+}
+
+void FormDialog::tellValues() {
+  if (!onValues) return;
+  const bool each = std::ranges::all_of(fields_, [](const Field& field) { return problemOf(field).empty(); });
+  onValues(each && (!checkAll || checkAll().empty()));
 }
 
 void FormDialog::onOk(wxCommandEvent& event) {
@@ -201,11 +214,13 @@ void FormDialog::onOk(wxCommandEvent& event) {
 bool FormDialog::ask(const wxString& okLabel) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   all->Add(grid_, 1, wxEXPAND | wxALL, FromDIP(kMargin));
+  if (picture_ != nullptr) all->Add(picture_, 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
   all->Add(problemOfAll_, 0, wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
   all->Add(CreateButtonSizer(wxOK | wxCANCEL), 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
   if (!okLabel.empty()) FindWindow(wxID_OK)->SetLabel(okLabel);
   SetSizerAndFit(all);
   CentreOnParent();
+  tellValues();
   // Once the dialog stands: some toolkits put the focus on the default button then.
   CallAfter([this] {
     if (first_ != nullptr) first_->SetFocus();

@@ -41,6 +41,10 @@ class FormDialog : public wxDialog {
                                     int selected, Check check);
   // What is wrong with all values together once each can be taken; shown below the fields.
   std::function<std::string()> checkAll;
+  // Told of every change, and once before the dialog is shown, whether all values can be taken.
+  std::function<void(bool allGood)> onValues;
+  // A picture of what the values mean, below the fields.
+  void setPicture(wxWindow* picture) { picture_ = picture; }
   // Looks at every field again, when what one may hold depends on another.
   void recheck();
   // Adds the buttons, sizes the dialog and shows it. True when OK was chosen.
@@ -64,6 +68,8 @@ class FormDialog : public wxDialog {
   // The row of a checked field: the control, what stands behind it, and its problem below.
   void addChecked(const wxString& label, wxWindow* window, wxTextEntry* entry, wxWindow* behind, Check check);
   bool showProblem(Field& field);
+  static std::string problemOf(const Field& field);
+  void tellValues();
   void onOk(wxCommandEvent& event);
   void onCharHook(wxKeyEvent& event);
 
@@ -71,6 +77,7 @@ class FormDialog : public wxDialog {
   std::vector<Field> fields_;
   std::map<int, wxWindow*> mnemonics_;  // by capital letter
   wxStaticText* problemOfAll_;
+  wxWindow* picture_ = nullptr;
   wxWindow* first_ = nullptr;
 };
 

@@ -15,13 +15,12 @@ constexpr int kWidth = 72;
 constexpr int kSwitchSize = 24;
 constexpr int kLabelDistance = 24;
 
-// A stereo pair goes by its sides, everything else by numbers.
+}  // namespace
+
 wxString channelName(int channel, int channels) {
   if (channels == 2) return channel == 0 ? "L" : "R";
   return wxString::Format("%d", channel + 1);
 }
-
-}  // namespace
 
 LaneHeader::LaneHeader(wxWindow* parent, WaveView& view, const WaveformCanvas& canvas)
     : ViewWindow(parent, view), canvas_(canvas) {

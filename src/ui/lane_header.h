@@ -5,6 +5,9 @@
 
 namespace plumetta {
 
+// A stereo pair goes by its sides, everything else by numbers.
+wxString channelName(int channel, int channels);
+
 // Left of each lane: the channel's switch and the amplitude ruler. A click on a switch turns the channel on
 // or off for editing; a double click, or one with Alt or Ctrl, leaves it on alone.
 class LaneHeader : public ViewWindow {

@@ -103,6 +103,8 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
     menus_.refresh();
     if (sides_->IsSplit() && !prompter_.working()) history_->follow(tabs_->active());
+    const bool watched = spectrum_ != nullptr && spectrum_->IsShown() && !prompter_.working();
+    if (watched && spectrum_->follow(tabs_->active())) event.RequestMore();
     event.Skip();
   });
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {

@@ -15,6 +15,7 @@
 #include "ui/file_commands.h"
 #include "ui/history_pane.h"
 #include "ui/recent_files.h"
+#include "ui/spectrum_dialog.h"
 #include "ui/start_page.h"
 #include "ui/window_place.h"
 #include "ui/window_profile.h"
@@ -62,6 +63,7 @@ class MainFrame : public wxFrame {
   void editPreferences();
   void showStatistics(CPlumettaDoc& doc);
   void showTempo(CPlumettaDoc& doc);
+  void showSpectrum();
   void showAbout();
 
   void buildToolBar();
@@ -90,6 +92,7 @@ class MainFrame : public wxFrame {
   FileCommands files_;
   ActionMenus menus_;
   WindowPlace place_;
+  CSpectrumDlg* spectrum_ = nullptr;  // made when it is first asked for
 };
 
 }  // namespace plumetta

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 
+#include "ui/curve_plot.h"
 #include "ui/form_dialog.h"
 #include "ui/number_text.h"
 #include "ui/text.h"
@@ -138,6 +140,30 @@ Arguments readAll(const std::vector<ParameterField>& fields) {
   return arguments;
 }
 
+// Shows what a filter with these values does to each frequency, drawn again with every change; grey while
+// some value can't be taken.
+void addResponse(FormDialog& form, const std::vector<ParameterField>& fields, CPlumettaDoc& doc,
+                 const Command& command) {
+  constexpr double kLowestHz = 20.0;
+  constexpr double kTopDb = 12.0, kBottomDb = -96.0;
+  auto* plot = new CurvePlot(&form);
+  plot->SetMinSize(form.FromDIP(wxSize(440, 200)));
+  plot->setDecibels(kBottomDb, kTopDb);
+  plot->setFrequencies({kLowestHz, std::max(doc.wave().sampleRate() / 2.0, 2 * kLowestHz), true});
+  const auto draw = [plot, &fields, &doc, &command](bool allGood) {
+    plot->setDimmed(!allGood);
+    if (!allGood) return;
+    PlotCurve curve;
+    curve.colour = plot->theme().curves.front();
+    const auto call = std::make_shared<CommandCall>(doc, command, readAll(fields));
+    curve.levelDb = [call](double hz) { return call->command.responseDb(*call, hz); };
+    plot->setCurves({curve});
+  };
+  plot->onThemeChanged = [plot, draw] { draw(!plot->dimmed()); };
+  form.setPicture(plot);
+  form.onValues = draw;
+}
+
 }  // namespace
 
 std::optional<Arguments> askParameters(wxWindow* parent, CPlumettaDoc& doc, const Command& command,
@@ -154,6 +180,7 @@ std::optional<Arguments> askParameters(wxWindow* parent, CPlumettaDoc& doc, cons
       return refusal ? refusal->message : std::string();
     };
   }
+  if (command.responseDb != nullptr) addResponse(form, fields, doc, command);
   if (!form.ask()) return std::nullopt;
   Arguments arguments = readAll(fields);
   for (size_t i = 0; i < fields.size(); ++i) fields[i].store(arguments[i]);

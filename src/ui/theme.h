@@ -3,6 +3,8 @@
 
 #include <wx/colour.h>
 
+#include <array>
+
 namespace plumetta {
 
 // The colours of the editor's own views.
@@ -28,6 +30,8 @@ struct Theme {
   wxColour marker, markerText;
   wxColour loop;
   wxColour envelope;
+
+  std::array<wxColour, 8> curves;  // of the channels in a plot; a ninth has the first one's
 
   // What suits the system's appearance at this moment.
   static Theme ofSystem();

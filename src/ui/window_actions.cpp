@@ -189,6 +189,8 @@ MenuPlan MainFrame::viewMenu() {
        kSeparator,
        documentAction("statistics", "Statistic&s…", "F8", "Levels, format, markers and envelope in figures",
                       [this](CPlumettaDoc& doc) { showStatistics(doc); }),
+       documentAction("spectrum", "S&pectrum…", "F9", "Levels along frequency, peaks and their notes",
+                      [this](CPlumettaDoc&) { showSpectrum(); }),
        kSeparator, history, toolbar, status}};
 }
 
@@ -219,6 +221,12 @@ void MainFrame::showTempo(CPlumettaDoc& doc) {
 }
 
 void MainFrame::showStatistics(CPlumettaDoc& doc) { CStatisticsDlg(this, doc).ShowModal(); }
+
+void MainFrame::showSpectrum() {
+  if (spectrum_ == nullptr) spectrum_ = new CSpectrumDlg(this, app_, profile_);
+  spectrum_->Show();
+  spectrum_->Raise();
+}
 
 // ---- Window and help ------------------------------------------------------------------------------------
 

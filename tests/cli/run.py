@@ -2,6 +2,7 @@
 """Calls plumetta-cli as a shell would: run.py COMMAND...  Files are named relatively, so that the same calls
 serve a program under Wine."""
 import json
+import math
 import os
 import struct
 import subprocess
@@ -12,8 +13,8 @@ import unittest
 COMMAND = []
 
 
-def wav_bytes(frames, channels=1, rate=8000):
-    data = b"".join(struct.pack("<h", (i * 7) % 2000 - 1000) for i in range(frames * channels))
+def wav_bytes(frames, channels=1, rate=8000, sample=lambda i: (i * 7) % 2000 - 1000):
+    data = b"".join(struct.pack("<h", sample(i)) for i in range(frames * channels))
     fmt = struct.pack("<HHIIHH", 1, channels, rate, rate * channels * 2, channels * 2, 16)
     body = b"WAVEfmt " + struct.pack("<I", 16) + fmt + b"data" + struct.pack("<I", len(data)) + data
     return b"RIFF" + struct.pack("<I", len(body)) + body
@@ -42,6 +43,10 @@ class Cli(unittest.TestCase):
 
     def state(self, chain, **kwargs):
         return json.loads(self.edit(chain + " state", **kwargs))
+
+    def write(self, name, text):
+        with open(os.path.join(self.path, name), "w", newline="") as file:
+            file.write(text)
 
     def read(self, name):
         with open(os.path.join(self.path, name), "rb") as file:
@@ -180,6 +185,50 @@ class Cli(unittest.TestCase):
         self.call("settings", "set", "General", status=2)
         self.assertIn("PasteReplace=0\n", self.call("settings"))
         self.assertEqual(self.state("open a.wav select 0 9 copy select 20 39 paste")["frames"], 1010)
+
+    def test_spectrum_is_saved_and_shown(self):
+        # Left at line 32 of a block of 256, right at line 64 and half as loud.
+        tone = wav_bytes(4096, 2, sample=lambda i: round((32767, 16384)[i % 2] * math.sin(
+            math.pi / 4 * (i // 2) * (1, 2)[i % 2])))
+        with open(os.path.join(self.path, "tone.wav"), "wb") as file:
+            file.write(tone)
+        self.call("spectrum", "tone.wav", "--size", "256", "--window", "blackmann-harris", "--out", "o.fft")
+        head = self.read("o.fft").decode().splitlines()[:7]
+        self.assertEqual(head, ["version=1", "channel=2", "number=129", "fe=8000.000000", "freqstart=0.000000",
+                                "freqstop=4000.000000", "mult=1000.000000"])
+        shown = json.loads(self.call("spectrum", "--show", "o.fft"))
+        values = shown.pop("values")
+        self.assertEqual(shown, {"channels": 2, "number": 129, "fe": 8000, "freqstart": 0, "freqstop": 4000})
+        self.assertAlmostEqual(values[32][0], 1, places=3)
+        self.assertAlmostEqual(values[64][1], 0.5, places=3)
+        self.assertLess(values[64][0], 1e-3)
+        self.call("spectrum", "tone.wav", "--select", "0", "0.125s", "--out", "all.fft")
+        self.assertEqual(json.loads(self.call("spectrum", "--show", "all.fft"))["number"], 2049)
+        long_line = "version=1\nchannel=40\nnumber=1\nfe=8\nfreqstart=0\nfreqstop=4\n\n" + "0.25000000 " * 40
+        self.write("long.fft", long_line)
+        self.assertEqual(json.loads(self.call("spectrum", "--show", "long.fft"))["values"], [[0.25] * 40])
+
+    def test_spectrum_refuses_wrong_calls_and_files(self):
+        for call in ["", "a.wav", "a.wav --out", "a.wav --size 1000 --out o.fft", "a.wav --size 8 --out o.fft",
+                     "a.wav --size 131072 --out o.fft", "a.wav --window 10 --out o.fft", "a.wav b.wav --out o.fft",
+                     "a.wav --window hann --out o.fft", "a.wav --select 5 --out o.fft", "--show", "a.wav --show o.fft"]:
+            self.call("spectrum", *call.split(), status=2)
+        self.assertFalse(os.path.exists(os.path.join(self.path, "o.fft")))
+        self.call("spectrum", "none.wav", "--out", "o.fft", status=3)
+        self.call("spectrum", "a.wav", "--out", "missing/o.fft", status=3)
+        self.write("short.fft", "version=1\nchannel=2\nnumber=1\n\n\n\nmult=1\n5 \n")
+        for name in ["none.fft", "a.wav", "short.fft"]:
+            self.assertEqual(self.call("spectrum", "--show", name, status=3), "")
+            self.assertIn(name, self.err)
+
+    def test_window_prints_coefficients_by_index_or_name(self):
+        bartlett = [0, 2 / 7, 4 / 7, 2 - 6 / 7, 2 - 8 / 7, 2 - 10 / 7, 2 - 12 / 7, 0]
+        for kind in ["1", "Bartlett", "bartLETT"]:
+            self.assertEqual([float(line) for line in self.call("window", kind, "8").splitlines()], bartlett)
+        self.assertEqual(self.call("window", "Gaussian 2.5", "4").splitlines()[2], "1")
+        self.assertEqual(self.call("window", "0", "0"), "")
+        for call in [["10", "8"], ["-1", "8"], ["Unknown", "8"], ["1", "-1"], ["1", "x"], ["1"], ["1", "8", "9"]]:
+            self.call("window", *call, status=2)
 
     def test_info_goes_on_after_a_file_that_fails(self):
         out = self.call("info", "none.wav", "a.wav", "--json", status=3)
