@@ -174,6 +174,16 @@ TEST(DialogCommands, TakeTheSmallestFilesAndTheMostChannels) {
   }
 }
 
+TEST(DialogCommands, OfAnEmptyDocumentAreUndoneLikeAllOthers) {
+  SlowDocument loose(1, 20);
+  loose.doc.select(0, 19);
+  ASSERT_TRUE(run(loose, "cut"));
+  ASSERT_TRUE(run(loose, "pitch", {number(-7), number(0)}));
+  while (run(loose, "undo")) {
+  }
+  EXPECT_EQ(framesIn(loose.doc.wave()), span(0, 19));
+}
+
 TEST(Tempo, IsThatOfTheSelectionOrOfTheFinger) {
   SlowDocument loose(1, 10000);
   EXPECT_EQ(tempoProblem(loose.doc, 4), "Select file part first");
