@@ -249,6 +249,7 @@ void MainFrame::onClose(wxCloseEvent& event) {
     return;
   }
   place_.store();
+  if (spectrum_ != nullptr && spectrum_->IsShown()) spectrum_->storePlace();
   storeHistoryWidth();
   // Without a veto the documents end with their windows, which look at them to the last.
   for (CPlumettaDoc* doc : tabs_->documents()) tabs_->remove(*doc);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/spectrum_dialog.h"
 
+#include <wx/display.h>
 #include <wx/filedlg.h>
 
 #include <algorithm>
@@ -83,11 +84,20 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
   bottom->Add(readout_, 1, wxALIGN_CENTRE_VERTICAL);
   bottom->Add(state_, 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(kGap));
   all->Add(bottom, 0, wxEXPAND | wxALL, FromDIP(kMargin));
-  plot_->SetInitialSize(FromDIP(wxSize(620, 380)));
+  plot_->SetMinSize(FromDIP(wxSize(620, 380)));
   SetSizerAndFit(all);
-  SetMinSize(FromDIP(wxSize(620, 320)));
-  CentreOnParent();
+  plot_->SetMinSize(FromDIP(wxSize(240, 160)));
+  SetMinSize(ClientToWindowSize(all->CalcMin()));
+  restorePlace();
   bindPlot();
+  Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { Hide(); });
+  Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+    if (event.GetKeyCode() == WXK_ESCAPE) {
+      Close();
+    } else {
+      event.Skip();
+    }
+  });
   showDecibels();
   showReadout(std::nullopt);
 }
@@ -161,6 +171,36 @@ void CSpectrumDlg::makePeakList() {
 void CSpectrumDlg::bindPlot() {
   plot_->onPointer = [this](std::optional<double> hz) { showReadout(hz); };
   plot_->onThemeChanged = [this] { showCurves(); };
+}
+
+bool CSpectrumDlg::Show(bool show) {
+  if (!show && IsShown()) storePlace();
+  return wxDialog::Show(show);
+}
+
+void CSpectrumDlg::storePlace() {
+  const wxSize size = ToDIP(GetSize());
+  profile_.setInteger(kSection, "X", GetPosition().x);
+  profile_.setInteger(kSection, "Y", GetPosition().y);
+  profile_.setInteger(kSection, "Width", size.x);
+  profile_.setInteger(kSection, "Height", size.y);
+}
+
+// As far as that place can still be seen.
+void CSpectrumDlg::restorePlace() {
+  const wxSize size(profile_.integer(kSection, "Width", 0), profile_.integer(kSection, "Height", 0));
+  const wxPoint at(profile_.integer(kSection, "X", -1), profile_.integer(kSection, "Y", -1));
+  if (size.x > 0 && size.y > 0) {
+    wxSize wanted = FromDIP(size);
+    wanted.IncTo(GetMinSize());
+    SetSize(wanted);
+  }
+  const int display = size.x > 0 ? wxDisplay::GetFromPoint(at) : wxNOT_FOUND;
+  if (display == wxNOT_FOUND) {
+    CentreOnParent();
+  } else {
+    SetSize(wxRect(at, GetSize()).Intersect(wxDisplay(static_cast<unsigned>(display)).GetClientArea()));
+  }
 }
 
 // ---- Computing ------------------------------------------------------------------------------------------

@@ -33,6 +33,10 @@ class CSpectrumDlg : public wxDialog {
   // as it returns true. The document, null for none, is not looked at beyond the call.
   bool follow(const CPlumettaDoc* doc);
 
+  // Hiding remembers where the window stood.
+  bool Show(bool show = true) override;
+  void storePlace();
+
  private:
   // Whose spectrum it is: another one wants another spectrum.
   struct Subject {
@@ -48,6 +52,7 @@ class CSpectrumDlg : public wxDialog {
     bool operator==(const Subject&) const = default;
   };
 
+  void restorePlace();
   wxSizer* makeControls();
   wxSizer* makeFileButtons();
   wxChoice* addChoice(wxSizer& row, const wxString& label, const wxArrayString& choices, const char* key,
