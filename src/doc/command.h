@@ -62,6 +62,7 @@ class CommandCall;
 // Why a command was not carried out; without text when the system has none for it.
 struct Refusal {
   std::string message;
+  bool ofValues = false;  // other values of the parameters would do: a dialog can still be opened
 };
 
 enum class Menu {

@@ -3,6 +3,7 @@
 #include <cfloat>
 #include <climits>
 #include <cmath>
+#include <numbers>
 
 #include "doc/command_groups.h"
 #include "doc/long_work.h"
@@ -46,7 +47,7 @@ std::optional<Refusal> runMovingAverage(CommandCall& call) {
 
 // A comb: sin(pi f M) / (M sin(pi f)).
 double movingAverageDb(const CommandCall& call, double hz) {
-  const double half = M_PI * hz * inverseRate(call);
+  const double half = std::numbers::pi * hz * inverseRate(call);
   const auto length = static_cast<double>(call.integer(0));
   return decibels(half == 0.0 ? 1.0 : std::fabs(std::sin(half * length) / (length * std::sin(half))));
 }
@@ -66,7 +67,7 @@ RecursiveFilter chebyshevOf(const CommandCall& call) {
 }
 
 std::optional<Refusal> checkChebyshev(CommandCall& call) {
-  if (!chebyshevOf(call).usable()) return Refusal{kUnstable};
+  if (!chebyshevOf(call).usable()) return Refusal{kUnstable, true};
   return std::nullopt;
 }
 
@@ -82,7 +83,7 @@ RecursiveFilter bandOf(const CommandCall& call) {
 }
 
 std::optional<Refusal> checkBand(CommandCall& call) {
-  if (!bandOf(call).usable()) return Refusal{kUnstable};
+  if (!bandOf(call).usable()) return Refusal{kUnstable, true};
   return std::nullopt;
 }
 

@@ -153,7 +153,7 @@ std::optional<Refusal> runSetRegion(CommandCall& call) {
   const auto [first, last] = call.doc.selectionOrAll();
   const int64_t count = call.integer(0);
   const int64_t length = static_cast<int64_t>(last) - first + 1;
-  if (count > length) return Refusal{"There are fewer frames than regions"};
+  if (count > length) return Refusal{"There are fewer frames than regions", true};
   std::vector<int32_t> positions;
   for (int64_t part = 0; part <= count; ++part) {
     const int64_t start = first + length * part / count;
@@ -166,7 +166,7 @@ std::optional<Refusal> runSetRegion(CommandCall& call) {
 
 std::optional<Refusal> addMarkers(CWave& wave, const std::vector<int32_t>& positions) {
   if (positions.size() > static_cast<size_t>(kMostMarkersAtOnce)) {
-    return Refusal{"That would be more than 100000 markers"};
+    return Refusal{"That would be more than 100000 markers", true};
   }
   std::set<int32_t> taken;
   for (const Marker& marker : wave.markers) taken.insert(marker.position);

@@ -40,16 +40,16 @@ int roundedRate(const CommandCall& call) { return static_cast<int>(std::llround(
 
 std::optional<Refusal> checkRate(CommandCall& call) {
   const double rate = call.real(kRate);
-  if (std::llround(rate) < 1) return Refusal{kRateError};
+  if (std::llround(rate) < 1) return Refusal{kRateError, true};
   const uint32_t present = call.doc.wave().sampleRate();
   if (rate == present)
-    return Refusal{formatted("Sampling frequency is already %d Hz", static_cast<int>(present))};
+    return Refusal{formatted("Sampling frequency is already %d Hz", static_cast<int>(present)), true};
   return std::nullopt;
 }
 
 std::optional<Refusal> refuseLength(CommandCall& call, double rate) {
   const CWave& wave = call.doc.wave();
-  if (resampledFrames(wave.frames(), wave.sampleRate(), rate) > kMaxFrames) return Refusal{kNoMemory};
+  if (resampledFrames(wave.frames(), wave.sampleRate(), rate) > kMaxFrames) return Refusal{kNoMemory, true};
   return std::nullopt;
 }
 
@@ -57,11 +57,11 @@ std::optional<Refusal> checkResample(CommandCall& call) {
   if (const auto refusal = checkRate(call)) return refusal;
   const bool sinc = call.integer(kType) == static_cast<int>(InterpolationKernel::bandLimited);
   if (!sinc && call.integer(kType) > static_cast<int>(InterpolationKernel::lagrangeSix)) {
-    return Refusal{"The interpolation must be 0 to 5, or 10"};
+    return Refusal{"The interpolation must be 0 to 5, or 10", true};
   }
   const bool up = call.real(kRate) > call.doc.wave().sampleRate();
   if (up && sinc && call.boolean(kInterpolation)) {
-    return Refusal{"Band limited is just for down sampling, not for up sampling"};
+    return Refusal{"Band limited is just for down sampling, not for up sampling", true};
   }
   return call.boolean(kJustFrequency) ? std::nullopt : refuseLength(call, call.real(kRate));
 }
@@ -179,7 +179,7 @@ VocoderSettings vocoderOf(const CommandCall& call) {
 std::optional<Refusal> checkPitchFft(CommandCall& call) {
   if (call.doc.wave().frames() == 0) return Refusal{};
   if (vocoderOf(call).valid()) return std::nullopt;
-  return Refusal{"The FFT size must be a power of two from 16 to 8192, and the overlap no larger"};
+  return Refusal{"The FFT size must be a power of two from 16 to 8192, and the overlap no larger", true};
 }
 
 // Runs on a copy, normalises it, and takes its samples over.

@@ -22,7 +22,7 @@ double spacingFrames(const CommandCall& call) {
 
 std::optional<Refusal> checkMarkerBpm(CommandCall& call) {
   if (const auto refusal = needAudio(call)) return refusal;
-  if (spacingFrames(call) < 1) return Refusal{"The markers would stand less than a frame apart"};
+  if (spacingFrames(call) < 1) return Refusal{"The markers would stand less than a frame apart", true};
   return std::nullopt;
 }
 

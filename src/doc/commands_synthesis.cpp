@@ -80,21 +80,21 @@ std::optional<Refusal> checkFrequency(const CommandCall& call) {
   const SynthesisType type = typeOf(call);
   if (canSynthesize(type, call.real(kHz), call.doc.wave().sampleRate())) return std::nullopt;
   if (type == SynthesisType::dtmf) {
-    return Refusal{"DTMF needs a number of at most 15 digits and a sample rate above 2954 Hz"};
+    return Refusal{"DTMF needs a number of at most 15 digits and a sample rate above 2954 Hz", true};
   }
   if (type == SynthesisType::twoTone) {
-    return Refusal{"Both tones must lie between 0.001 Hz and half the sample rate"};
+    return Refusal{"Both tones must lie between 0.001 Hz and half the sample rate", true};
   }
-  return Refusal{"The frequency must lie between 0.001 Hz and half the sample rate"};
+  return Refusal{"The frequency must lie between 0.001 Hz and half the sample rate", true};
 }
 
 std::optional<Refusal> checkSynthesis(CommandCall& call) {
-  if (call.integer(kType) == kFreeType) return Refusal{kWrongType};
+  if (call.integer(kType) == kFreeType) return Refusal{kWrongType, true};
   if (const auto refusal = checkFrequency(call)) return refusal;
   const int64_t length = lengthFrames(call);
-  if (length < 1) return Refusal{"At least one frame is needed"};
+  if (length < 1) return Refusal{"At least one frame is needed", true};
   const int64_t before = placementOf(call) == Placement::insert ? call.doc.wave().frames() : positionOf(call);
-  if (length > kMaxFrames - before) return Refusal{"No file can become that long"};
+  if (length > kMaxFrames - before) return Refusal{"No file can become that long", true};
   return std::nullopt;
 }
 

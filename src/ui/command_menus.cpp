@@ -54,7 +54,8 @@ void MainFrame::runWithParameters(CPlumettaDoc& doc, const Command& command) {
   }
   // A document that the command can't work on is told so before anything is asked.
   CommandCall asIs(doc, command, fallbackArguments(command));
-  if (command.check != nullptr && command.check(asIs)) {
+  const auto refusal = command.check != nullptr ? command.check(asIs) : std::nullopt;
+  if (refusal && !refusal->ofValues) {
     runCommand(doc, command);
     return;
   }
