@@ -39,11 +39,11 @@ class CAudioDriver {
   // false when the device could not be closed. The audio lock may not be held: the callback waits for it.
   virtual bool Stop() { return true; }
 
-  // Playing has ended by itself because the device failed; true until the next Start or Stop. Any thread.
+  // Playing has ended by itself because the device failed; true until the next Start or Stop.
   virtual bool deviceLost() const noexcept { return false; }
   // What the device's last failure was, for a person to read; empty when nothing has failed since Start.
   virtual std::string errorText() const { return {}; }
-  // How often the device ran out of sound since Start. Any thread.
+  // How often the device ran out of sound since Start.
   virtual int underruns() const noexcept { return 0; }
 
   // Only while the driver is stopped.
@@ -65,7 +65,6 @@ class CAudioDriver {
   bool running_ = false;
   int deviceIndex_ = 0;
   std::array<std::array<char, kNameBytes>, kNames> names_{};
-  std::array<float*, kMaxOutputChannels> channels_{};
   void* context_ = nullptr;
   AudioCallback callback_ = nullptr;
 };
