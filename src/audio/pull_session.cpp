@@ -12,8 +12,10 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Beyond the time that a buffer plays, a device may take this long before it counts as dead.
+// Beyond the time that a buffer plays, a device may take this long before it counts as dead. For the first
+// buffer some need longer: they wake up, or have silence of two seconds under way.
 constexpr milliseconds kStallLimit{1500};
+constexpr milliseconds kFirstBufferLimit{4000};
 // Time in which the whole computer slept is not held against the device.
 constexpr milliseconds kLongestPass{250};
 constexpr milliseconds kReturnPoll{10};
@@ -66,7 +68,7 @@ void PullSession::run() noexcept {
 // Fills what the device has finished, in ring order; how many that were. A device that finishes its buffers
 // at once doesn't keep the thread from hearing that it is to stop.
 int PullSession::fillPass() noexcept {
-  const bool dry = started_ && allDone();
+  const bool dry = fillings_ > 0 && allDone();
   int filled = 0;
   while (filled < parameters_.format.bufferCount && slots_[next_].header->done()) {
     if (!refill(slots_[next_])) return filled;
@@ -74,7 +76,6 @@ int PullSession::fillPass() noexcept {
     ++filled;
   }
   if (dry) ++underruns_;
-  started_ = true;
   return filled;
 }
 
@@ -105,9 +106,11 @@ void PullSession::watch(int filled) noexcept {
   const milliseconds now = timer_.now();
   stalled_ = filled > 0 ? milliseconds{0} : stalled_ + std::min(now - lastPass_, kLongestPass);
   lastPass_ = now;
+  if (filled > 0) ++fillings_;
+  const milliseconds limit = fillings_ > 1 ? kStallLimit : kFirstBufferLimit;
   const WaveOutFormat& format = parameters_.format;
   const milliseconds bufferTime{int64_t{1000} * format.bufferFrames / format.sampleRate};
-  if (stalled_ > bufferTime + kStallLimit) fail(kDeviceStalled);
+  if (stalled_ > bufferTime + limit) fail(kDeviceStalled);
 }
 
 void PullSession::fail(int error) noexcept {

@@ -82,7 +82,7 @@ class PullSession {
   std::unique_ptr<WaveOutDevice> device_;  // ends before the slots do
   std::array<float*, kMaxOutputChannels> channels_{};
   size_t next_ = 0;
-  bool started_ = false;  // a pass has filled the ring
+  int64_t fillings_ = 0;  // passes that found something to fill
   std::chrono::milliseconds lastPass_{0};
   std::chrono::milliseconds stalled_{0};  // since the device last finished a buffer
   std::atomic<bool> stop_{false};

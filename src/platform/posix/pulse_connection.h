@@ -11,8 +11,9 @@
 
 namespace plumetta {
 
-// How long anybody waits for the sound server, over all steps of one operation.
-constexpr pa_usec_t kPulsePatience = 1'500'000;
+// How long anybody waits for the sound server, over all steps of one operation. Listing the devices and
+// opening one stay below two seconds together.
+constexpr pa_usec_t kPulsePatience = 900'000;
 
 class PulseConnection {
  public:

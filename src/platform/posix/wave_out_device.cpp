@@ -51,6 +51,7 @@ class Device : public WaveOutDevice {
 
  private:
   int openStream(const char* sink, const WaveOutFormat& format);
+  int sendSilence(size_t bytes);
   void sendMore() noexcept;
   void retireUpTo(uint64_t position) noexcept;
   void lose(int error) noexcept;
@@ -60,7 +61,8 @@ class Device : public WaveOutDevice {
 
   PulseConnection pulse_;
   pa_stream* stream_ = nullptr;
-  int error_ = 0;  // why the stream has ended
+  int error_ = 0;             // why the stream has ended
+  uint32_t wholeLength_ = 0;  // bytes of all buffers together
   Header* first_ = nullptr;
   Header* last_ = nullptr;
   uint64_t queued_ = 0;  // bytes in all headers so far
@@ -76,7 +78,23 @@ int Device::open(int index, const WaveOutFormat& format) {
   if (const int error = openStream(sinks[static_cast<size_t>(index)].name.c_str(), format)) return error;
   const int error =
       pulse_.waitFor([this] { return error_ != 0 || pa_stream_get_state(stream_) == PA_STREAM_READY; });
-  return error != 0 ? error : error_;
+  if (error != 0 || error_ != 0) return error != 0 ? error : error_;
+  // The server takes the stream's own buffer to be shorter by what the device works ahead.
+  const uint32_t own = pa_stream_get_buffer_attr(stream_)->tlength;
+  return own < wholeLength_ ? sendSilence(wholeLength_ - own) : 0;
+}
+
+// A stream that begins makes the server render anew what it had already rendered as silence. Whoever listens
+// to the device's monitor has heard that silence and would miss as much of the sound; so silence goes first.
+int Device::sendSilence(size_t bytes) {
+  const pa_sample_spec* spec = pa_stream_get_sample_spec(stream_);
+  const std::vector<char> silence(bytes - bytes % pa_frame_size(spec),
+                                  spec->format == PA_SAMPLE_U8 ? '\x80' : '\0');
+  if (pa_stream_write(stream_, silence.data(), silence.size(), nullptr, 0, PA_SEEK_RELATIVE) < 0) {
+    return pa_context_errno(pulse_.context());
+  }
+  queued_ = sent_ = silence.size();
+  return 0;
 }
 
 int Device::openStream(const char* sink, const WaveOutFormat& format) {
@@ -96,7 +114,8 @@ int Device::openStream(const char* sink, const WaveOutFormat& format) {
   const auto buffer = static_cast<uint32_t>(format.bufferFrames * pa_frame_size(&spec));
   pa_buffer_attr attributes{};
   attributes.maxlength = static_cast<uint32_t>(-1);
-  attributes.tlength = buffer * static_cast<uint32_t>(format.bufferCount);
+  wholeLength_ = buffer * static_cast<uint32_t>(format.bufferCount);
+  attributes.tlength = wholeLength_;
   attributes.prebuf = buffer;
   attributes.minreq = std::max<uint32_t>(buffer / 2, 1);
   const int result =
