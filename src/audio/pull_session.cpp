@@ -70,7 +70,7 @@ void PullSession::run() noexcept {
 int PullSession::fillPass() noexcept {
   const bool dry = fillings_ > 0 && allDone();
   int filled = 0;
-  while (filled < parameters_.format.bufferCount && slots_[next_].header->done()) {
+  while (!stop_ && filled < parameters_.format.bufferCount && slots_[next_].header->done()) {
     if (!refill(slots_[next_])) return filled;
     next_ = (next_ + 1) % slots_.size();
     ++filled;
