@@ -68,14 +68,12 @@ void PullSession::run() noexcept {
 // Fills what the device has finished, in ring order; how many that were. A device that finishes its buffers
 // at once doesn't keep the thread from hearing that it is to stop.
 int PullSession::fillPass() noexcept {
-  const bool dry = fillings_ > 0 && allDone();
   int filled = 0;
   while (!stop_ && filled < parameters_.format.bufferCount && slots_[next_].header->done()) {
     if (!refill(slots_[next_])) return filled;
     next_ = (next_ + 1) % slots_.size();
     ++filled;
   }
-  if (dry) ++underruns_;
   return filled;
 }
 
@@ -93,11 +91,13 @@ bool PullSession::refill(Slot& slot) noexcept {
     return false;
   }
   slot.prepared = true;
+  if (written_ > 0 && allDone(&slot)) ++underruns_;
   if (const int error = device_->write(*slot.header)) {
     fail(error);
     slot.header->setDone();  // the device never had it
     return false;
   }
+  ++written_;
   return true;
 }
 
@@ -106,8 +106,7 @@ void PullSession::watch(int filled) noexcept {
   const milliseconds now = timer_.now();
   stalled_ = filled > 0 ? milliseconds{0} : stalled_ + std::min(now - lastPass_, kLongestPass);
   lastPass_ = now;
-  if (filled > 0) ++fillings_;
-  const milliseconds limit = fillings_ > 1 ? kStallLimit : kFirstBufferLimit;
+  const milliseconds limit = written_ > parameters_.format.bufferCount ? kStallLimit : kFirstBufferLimit;
   const WaveOutFormat& format = parameters_.format;
   const milliseconds bufferTime{int64_t{1000} * format.bufferFrames / format.sampleRate};
   if (stalled_ > bufferTime + limit) fail(kDeviceStalled);
@@ -118,8 +117,9 @@ void PullSession::fail(int error) noexcept {
   stop_ = true;
 }
 
-bool PullSession::allDone() const noexcept {
-  return std::all_of(slots_.begin(), slots_.end(), [](const Slot& slot) { return slot.header->done(); });
+bool PullSession::allDone(const Slot* but) const noexcept {
+  return std::all_of(slots_.begin(), slots_.end(),
+                     [&](const Slot& slot) { return &slot == but || slot.header->done(); });
 }
 
 void PullSession::unprepare(Slot& slot) noexcept {

@@ -57,7 +57,7 @@ class PullSession {
 
   // Why the thread has ended by itself; 0 when it has not. Any thread.
   int error() const noexcept { return error_; }
-  // Passes that found every buffer played. Any thread.
+  // How often the device had played every buffer before the next was ready. Any thread.
   int underruns() const noexcept { return underruns_; }
 
  private:
@@ -71,7 +71,7 @@ class PullSession {
   bool refill(Slot& slot) noexcept;
   void watch(int filled) noexcept;
   void fail(int error) noexcept;
-  bool allDone() const noexcept;
+  bool allDone(const Slot* but = nullptr) const noexcept;
   void unprepare(Slot& slot) noexcept;
 
   WaveOutSystem& system_;
@@ -82,7 +82,7 @@ class PullSession {
   std::unique_ptr<WaveOutDevice> device_;  // ends before the slots do
   std::array<float*, kMaxOutputChannels> channels_{};
   size_t next_ = 0;
-  int64_t fillings_ = 0;  // passes that found something to fill
+  int64_t written_ = 0;  // buffers in all
   std::chrono::milliseconds lastPass_{0};
   std::chrono::milliseconds stalled_{0};  // since the device last finished a buffer
   std::atomic<bool> stop_{false};

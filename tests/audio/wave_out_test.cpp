@@ -15,10 +15,12 @@ struct CountingSource {
   std::vector<float> samples = std::vector<float>(32767);
   std::atomic<int> calls{0};
   int frames = 0, channelCount = 0;
+  std::function<void(int)> meanwhile = [](int) {};  // goes on during the call of that number
 
   static bool fill(void* context, float** channels, int* frames, int* channelCount) noexcept {
     auto& own = *static_cast<CountingSource*>(context);
-    const float value = static_cast<float>(++own.calls) / 126.0f + 0.001f;
+    own.meanwhile(++own.calls);
+    const float value = static_cast<float>(own.calls) / 126.0f + 0.001f;
     std::fill(own.samples.begin(), own.samples.end(), value);
     own.frames = *frames;
     own.channelCount = *channelCount;
@@ -68,14 +70,18 @@ TEST_F(Session, FillsInRingOrderWhatTheDeviceHasFinished) {
   EXPECT_EQ(session.underruns(), 0);
 }
 
-TEST_F(Session, CountsThePassesThatFindEverythingPlayed) {
+TEST_F(Session, CountsHowOftenTheDeviceRunsDry) {
   PullSession session(fake, timer, parameters);
+  source.meanwhile = [&](int call) {
+    if (call == 8) fake.playAll();
+  };
   run(session, [&](int sleep) {
-    if (sleep == 1 || sleep == 3) fake.playAll();
-    if (sleep == 2) fake.play();
+    if (sleep == 1) fake.playAll();
+    if (sleep == 2 || sleep == 3) fake.play();
     if (sleep == 4) session.requestStop();
   });
-  EXPECT_EQ(session.underruns(), 2);
+  EXPECT_EQ(source.calls, 8);
+  EXPECT_EQ(session.underruns(), 2);  // before the fourth buffer and before the eighth
 }
 
 TEST_F(Session, EndsByItselfWhenTheDeviceFails) {

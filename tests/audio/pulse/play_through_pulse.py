@@ -12,6 +12,7 @@ import time
 import unittest
 
 PLAY, CLI = sys.argv[1:3]
+SUPPRESSIONS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "libpulse.supp")
 # Two seconds are what a person is promised; a loaded machine gets some grace, a hang does not.
 PATIENCE = 5
 
@@ -28,7 +29,8 @@ def noise(frames, scale, offset):
 class Server:
     def __init__(self, folder, rate=44100, sample="s16le"):
         self.environment = {"PATH": os.environ["PATH"], "HOME": folder, "XDG_RUNTIME_DIR": folder,
-                            "PULSE_RUNTIME_PATH": folder, "PULSE_SERVER": f"unix:{folder}/native", "LC_ALL": "C"}
+                            "PULSE_RUNTIME_PATH": folder, "PULSE_SERVER": f"unix:{folder}/native", "LC_ALL": "C",
+                            "TSAN_OPTIONS": f"suppressions={SUPPRESSIONS}"}
         self.daemon = subprocess.Popen(
             ["pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1", "--log-target=stderr",
              "-L", f"module-native-protocol-unix auth-anonymous=1 socket={folder}/native",
