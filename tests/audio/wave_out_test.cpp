@@ -80,7 +80,7 @@ TEST_F(Session, CountsHowOftenTheDeviceRunsDry) {
     if (sleep == 2 || sleep == 3) fake.play();
     if (sleep == 4) session.requestStop();
   });
-  EXPECT_EQ(source.calls, 8);
+  EXPECT_EQ(source.calls, 10);
   EXPECT_EQ(session.underruns(), 2);  // before the fourth buffer and before the eighth
 }
 
