@@ -33,6 +33,7 @@ int runSpectrum(const CallOptions& options, WordReader words);
 int runStats(const CallOptions& options, WordReader words);
 int runSettings(const CallOptions& options, WordReader words);
 int runWindow(const CallOptions& options, WordReader words);
+int runDevices(const CallOptions& options, WordReader words);
 
 // The steps of `edit` with their arguments, a line each.
 std::string editHelp();
