@@ -31,7 +31,8 @@ std::string Application::profilePath() const { return joinPath(home_, "plumetta.
 
 bool Application::saveSettings() {
   if (!services_.files.makeFolders(home_) && settingsFile_.save(settings_)) return true;
-  prompter().message("Unable to write the settings in " + home_);
+  if (!settingsFailureTold_) prompter().message("Unable to write the settings in " + home_);
+  settingsFailureTold_ = true;
   return false;
 }
 

@@ -29,7 +29,7 @@ class Application {
   std::string profilePath() const;
 
   Settings& settings() { return settings_; }
-  // Writes the settings back; tells the person when that fails.
+  // Writes the settings back; the first time in a run that this fails the person is told.
   bool saveSettings();
 
   Prompter& prompter() { return services_.prompter; }
@@ -61,6 +61,7 @@ class Application {
   HistoryList history_;
   Settings settings_;
   SettingsFile settingsFile_;
+  bool settingsFailureTold_ = false;
   std::shared_ptr<const CWave> clipboard_;
   UndoFolder undoFolder_;
   DocumentServices services_;
