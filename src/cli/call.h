@@ -31,6 +31,7 @@ int runEdit(const CallOptions& options, WordReader words);
 int runInfo(const CallOptions& options, WordReader words);
 int runSpectrum(const CallOptions& options, WordReader words);
 int runStats(const CallOptions& options, WordReader words);
+int runMidi(const CallOptions& options, WordReader words);
 int runSettings(const CallOptions& options, WordReader words);
 int runWindow(const CallOptions& options, WordReader words);
 

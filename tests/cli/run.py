@@ -103,6 +103,31 @@ class Cli(unittest.TestCase):
         after = self.edit("open a.wav resample 4000 filter=off print 0 999").split("\n")[:-1]
         self.assertEqual(after, before[::2])
 
+    def test_settings_are_checked_and_keep_the_file(self):
+        self.assertIn("\n[Routing out]\nChannel00=0\nChannel01=1\nChannel02=-1\n", self.call("settings"))
+        self.assertFalse(os.path.exists(os.path.join(self.path, "home", "plumetta.cfg")), "printing writes nothing")
+        os.makedirs(os.path.join(self.path, "home"), exist_ok=True)
+        with open(os.path.join(self.path, "home", "plumetta.cfg"), "w") as file:
+            file.write("; mine\n[Other]\nkey=1\n[General]\nMRUCount=17\nVSTBPM=90.5\n")
+        self.call("settings", "set", "general", "mrucount", "16")
+        for words, status in [("General MRUCount 0", 1), ("General VSTBPM inf", 1), ("General SelectionMultDivFactor -1", 0),
+                              ("General AudioInBufferSize(sample) 9000", 0), ("General Bogus 1", 2), ("Bogus Loop 1", 2),
+                              ("General Loop", 2), ("General Loop 1 1", 2), ("MidiInCommand MidiCommandPan 256", 1)]:
+            self.call("settings", "set", *words.split(), status=status)
+        text = self.call("settings")
+        for line in ["MRUCount=16", "VSTBPM=90.5000000", "SelectionMultDivFactor=2.0000000",
+                     "AudioInBufferSize(sample)=8192", "MidiCommandPan=41"]:
+            self.assertIn("\n" + line + "\n", text)
+        self.assertTrue(self.read("home/plumetta.cfg").startswith(b"; mine"))
+        self.assertIn(b"key=1", self.read("home/plumetta.cfg"))
+
+    def test_midi_listen_refuses_wrong_calls(self):
+        for words in ["", "talk", "listen now", "listen --device", "listen --device x", "listen --device -1",
+                      "listen --seconds", "listen --seconds nan", "listen --seconds -1"]:
+            self.call("midi", *words.split(), status=2)
+        self.call("midi", "listen", "--device", "250", "--seconds", "0", status=1)
+        self.assertEqual(self.err.strip(), "message: Unable to start midi in driver")
+
     def test_whole_call_is_parsed_before_the_first_step_runs(self):
         for chain in ["open a.wav save b.wav bogus", "open a.wav save b.wav select 1", "open a.wav save b.wav cursor x",
                       "open a.wav save b.wav active", "open a.wav save b.wav active solo=x", "", "open",
