@@ -6,6 +6,7 @@
 
 #include "audio/remote_command.h"
 #include "doc/document_services.h"
+#include "doc/ruler_ticks.h"
 
 namespace plumetta {
 
@@ -20,9 +21,6 @@ struct FileSettings {
   int reopenedFiles = 12;                     // no more of them than this
   bool askToSave = true;                      // before a changed file is closed
 };
-
-// How positions are written: samples, seconds, milliseconds, or hours, minutes and seconds.
-enum TimeFormat { kTimeSamples = 0, kTimeSeconds = 1, kTimeMilliseconds = 2, kTimeClock = 3 };
 
 struct DisplaySettings {
   int timeFormat = kTimeClock;  // a TimeFormat
