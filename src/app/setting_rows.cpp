@@ -162,7 +162,7 @@ std::vector<SettingRow> factorsAndOutput() {
   using S = Settings;
   SettingRow factor = real("SelectionMultDivFactor", at(&S::display, &DisplaySettings::selectionFactor));
   factor.minimum = kLeastFactor;
-  factor.preference = editing("Factor that lengthens and shortens selections");
+  factor.preference = editing("Lengthen and shorten by");
   return {
       replacing(factor, 2.0),
       real("GeneralVolume", at(&S::playback, &PlaybackSettings::generalVolume)),

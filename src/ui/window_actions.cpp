@@ -139,7 +139,7 @@ MenuPlan MainFrame::editMenu() {
                       [this](CPlumettaDoc& doc) { goTo(doc); }),
        kSeparator,
        {"preferences", "Pre&ferences…", "Ctrl+,", "How the editor behaves", [this] { editPreferences(); }},
-       {"midi", "MI&DI remote control…", "", "Controllers of MIDI devices that drive the editor",
+       {"midi", "MID&I remote control…", "", "Controllers of MIDI devices that drive the editor",
         [this] { configureMidi(); }}});
   return menu;
 }

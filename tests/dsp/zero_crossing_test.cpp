@@ -8,15 +8,13 @@
 namespace plumetta {
 namespace {
 
-CWave waveOf(const std::vector<float>& left, const std::vector<float>& right = {}) {
-  CWave wave;
+void fill(CWave& wave, const std::vector<float>& left, const std::vector<float>& right = {}) {
   const int channels = right.empty() ? 1 : 2;
   wave.create(8000, channels, 32, static_cast<int32_t>(left.size()), kFormatFloat);
   for (size_t f = 0; f < left.size(); ++f) {
     wave.setSample(static_cast<int32_t>(f), 0, left[f]);
     if (channels == 2) wave.setSample(static_cast<int32_t>(f), 1, right[f]);
   }
-  return wave;
 }
 
 TEST(ZeroCrossing, IsTheNearestOneWithinReach) {
@@ -37,12 +35,16 @@ TEST(ZeroCrossing, IsTheNearestOneWithinReach) {
       {"an empty file", {}, 0, 9, 0},
       {"a long reach", {1, 2}, 1, std::numeric_limits<int32_t>::max() / 1024, 1},
   };
-  for (const auto& c : cases)
-    EXPECT_EQ(nearestZeroCrossing(waveOf(c.samples), c.frame, c.reach), c.nearest) << c.what;
+  for (const auto& c : cases) {
+    CWave wave;
+    fill(wave, c.samples);
+    EXPECT_EQ(nearestZeroCrossing(wave, c.frame, c.reach), c.nearest) << c.what;
+  }
 }
 
 TEST(ZeroCrossing, ListensToTheActiveChannelsTogether) {
-  CWave wave = waveOf({1, 1, 1, 1}, {3, -0.5f, -3, -3});
+  CWave wave;
+  fill(wave, {1, 1, 1, 1}, {3, -0.5f, -3, -3});
   EXPECT_EQ(nearestZeroCrossing(wave, 0, 9), 1) << "4 0.5 -2 -2";
   wave.setActive(ActiveOperation::solo, 0);
   EXPECT_EQ(nearestZeroCrossing(wave, 0, 9), 0) << "1 1 1 1";
