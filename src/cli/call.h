@@ -34,6 +34,7 @@ int runStats(const CallOptions& options, WordReader words);
 int runMidi(const CallOptions& options, WordReader words);
 int runSettings(const CallOptions& options, WordReader words);
 int runWindow(const CallOptions& options, WordReader words);
+int runDevices(const CallOptions& options, WordReader words);
 
 // The steps of `edit` with their arguments, a line each.
 std::string editHelp();

@@ -20,6 +20,7 @@ constexpr CliCommand kCommands[] = {
      "saves an averaged spectrum (N 4096, KIND Hanning unless told otherwise), or prints a saved one as JSON",
      runSpectrum},
     {"window", "window KIND N", "the N coefficients of a window; KIND is its index or its name", runWindow},
+    {"devices", "devices [--json]", "the devices for sound and control, numbered", runDevices},
     {"midi", "midi listen [--device N] [--seconds S]", "prints the remote commands as they arrive", runMidi},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},
 };

@@ -151,6 +151,15 @@ class Cli(unittest.TestCase):
         self.edit("open a.wav doc 1", status=1)
         self.assertEqual(self.err, "")
 
+    def test_devices_are_listed_whether_or_not_there_are_any(self):
+        lists = json.loads(self.call("devices", "--json"))
+        self.assertEqual(list(lists), ["wave_out", "wave_in", "midi_in", "asio"])
+        text = self.call("devices")
+        for device in lists["wave_out"]:
+            self.assertIn(f"  {device['index']}  {device['name']}\n", text)
+        self.assertEqual(text.count("  none"), sum(not devices for devices in lists.values()))
+        self.call("devices", "--bogus", status=2)
+
     def test_questions_are_answered_by_option_and_else_no(self):
         chain = "open a.wav envelope-reset envelope-clear history"
         self.edit(chain, status=1)

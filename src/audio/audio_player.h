@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "audio/audio_driver.h"
+#include "audio/wave_out.h"
+
+namespace plumetta {
+
+// Owns the output drivers, picks the active one, keeps the output's settings and the float buffers that the
+// callback fills. UI thread, but for what says otherwise. Settings take effect at the next Start.
+class AudioPlayer {
+ public:
+  // The frames that a channel buffer holds, and so the longest device buffer.
+  static constexpr int kBufferFrames = 4096;
+
+  // `callback` may be null: such a player never starts.
+  AudioPlayer(AudioCallback callback, void* context, WaveOutSystem& system = nativeWaveOut(),
+              std::unique_ptr<CAudioDriver> asio = std::make_unique<CAudioDriver>());
+  ~AudioPlayer() { Stop(); }
+  AudioPlayer(const AudioPlayer&) = delete;
+  AudioPlayer& operator=(const AudioPlayer&) = delete;
+
+  // Does nothing while the player runs, unless its device has been lost: then it begins anew. False, with
+  // errorText(), when nothing will sound.
+  bool Start();
+  // Like the driver's: within about two seconds, and never under the audio lock.
+  bool Stop();
+  bool running() const { return running_; }
+
+  // The device failed while it played. Stays so until the next Start or Stop.
+  bool deviceLost() const { return running_ && active_->deviceLost(); }
+  std::string errorText() const { return active_->errorText(); }
+  int underruns() const { return active_->underruns(); }
+
+  // 1 makes the ASIO driver active, anything else the wave-out driver. Stops what plays.
+  void SelectDriver(int useAsio);
+  CAudioDriver& activeDriver() { return *active_; }
+  CWaveOut& waveOut() { return waveOut_; }
+  CAudioDriver& asio() { return *asio_; }
+
+  void SetOutput(int deviceIndex, int bufferFrames, int sampleRate);
+  void GetOutput(int& deviceIndex, int& bufferFrames, int& sampleRate) const;
+
+  // Reads the output's keys of section "General"; what is missing or not accepted stays as it is.
+  void LoadSettings(const std::string& file);
+  // False when the file can't be written.
+  bool SaveSettings(const std::string& file) const;
+
+  // kBufferFrames floats. Audio thread while the player runs.
+  float* channelBuffer(int channel) noexcept { return buffers_[static_cast<size_t>(channel)].data(); }
+  int sampleRate() const noexcept { return sampleRate_; }
+
+ private:
+  CWaveOut waveOut_;
+  std::unique_ptr<CAudioDriver> asio_;
+  CAudioDriver* active_ = &waveOut_;
+  bool running_ = false;
+  int sampleRate_ = 44100;
+  int bufferFrames_ = 2048;
+  int bufferCount_ = 4;
+  int pollMs_ = 10;
+  int deviceIndex_ = 0;
+  int bitDepth_ = 16;
+  std::array<std::vector<float>, kMaxOutputChannels> buffers_;
+  AudioCallback callback_;
+  void* context_;
+};
+
+}  // namespace plumetta

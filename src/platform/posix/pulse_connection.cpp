@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/posix/pulse_connection.h"
+
+#include <algorithm>
+
+namespace plumetta {
+namespace {
+
+struct Alarm {
+  pa_threaded_mainloop* loop;
+  bool rung = false;
+};
+
+void onAlarm(pa_mainloop_api*, pa_time_event*, const timeval*, void* alarm) {
+  auto* own = static_cast<Alarm*>(alarm);
+  own->rung = true;
+  pa_threaded_mainloop_signal(own->loop, 0);
+}
+
+void onContextState(pa_context*, void* connection) { static_cast<PulseConnection*>(connection)->wake(); }
+
+struct SinkList {
+  std::vector<PulseConnection::Device> sinks;
+  std::string defaultName;
+  PulseConnection* connection;
+};
+
+void onServer(pa_context*, const pa_server_info* server, void* list) {
+  auto* own = static_cast<SinkList*>(list);
+  if (server != nullptr && server->default_sink_name != nullptr) own->defaultName = server->default_sink_name;
+  own->connection->wake();
+}
+
+void onSink(pa_context*, const pa_sink_info* sink, int end, void* list) {
+  auto* own = static_cast<SinkList*>(list);
+  if (end == 0)
+    own->sinks.push_back({sink->name, sink->description != nullptr ? sink->description : sink->name});
+  own->connection->wake();
+}
+
+}  // namespace
+
+PulseConnection::~PulseConnection() {
+  if (loop_ == nullptr) return;
+  if (context_ != nullptr) {
+    const Held held(*this);
+    pa_context_set_state_callback(context_, nullptr, nullptr);
+    pa_context_disconnect(context_);
+    pa_context_unref(context_);
+  }
+  pa_threaded_mainloop_stop(loop_);
+  pa_threaded_mainloop_free(loop_);
+}
+
+int PulseConnection::connect() {
+  loop_ = pa_threaded_mainloop_new();
+  if (loop_ == nullptr) return PA_ERR_INTERNAL;
+  context_ = pa_context_new(pa_threaded_mainloop_get_api(loop_), "Plumetta");
+  if (context_ == nullptr || pa_threaded_mainloop_start(loop_) < 0) return PA_ERR_INTERNAL;
+  const Held held(*this);
+  pa_context_set_state_callback(context_, onContextState, this);
+  // Starting a server of our own would mean waiting for it without an end.
+  if (pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+    return pa_context_errno(context_);
+  return waitFor([this] { return pa_context_get_state(context_) == PA_CONTEXT_READY; });
+}
+
+bool PulseConnection::failed() const { return !PA_CONTEXT_IS_GOOD(pa_context_get_state(context_)); }
+
+int PulseConnection::waitFor(const std::function<bool()>& ready) {
+  Alarm alarm{loop_};
+  pa_time_event* event = pa_context_rttime_new(context_, deadline_, onAlarm, &alarm);
+  if (event == nullptr) return PA_ERR_INTERNAL;
+  while (!ready() && !failed() && !alarm.rung) pa_threaded_mainloop_wait(loop_);
+  pa_threaded_mainloop_get_api(loop_)->time_free(event);
+  if (ready()) return 0;
+  return failed() ? pa_context_errno(context_) : static_cast<int>(PA_ERR_TIMEOUT);
+}
+
+// The callback of an operation given up may still be about to come: cancelled, it never does.
+int PulseConnection::finish(pa_operation* operation) {
+  if (operation == nullptr) return pa_context_errno(context_);
+  int error = waitFor([&] { return pa_operation_get_state(operation) != PA_OPERATION_RUNNING; });
+  if (error == 0 && pa_operation_get_state(operation) != PA_OPERATION_DONE)
+    error = pa_context_errno(context_);
+  if (error != 0) pa_operation_cancel(operation);
+  pa_operation_unref(operation);
+  return error;
+}
+
+int PulseConnection::listSinks(std::vector<Device>& sinks) {
+  SinkList list{{}, {}, this};
+  if (const int error = finish(pa_context_get_server_info(context_, onServer, &list))) return error;
+  if (const int error = finish(pa_context_get_sink_info_list(context_, onSink, &list))) return error;
+  std::stable_partition(list.sinks.begin(), list.sinks.end(),
+                        [&](const Device& sink) { return sink.name == list.defaultName; });
+  sinks = std::move(list.sinks);
+  return 0;
+}
+
+std::string pulseErrorText(int error) {
+  switch (error) {
+    case PA_ERR_CONNECTIONREFUSED:
+      return "There is no sound server.";
+    case PA_ERR_TIMEOUT:
+      return "The sound server does not answer.";
+    case PA_ERR_CONNECTIONTERMINATED:
+      return "The sound server has gone.";
+    case PA_ERR_KILLED:
+      return "The sound device has gone.";
+    case PA_ERR_NOENTITY:
+      return "There is no such sound device.";
+    default:
+      return std::string("The sound server reports: ") + pa_strerror(error);
+  }
+}
+
+}  // namespace plumetta
