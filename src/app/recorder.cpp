@@ -177,6 +177,11 @@ void Recorder::settle(HeldTake& take) {
   keptFile_ = take.path;
 }
 
+void Recorder::removeKeptFile() {
+  folder_.remove({keptFile_, {}, {}});
+  keptFile_.clear();
+}
+
 int Recorder::offerRecovery() {
   const RecordingSettings& settings = app_.settings().recording;
   int recovered = 0;

@@ -73,6 +73,8 @@ class Recorder {
 
   // Where the file of the last take is when it could not be brought into a document, or is kept on purpose.
   const std::string& keptFile() const { return keptFile_; }
+  // Once its audio is safe elsewhere.
+  void removeKeptFile();
 
  private:
   bool startInput();
