@@ -13,6 +13,8 @@ using std::chrono::milliseconds;
 constexpr milliseconds kPoll{10};
 // Beyond the time that a buffer lasts, a device may take this long before it counts as dead.
 constexpr milliseconds kStallLimit{1500};
+// Some wake up slowly.
+constexpr milliseconds kFirstLimit{4000};
 // Time in which the whole computer slept is not held against the device.
 constexpr milliseconds kLongestPass{250};
 
@@ -96,11 +98,12 @@ int CaptureSession::requeue() noexcept {
 void CaptureSession::watch(int requeued) noexcept {
   if (const int error = device_->failure()) fail(error);
   const milliseconds now = timer_.now();
+  delivers_ = delivers_ || requeued > 0;
   stalled_ = requeued > 0 ? milliseconds{0} : stalled_ + std::min(now - lastPass_, kLongestPass);
   lastPass_ = now;
   const WaveInFormat& format = parameters_.format;
   const milliseconds bufferTime{int64_t{1000} * format.bufferFrames / format.sampleRate};
-  if (stalled_ > bufferTime + kStallLimit) fail(kDeviceStalled);
+  if (stalled_ > bufferTime + (delivers_ ? kStallLimit : kFirstLimit)) fail(kDeviceStalled);
 }
 
 void CaptureSession::fail(int error) noexcept {

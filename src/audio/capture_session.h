@@ -82,6 +82,7 @@ class CaptureSession {
   std::unique_ptr<WaveInDevice> device_;  // ends before the buffers do
   std::mutex callbackMutex_;              // contended by silence() alone
   bool silenced_ = false;
+  bool delivers_ = false;
   std::chrono::milliseconds lastPass_{0};
   std::chrono::milliseconds stalled_{0};
   std::atomic<bool> stop_{false};

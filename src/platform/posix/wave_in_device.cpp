@@ -67,6 +67,7 @@ class Device : public WaveInDevice {
   void* context_;
   PulseConnection pulse_;
   pa_stream* stream_ = nullptr;
+  bool started_ = false;
   std::atomic<int> error_{0};
   Header* first_ = nullptr;
   Header* last_ = nullptr;
@@ -101,9 +102,9 @@ int Device::openStream(const char* source, const WaveInFormat& format) {
   pa_buffer_attr attributes{};
   attributes.maxlength = static_cast<uint32_t>(-1);
   attributes.fragsize = static_cast<uint32_t>(format.bufferFrames * pa_frame_size(&spec));
-  // A take comes from one device: one that vanishes ends it rather than being replaced unseen.
-  const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_START_CORKED |
-                                                    PA_STREAM_DONT_MOVE);
+  // A take comes from one device: one that vanishes ends it rather than being replaced unseen. The stream runs
+  // from now on: a source that nobody listens to may work in blocks of seconds, and would begin with one.
+  const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
   const int result = pa_stream_connect_record(stream_, source, &attributes, flags);
   return result < 0 ? pa_context_errno(pulse_.context()) : 0;
 }
@@ -126,9 +127,8 @@ int Device::queue(WaveInHeader& header) noexcept {
 int Device::start() noexcept {
   const PulseConnection::Held held(pulse_);
   if (error_ != 0) return error_;
-  pa_operation* uncork = pa_stream_cork(stream_, 0, nullptr, nullptr);
-  if (uncork == nullptr) return pa_context_errno(pulse_.context());
-  pa_operation_unref(uncork);
+  started_ = true;
+  fill();
   return 0;
 }
 
@@ -152,7 +152,7 @@ int Device::close() noexcept {
 
 // Hands what the stream has got to the headers that wait.
 void Device::fill() noexcept {
-  while (first_ != nullptr && pa_stream_get_state(stream_) == PA_STREAM_READY) {
+  while (started_ && first_ != nullptr && pa_stream_get_state(stream_) == PA_STREAM_READY) {
     const void* fragment = nullptr;
     size_t size = 0;
     if (pa_stream_peek(stream_, &fragment, &size) < 0 || size == 0) return;
