@@ -14,6 +14,7 @@ constexpr const char* kSection = "Record";
 constexpr const char* kDurationKey = "Duration";
 constexpr int kDefaultDuration = 60;
 constexpr int kSafeRate = 44100;
+constexpr const char* kRecordingStopped = "The recording has stopped.\n";
 
 template <class... Values>
 std::string formatted(const char* format, Values... values) {
@@ -103,7 +104,7 @@ void Recorder::endTake() {
   const std::error_code error = capture_.endTake();
   if (!error && !tooSlow) return;
   const std::string reason = error ? error.message() : "The disk is too slow.";
-  app_.prompter().message("The recording has stopped.\n" + reason);
+  app_.prompter().message(kRecordingStopped + reason);
 }
 
 void Recorder::stopRecording() {
@@ -114,10 +115,11 @@ void Recorder::stopRecording() {
 }
 
 void Recorder::watch() {
-  if (!capture_.lost() && !(recording_ && capture_.takeFailed())) return;
-  if (capture_.lost()) {
-    const std::string what = recording_ ? "The recording has stopped.\n" : "The input has stopped.\n";
-    app_.prompter().message(what + capture_.errorText());
+  const bool full = recording_ && framesRecorded() > kMaxFrames - capture_.parameters().bufferFrames;
+  if (!capture_.lost() && !full && !(recording_ && capture_.takeFailed())) return;
+  if (capture_.lost() || full) {
+    const std::string what = recording_ ? kRecordingStopped : "The input has stopped.\n";
+    app_.prompter().message(what + (full ? "No document holds more." : capture_.errorText()));
   }
   if (recording_) {
     stopRecording();
@@ -145,8 +147,8 @@ bool Recorder::import(HeldTake& take, bool mayUseActive) {
 
 CPlumettaDoc* Recorder::importAsNew(const HeldTake& take) {
   const TakeInfo& info = take.info;
-  CPlumettaDoc* document = app_.newDocument(static_cast<uint32_t>(info.sampleRate), info.channels,
-                                            info.bitDepth, 0, kFormatPcm);
+  CPlumettaDoc* document =
+      app_.newDocument(static_cast<uint32_t>(info.sampleRate), info.channels, info.bitDepth, 0, kFormatPcm);
   if (document == nullptr) return nullptr;
   document->wave().setFileName(kTitle);
   document->setTitle(kTitle);

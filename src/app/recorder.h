@@ -22,8 +22,8 @@ class RecorderHost {
   virtual void recorded(CPlumettaDoc& document) = 0;
 };
 
-// Recording and monitoring as a window's buttons know them: what they do, and every message that comes with it.
-// The window calls `everySecond` and `watch` from its timers as long as `busy`. UI thread.
+// Recording and monitoring as a window's buttons know them: what they do, and every message that comes with
+// it. The window calls `everySecond` and `watch` from its timers as long as `busy`. UI thread.
 class Recorder {
  public:
   Recorder(Application& app, RecorderHost& host, WaveInSystem& system = nativeWaveIn(),
@@ -35,8 +35,8 @@ class Recorder {
   // The commands. False when nothing was started; a message has said why.
   bool toggleRecord();
   bool toggleMonitor();
-  // Record with duration: asks first whether it may open its dialog, preset with `storedDuration`, then records
-  // for that many seconds, which are stored.
+  // Record with duration: asks first whether it may open its dialog, preset with `storedDuration`, then
+  // records for that many seconds, which are stored.
   bool mayRecordWithDuration();
   int storedDuration() const;
   bool recordWithDuration(int seconds);

@@ -22,8 +22,8 @@ struct WaveInBlock {
 // Takes one buffer. Audio thread; never allocates, never waits.
 using WaveInCallback = void (*)(void* context, const WaveInBlock* block) noexcept;
 
-// One opened device with its buffers, from open() to close(). The re-queue thread and CWaveIn hold it together,
-// so that a thread that hangs in a call of the system never finds its buffers gone.
+// One opened device with its buffers, from open() to close(). The re-queue thread and CWaveIn hold it
+// together, so that a thread that hangs in a call of the system never finds its buffers gone.
 class CaptureSession {
  public:
   static constexpr int kMostBuffers = 16;

@@ -23,8 +23,8 @@ struct InputParameters {
   int bufferFrames = 2048;
 };
 
-// The input with what listens to it: the peaks, which rise while it runs, and a take, while there is one. Shows
-// nothing and decides nothing. UI thread, but for what says otherwise.
+// The input with what listens to it: the peaks, which rise while it runs, and a take, while there is one.
+// Shows nothing and decides nothing. UI thread, but for what says otherwise.
 class InputCapture {
  public:
   explicit InputCapture(WaveInSystem& system = nativeWaveIn(), PollTimer& timer = steadyPollTimer());

@@ -7,7 +7,7 @@
 namespace plumetta {
 namespace {
 
-constexpr float kFrom16Bits = 3.0517578125e-5f;         // 1 / 2^15
+constexpr float kFrom16Bits = 3.0517578125e-5f;        // 1 / 2^15
 constexpr float kFrom32Bits = 4.656612873077393e-10f;  // 1 / 2^31
 
 float from8(uint8_t value) { return (static_cast<float>(value) - 127.5f) / 127.5f; }

@@ -29,15 +29,15 @@ class CWaveIn {
 
   // While stopped. Every stop forgets them, so that every start wants them anew.
   void SetCallback(WaveInCallback function, void* context);
-  // `floatBuffer`, frames × channels floats that must outlive the running state, is always taken. Of the rest,
-  // each value that is acceptable: the rates of isWaveInRate, 8, 16 or 24 bits, frames and channels above 0,
-  // 2..16 buffers. Takes effect at the next Start.
+  // `floatBuffer`, frames × channels floats that must outlive the running state, is always taken. Of the
+  // rest, each value that is acceptable: the rates of isWaveInRate, 8, 16 or 24 bits, frames and channels
+  // above 0, 2..16 buffers. Takes effect at the next Start.
   void SetParams(int sampleRate, int bitDepth, float* floatBuffer, int frames, int bufferCount, int channels);
 
   // Stops first. False, with errorText() where the device is the reason, when nothing will come.
   bool Start(int deviceIndex);
-  // False when it was stopped already. Ends within about two seconds whatever the device does; the callback is
-  // not called once it has returned.
+  // False when it was stopped already. Ends within about two seconds whatever the device does; the callback
+  // is not called once it has returned.
   bool Stop();
   int32_t GetState() const noexcept;
 

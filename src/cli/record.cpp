@@ -14,6 +14,7 @@
 namespace plumetta {
 namespace {
 
+constexpr double kLongest = 1e6;  // seconds; more than any document holds
 constexpr auto kWatchInterval = std::chrono::milliseconds(20);
 
 struct RecordCall {
@@ -22,15 +23,16 @@ struct RecordCall {
   std::optional<int> device, rate, bits;
 };
 
-void readNumber(WordReader& words, const std::string& option, bool (*accepted)(int), std::optional<int>& number) {
+void readNumber(WordReader& words, const std::string& option, bool (*accepted)(int),
+                std::optional<int>& number) {
   if (!words.atEnd()) number = numberIn<int>(words.take());
   if (!number || !accepted(*number)) words.fail("record: " + option + " wants another number");
 }
 
 void readSeconds(WordReader& words, double& seconds) {
   const auto number = words.atEnd() ? std::nullopt : numberIn<double>(words.take());
-  if (number && *number > 0 && std::isfinite(*number)) seconds = *number;
-  if (seconds == 0) words.fail("record: --seconds wants a number above 0");
+  if (number && *number > 0 && *number <= kLongest) seconds = *number;
+  if (seconds == 0) words.fail("record: --seconds wants a number above 0 and at most 1000000");
 }
 
 RecordCall readCall(WordReader& words) {
@@ -40,7 +42,8 @@ RecordCall readCall(WordReader& words) {
     if (word == "--seconds") {
       readSeconds(words, call.seconds);
     } else if (word == "--device") {
-      readNumber(words, word, [](int device) { return device >= 0; }, call.device);
+      readNumber(
+          words, word, [](int device) { return device >= 0; }, call.device);
     } else if (word == "--rate") {
       readNumber(words, word, isWaveInRate, call.rate);
     } else if (word == "--bits") {

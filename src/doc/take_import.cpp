@@ -91,7 +91,8 @@ ReadTake readInto(CommandCall& call, InputStream& in, int64_t at, int64_t frames
     read.faults += placeFrames(call, floats, at + read.frames, got);
     read.frames += got;
     if (got < wanted) break;
-    read.cancelled = !progress.progress().report(static_cast<float>(read.frames) / static_cast<float>(frames));
+    read.cancelled =
+        !progress.progress().report(static_cast<float>(read.frames) / static_cast<float>(frames));
     if (read.cancelled) break;
   }
   return read;
@@ -152,23 +153,22 @@ Parameter argument(const char* key, ParameterType type, ParameterValue fallback,
 }
 
 const Command& takeCommand() {
-  static const Command command{
-      "import-raw",
-      "",
-      "",
-      Menu::none,
-      {argument("file", ParameterType::text, std::string{}),
-       argument("channels", ParameterType::integer, int64_t{2}, 1, kMaxChannels),
-       argument("at", ParameterType::frame, FrameOrTime{}),
-       argument("rate", ParameterType::integer, int64_t{0}),
-       argument("bits", ParameterType::integer, int64_t{0}),
-       argument("undoable", ParameterType::boolean, true)},
-      check,
-      undoKind,
-      Command::Lock::byItself,
-      run,
-      historyName,
-      Command::Changes::samples};
+  static const Command command{"import-raw",
+                               "",
+                               "",
+                               Menu::none,
+                               {argument("file", ParameterType::text, std::string{}),
+                                argument("channels", ParameterType::integer, int64_t{2}, 1, kMaxChannels),
+                                argument("at", ParameterType::frame, FrameOrTime{}),
+                                argument("rate", ParameterType::integer, int64_t{0}),
+                                argument("bits", ParameterType::integer, int64_t{0}),
+                                argument("undoable", ParameterType::boolean, true)},
+                               check,
+                               undoKind,
+                               Command::Lock::byItself,
+                               run,
+                               historyName,
+                               Command::Changes::samples};
   return command;
 }
 

@@ -19,11 +19,11 @@ struct TakeImport {
   bool undoable = true;
 };
 
-// Inserts a take as one undoable step. A mono document becomes stereo for a stereo take; a mono take goes to every
-// channel; one with fewer channels than the document leaves the others silent; one with more is refused. In a
-// document that holds audio a marker stays where the take begins. Of a file that is damaged or cut short,
-// whatever is sound is taken, and a message says what is not. A refusal has shown its message and changed
-// nothing.
+// Inserts a take as one undoable step. A mono document becomes stereo for a stereo take; a mono take goes to
+// every channel; one with fewer channels than the document leaves the others silent; one with more is
+// refused. In a document that holds audio a marker stays where the take begins. Of a file that is damaged or
+// cut short, whatever is sound is taken, and a message says what is not. A refusal has shown its message and
+// changed nothing.
 CommandOutcome importTake(CPlumettaDoc& doc, const TakeImport& take);
 
 // Whole frames in such a file; −1, with the reason, when it can't be opened.

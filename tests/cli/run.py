@@ -205,6 +205,41 @@ class Cli(unittest.TestCase):
         self.edit("open a.wav save-range 1 1000 r.wav", status=1)
         self.edit("open a.wav save missing/b.wav", status=3)
 
+    def test_raw_takes_are_inserted_as_recordings_are(self):
+        def write(name, *floats, tail=b""):
+            with open(os.path.join(self.path, name), "wb") as file:
+                file.write(struct.pack(f"<{len(floats)}f", *floats) + tail)
+        write("take.raw", 0.5, 0.25, -0.5, -0.25)
+        write("damaged.raw", 0.5, 0.25, float("nan"), float("inf"), tail=b"12345")
+        state = self.state("new 8000 1 16 4 marker 1 marker 3 loop 2 3 envelope-reset import-raw take.raw 2 2")
+        self.assertEqual((state["channels"], state["frames"], state["modified"], state["can_undo"]),
+                         (2, 6, True, True))
+        self.assertEqual([marker["position"] for marker in state["markers"]], [1, 5, 2])
+        self.assertEqual((state["loops"][0]["start"], state["loops"][0]["end"]), (2, 5))
+        self.assertEqual([points[-1]["position"] for points in state["envelope"]["channels"]], [5, 5])
+        for document, take, printed in [
+                ("new 8000 2 16 1", "take.raw 2 1", "0\t0\n0.5\t0.25\n-0.5\t-0.25\n"),
+                ("new 8000 2 16 0", "take.raw 1 0", "0.5\t0.5\n0.25\t0.25\n-0.5\t-0.5\n-0.25\t-0.25\n"),
+                ("new 8000 3 16 1", "take.raw 2 0", "0.5\t0.25\t0\n-0.5\t-0.25\t0\n0\t0\t0\n"),
+                ("new 8000 1 16 1", "damaged.raw 2 0", "0.5\t0.25\n0\t0\n0\t0\n")]:
+            self.assertEqual(self.edit(f"{document} import-raw {take} print 0 9"), printed, take)
+        self.assertIn("ends in the middle of a frame", self.err)
+        self.assertIn("became silence: 2.", self.err)
+        self.assertEqual(self.edit("new 8000 2 16 1 import-raw take.raw 2 0 undo print 0 9 history"),
+                         "0\t0\nRecord : 0.0 seconds\nUndo\n")
+        for take, status in [("none.raw 2 0", 3), (". 2 0", 3), ("take.raw 2 2", 1), ("take.raw 2 -1", 1),
+                             ("take.raw 3 0", 1), ("take.raw 0 0", 1), ("take.raw 17 0", 1), ("take.raw 2", 2)]:
+            self.edit(f"new 8000 2 16 1 import-raw {take} print 0 9", status=status)
+
+    def test_record_refuses_wrong_calls(self):
+        for words in [[], ["a.wav"], ["--seconds", "1"], ["a.wav", "--seconds", "0"], ["a.wav", "--seconds", "nan"],
+                      ["a.xyz", "--seconds", "1"], ["a.wav", "--seconds", "1", "--rate", "88200"],
+                      ["a.wav", "--seconds", "1", "--bits", "32"], ["a.wav", "b.wav", "--seconds", "1"],
+                      ["a.wav", "--seconds", "1", "--device", "-1"]]:
+            before = self.read("a.wav")
+            self.call("record", *words, status=2)
+            self.assertEqual(self.read("a.wav"), before)
+
     def test_undo_in_files_leaves_nothing_behind(self):
         self.call("settings", "set", "General", "Undo in RAM", "0")
         state = self.state("open a.wav select 1 5 cut cut cut undo undo undo redo undo")

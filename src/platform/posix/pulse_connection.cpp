@@ -26,7 +26,8 @@ struct DeviceList {
   PulseConnection* connection;
 
   void bringToFront(const std::string& name) {
-    std::stable_partition(devices.begin(), devices.end(), [&](const auto& each) { return each.name == name; });
+    std::stable_partition(devices.begin(), devices.end(),
+                          [&](const auto& each) { return each.name == name; });
   }
 };
 

@@ -102,8 +102,9 @@ int Device::openStream(const char* source, const WaveInFormat& format) {
   pa_buffer_attr attributes{};
   attributes.maxlength = static_cast<uint32_t>(-1);
   attributes.fragsize = static_cast<uint32_t>(format.bufferFrames * pa_frame_size(&spec));
-  // A take comes from one device: one that vanishes ends it rather than being replaced unseen. The stream runs
-  // from now on: a source that nobody listens to may work in blocks of seconds, and would begin with one.
+  // A take comes from one device: one that vanishes ends it rather than being replaced unseen. The stream
+  // runs from now on: a source that nobody listens to may work in blocks of seconds, and would begin with
+  // one.
   const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE);
   const int result = pa_stream_connect_record(stream_, source, &attributes, flags);
   return result < 0 ? pa_context_errno(pulse_.context()) : 0;

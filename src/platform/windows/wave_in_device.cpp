@@ -51,8 +51,9 @@ class Device : public WaveInDevice {
   ~Device() override { close(); }
 
   int open(int index, const WAVEFORMATEX& format) {
-    return codeOf(waveInOpen(&handle_, static_cast<UINT>(index), &format, reinterpret_cast<DWORD_PTR>(onEvent),
-                             reinterpret_cast<DWORD_PTR>(this), CALLBACK_FUNCTION));
+    return codeOf(waveInOpen(&handle_, static_cast<UINT>(index), &format,
+                             reinterpret_cast<DWORD_PTR>(onEvent), reinterpret_cast<DWORD_PTR>(this),
+                             CALLBACK_FUNCTION));
   }
 
   int prepare(WaveInHeader& header) noexcept override {
