@@ -16,6 +16,7 @@ constexpr const char* kPastedName = "paste.wav";
 Application::Application(Prompter& prompter, FileSystem& files, const std::string& home)
     : home_(programFolder(home)),
       settingsFile_(joinPath(home_, "plumetta.cfg")),
+      midi_(nativeMidiInSystem(), generalVolume_),
       undoFolder_(files, home_),
       services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr} {
   if (!home.empty()) {
@@ -24,6 +25,7 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
     }
   }
   settingsFile_.load(settings_);
+  generalVolume_ = static_cast<float>(settings_.playback.generalVolume);
   undoFolder_.removeLeftovers();
 }
 
@@ -31,7 +33,8 @@ std::string Application::profilePath() const { return joinPath(home_, "plumetta.
 
 bool Application::saveSettings() {
   if (!services_.files.makeFolders(home_) && settingsFile_.save(settings_)) return true;
-  prompter().message("Unable to write the settings in " + home_);
+  if (!settingsFailureTold_) prompter().message("Unable to write the settings in " + home_);
+  settingsFailureTold_ = true;
   return false;
 }
 

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/settings.h"
+#include "audio/midi_remote.h"
 #include "core/audio_lock.h"
 #include "core/prompter.h"
 #include "core/undo_folder.h"
@@ -29,8 +31,14 @@ class Application {
   std::string profilePath() const;
 
   Settings& settings() { return settings_; }
-  // Writes the settings back; tells the person when that fails.
+  // Writes the settings back; the first time in a run that this fails the person is told.
   bool saveSettings();
+
+  // The factor that is heard now. MIDI writes it from threads of its own; `rememberVolume` takes it over into
+  // the settings.
+  std::atomic<float>& generalVolume() { return generalVolume_; }
+  void rememberVolume() { settings_.playback.generalVolume = generalVolume_; }
+  MidiRemote& midi() { return midi_; }
 
   Prompter& prompter() { return services_.prompter; }
   FileSystem& files() { return services_.files; }
@@ -61,6 +69,9 @@ class Application {
   HistoryList history_;
   Settings settings_;
   SettingsFile settingsFile_;
+  bool settingsFailureTold_ = false;
+  std::atomic<float> generalVolume_{1.0f};
+  MidiRemote midi_;
   std::shared_ptr<const CWave> clipboard_;
   UndoFolder undoFolder_;
   DocumentServices services_;

@@ -1,28 +1,57 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
-#include "doc/document_services.h"
+#include "app/setting_groups.h"
+#include "platform/file_system.h"
 
 namespace plumetta {
 
-// The values of "plumetta.cfg", each with its default.
-struct Settings {
-  EditSettings edit;
+// Where in the settings a row's value lives, and so what kind it is: an integer; a boolean, stored as 0 or 1;
+// a number with a fraction, stored as "%7.7f" with a point whatever the locale; a path.
+using IntegerPlace = std::function<int&(Settings&)>;
+using BooleanPlace = std::function<bool&(Settings&)>;
+using RealPlace = std::function<double&(Settings&)>;
+using PathPlace = std::function<std::string&(Settings&)>;
+using SettingPlace = std::variant<IntegerPlace, BooleanPlace, RealPlace, PathPlace>;
+
+struct SettingChoice {
+  int value;
+  const char* label;  // in the preferences; "" for the number itself
+};
+
+enum class PreferencePage { none, general, display, editing };
+
+// How the preferences show a setting; those without a page are chosen elsewhere.
+struct Preference {
+  PreferencePage page = PreferencePage::none;
+  const char* label = "";
+  const char* unit = "";
 };
 
 // One setting: where it stands in the file, what is accepted, and where it lives.
 struct SettingRow {
   const char* section;
-  const char* key;
-  bool EditSettings::*value;  // a boolean, stored as 0 or 1
+  std::string key;
+  SettingPlace place;
+  double minimum;  // of numbers, both included
+  double maximum;
+  std::vector<SettingChoice> choices;  // if there are any, nothing else is accepted
+  std::optional<double> replacement;   // taken instead of a number that is not accepted
+  Preference preference;
 };
 
+// In the order of the file.
 const std::vector<SettingRow>& settingRows();
+
+// Whether a row accepts a number.
+bool acceptsNumber(const SettingRow& row, double number);
 
 // The settings file. A key that is missing, or whose value fails its check, leaves the value as it is.
 class SettingsFile {
@@ -30,7 +59,7 @@ class SettingsFile {
   explicit SettingsFile(std::string path) : path_(std::move(path)) {}
 
   void load(Settings& settings) const;
-  // False when the file could not be written.
+  // Every row in one replacement of the file; what else stands in it is kept. False when it can't be written.
   bool save(const Settings& settings) const;
 
  private:
@@ -44,5 +73,10 @@ SetResult setSetting(Settings& settings, std::string_view section, std::string_v
                      const std::string& value);
 // All settings as the text of an INI file.
 std::string settingsAsText(const Settings& settings);
+
+// The folder that a file dialog opens in for a stored one: itself where it is there, else the person's home.
+std::string dialogFolder(FileSystem& files, const std::string& stored);
+// Whether the file can hold a path: at most 1024 bytes and no line ends or other control characters.
+bool isStorablePath(std::string_view path);
 
 }  // namespace plumetta

@@ -9,15 +9,6 @@
 namespace plumetta {
 namespace {
 
-template <class Number>
-std::optional<Number> numberIn(std::string_view text) {
-  if (text.starts_with('+')) text.remove_prefix(1);
-  Number number{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{} || end != text.data() + text.size() || text.empty()) return std::nullopt;
-  return number;
-}
-
 // The place of a word among those parted by "|".
 std::optional<ParameterValue> placeOfWord(std::string_view word, std::string_view words) {
   for (int64_t place = 0;; ++place) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <charconv>
 #include <optional>
 #include <span>
 #include <string>
@@ -10,6 +11,16 @@
 #include "doc/command.h"
 
 namespace plumetta {
+
+// A number that is the whole of a text.
+template <class Number>
+std::optional<Number> numberIn(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  Number number{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc{} || end != text.data() + text.size() || text.empty()) return std::nullopt;
+  return number;
+}
 
 // The words of a call, read one after another. The first thing that is wrong is kept as an error.
 class WordReader {

@@ -31,9 +31,11 @@ int runEdit(const CallOptions& options, WordReader words);
 int runInfo(const CallOptions& options, WordReader words);
 int runSpectrum(const CallOptions& options, WordReader words);
 int runStats(const CallOptions& options, WordReader words);
+int runMidi(const CallOptions& options, WordReader words);
 int runSettings(const CallOptions& options, WordReader words);
 int runWindow(const CallOptions& options, WordReader words);
 int runDevices(const CallOptions& options, WordReader words);
+int runRecord(const CallOptions& options, WordReader words);
 
 // The steps of `edit` with their arguments, a line each.
 std::string editHelp();

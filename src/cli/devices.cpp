@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `plumetta-cli devices`: the devices that sound and control go through, numbered as options name them.
+#include "audio/input_capture.h"
 #include "cli/call.h"
 #include "cli/json.h"
 #include "platform/wave_out_device.h"
@@ -31,11 +32,17 @@ DeviceList waveOutDevices() {
   return devices;
 }
 
+DeviceList waveInDevices() {
+  DeviceList devices;
+  devices.names = waveInDeviceNames(nativeWaveIn(), devices.error);
+  return devices;
+}
+
 DeviceList noDevices() { return {}; }
 
 constexpr Section kSections[] = {
     {"Wave-out devices", "wave_out", waveOutDevices},
-    {"Wave-in devices", "wave_in", noDevices},
+    {"Wave-in devices", "wave_in", waveInDevices},
     {"MIDI-in devices", "midi_in", noDevices},
     {"ASIO devices", "asio", noDevices},
 };

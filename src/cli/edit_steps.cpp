@@ -9,6 +9,7 @@
 #include "cli/document_json.h"
 #include "doc/effect_names.h"
 #include "doc/selection_tempo.h"
+#include "doc/take_import.h"
 #include "platform/paths.h"
 
 namespace plumetta {
@@ -94,6 +95,19 @@ StepOutcome split(EditSession& session, const StepArguments& arguments) {
 
 StepOutcome exportText(EditSession& session, const StepArguments& arguments) {
   return outcomeOf(session.doc->exportText(pathOf(arguments, 0)));
+}
+
+StepOutcome importRaw(EditSession& session, const StepArguments& arguments) {
+  constexpr int64_t kOneMore = kMaxChannels + 1;  // no number of channels, and no reason to open the file
+  const auto channels = static_cast<int>(std::clamp<int64_t>(integerOf(arguments, 1), 0, kOneMore));
+  const TakeImport take{pathOf(arguments, 0), channels, std::get<FrameOrTime>(arguments[2])};
+  if (channels == 0 || channels == kOneMore) return StepOutcome::refused;
+  std::string reason;
+  if (framesOfTake(session.app.files(), take.path, channels, reason) < 0) {
+    session.app.prompter().message("Unable to open " + take.path + "\n" + reason);
+    return StepOutcome::fileError;
+  }
+  return importTake(*session.doc, take) == CommandOutcome::done ? StepOutcome::done : StepOutcome::refused;
 }
 
 StepOutcome dump(EditSession& session, const StepArguments& arguments) {
@@ -280,6 +294,7 @@ std::vector<EditStep> ownSteps() {
       {"split", {positional("prefix", ParameterType::text, std::string{})}, true, split, nullptr},
       {"export-text", {file()}, true, exportText, nullptr},
       {"dump", {file()}, true, dump, nullptr},
+      {"import-raw", {file(), integer("channels"), frame("at")}, true, importRaw, nullptr},
       {"select", {frame("from"), frame("to")}, true, select, nullptr},
       {"select-all", {}, true, selectAll, nullptr},
       {"select-none", {}, true, selectNone, nullptr},

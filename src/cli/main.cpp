@@ -21,6 +21,9 @@ constexpr CliCommand kCommands[] = {
      runSpectrum},
     {"window", "window KIND N", "the N coefficients of a window; KIND is its index or its name", runWindow},
     {"devices", "devices [--json]", "the devices for sound and control, numbered", runDevices},
+    {"midi", "midi listen [--device N] [--seconds S]", "prints the remote commands as they arrive", runMidi},
+    {"record", "record FILE.wav --seconds S [--device N] [--rate R] [--bits B]", "records from a device",
+     runRecord},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},
 };
 

@@ -10,11 +10,12 @@ namespace {
 int changeSetting(Application& app, WordReader& words) {
   const std::string section = words.take();
   const std::string key = words.take();
-  switch (setSetting(app.settings(), section, key, words.take())) {
+  const std::string value = words.take();
+  switch (setSetting(app.settings(), section, key, value)) {
     case SetResult::done:
       return app.saveSettings() ? kAllDone : kFileError;
     case SetResult::refused:
-      app.prompter().message("This value is not accepted for " + key);
+      app.prompter().message("This value is not accepted for " + key + ": " + value);
       return kRefused;
     case SetResult::unknownKey:
       break;

@@ -134,6 +134,7 @@ class CommandCall {
   bool skipped = false;         // set by a check after which nothing happens, and nothing is said
   BlockMemory replacedSamples;  // the document's old block, from a run that has exchanged it
   bool samplesTouched = false;  // set by a run that is refused after it has begun to change samples
+  double seconds = 0;           // set by a run whose history name tells a duration
 
  private:
   Arguments arguments_;

@@ -20,6 +20,7 @@ std::vector<Command> envelopeCommands();     // volume envelope points
 std::vector<Command> silenceCommands();      // what a level parts from silence
 std::vector<Command> synthesisCommands();    // test signals
 std::vector<Command> rhythmCommands();       // what runs in beats: gapper, markers by tempo
+std::vector<Command> sampleCommands();       // single samples
 
 // Kinds of undo step and history names for rows.
 template <UndoKind kind>

@@ -9,9 +9,10 @@ namespace plumetta {
 const std::vector<Command>& commandTable() {
   static const std::vector<Command> table = [] {
     std::vector<Command> all;
-    for (auto group : {editCommands(), mixCommands(), levelCommands(), quickEffectCommands(),
-                       filterCommands(), resampleCommands(), channelCommands(), markerCommands(),
-                       envelopeCommands(), silenceCommands(), synthesisCommands(), rhythmCommands()}) {
+    for (auto group :
+         {editCommands(), mixCommands(), levelCommands(), quickEffectCommands(), filterCommands(),
+          resampleCommands(), channelCommands(), markerCommands(), envelopeCommands(), silenceCommands(),
+          synthesisCommands(), rhythmCommands(), sampleCommands()}) {
       std::move(group.begin(), group.end(), std::back_inserter(all));
     }
     return all;

@@ -34,6 +34,17 @@ std::string levelLabel(double value, bool decibels) {
   return text;
 }
 
+double unitsPerSecond(TimeFormat format) { return format == kTimeMilliseconds ? 1000 : 1; }
+
+// "1 234.50", rounded to nearest.
+std::string formatDecimal(double value, int decimals) {
+  const auto scale = static_cast<int64_t>(std::llround(std::pow(10.0, decimals)));
+  const int64_t units = std::llround(std::abs(value) * static_cast<double>(scale));
+  const std::string sign = value < 0 && units > 0 ? "-" : "";
+  const std::string digits = std::to_string(scale + units % scale);  // a one before them keeps their zeroes
+  return sign + formatCount(units / scale) + (decimals > 0 ? "." + digits.substr(1) : "");
+}
+
 }  // namespace
 
 Step decimalStep(double minimum) {
@@ -54,6 +65,23 @@ TickSpacing timeTicks(double framesPerPixel, uint32_t sampleRate, double minimum
 TickSpacing frameTicks(double framesPerPixel, double minimumPixels) {
   const Step step = decimalStep(std::max(framesPerPixel * minimumPixels, 1.0));
   return {step.size, step.size < 2 ? 1 : step.parts, 0};
+}
+
+TickSpacing ticksIn(TimeFormat format, double framesPerPixel, uint32_t sampleRate, double minimumPixels) {
+  if (format == kTimeSamples) return frameTicks(framesPerPixel, minimumPixels);
+  if (format == kTimeClock) return timeTicks(framesPerPixel, sampleRate, minimumPixels);
+  const double framesPerUnit = std::max<uint32_t>(sampleRate, 1) / unitsPerSecond(format);
+  const Step step = decimalStep(framesPerPixel * minimumPixels / framesPerUnit);
+  const int decimals = static_cast<int>(std::ceil(-std::log10(step.size) - 1e-9));
+  return {step.size * framesPerUnit, step.parts, std::clamp(decimals, 0, 6)};
+}
+
+std::string positionIn(TimeFormat format, double frame, uint32_t sampleRate, int decimals) {
+  if (format == kTimeSamples) return formatCount(std::llround(frame));
+  const double seconds = frame / std::max<uint32_t>(sampleRate, 1);
+  if (format == kTimeClock) return formatTime(seconds, decimals < 0 ? 3 : decimals);
+  if (decimals < 0) decimals = format == kTimeSeconds ? 4 : 1;
+  return formatDecimal(seconds * unitsPerSecond(format), decimals);
 }
 
 std::string formatTime(double seconds, int decimals) {

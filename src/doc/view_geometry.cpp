@@ -63,6 +63,12 @@ std::optional<RangeEdge> edgeAt(const FrameScale& scale, int32_t lower, int32_t 
   return toLower < toUpper ? RangeEdge::lower : RangeEdge::upper;
 }
 
+int32_t scaledUpper(int32_t lower, int32_t upper, double factor, int32_t lastFrame) {
+  const double length = std::round((upper - lower + 1.0) * factor);
+  const double wanted = std::clamp(lower + length - 1, lower + 1.0, std::max<double>(lastFrame, lower + 1.0));
+  return static_cast<int32_t>(std::min<double>(wanted, lastFrame));
+}
+
 int LaneLayout::top(int lane) const {
   return static_cast<int>(static_cast<int64_t>(height + gap) * lane / std::max(lanes, 1));
 }

@@ -33,6 +33,10 @@ FrameScale showing(const FrameScale& scale, double frame, int32_t frames, int wi
 // Whether a scale shows everything there is.
 bool showsAll(const FrameScale& scale, int32_t frames, int width);
 
+// The upper end of a selection `factor` times as long from the same lower end, inside the file and at least
+// one frame above the lower end, so that it stays a selection.
+int32_t scaledUpper(int32_t lower, int32_t upper, double factor, int32_t lastFrame);
+
 enum class RangeEdge { lower, upper };
 // The edge of a range that lies within `reach` pixels of x; the nearer one of two.
 std::optional<RangeEdge> edgeAt(const FrameScale& scale, int32_t lower, int32_t upper, double x,

@@ -12,6 +12,8 @@ bool isPathSeparator(char c);
 std::string executableFolder();
 // The person's own configuration folder for the editor (not created).
 std::string userConfigFolder();
+// The person's home folder, where file dialogs begin.
+std::string personalFolder();
 // An absolute path that means the same file whatever the current folder becomes.
 std::string absolutePath(const std::string& path);
 // The part behind the last separator.

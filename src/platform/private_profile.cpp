@@ -16,7 +16,23 @@ int digitOf(char c, int base) {
   return base == 16 && small >= 'a' && small <= 'f' ? small - 'a' + 10 : -1;
 }
 
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+bool isQuoted(std::string_view text) {
+  return text.size() >= 2 && text.front() == text.back() && (text[0] == '"' || text[0] == '\'');
+}
+
 }  // namespace
+
+std::string profileValueOf(std::string_view text) {
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return std::string(isQuoted(text) ? text.substr(1, text.size() - 2) : text);
+}
+
+std::string profileTextOf(const std::string& value) {
+  return profileValueOf(value) == value ? value : '"' + value + '"';
+}
 
 bool sameProfileName(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -36,6 +52,16 @@ int parseProfileInt(const std::string& value) {
     number = number * static_cast<uint32_t>(base) + static_cast<uint32_t>(digitOf(value[i], base));
   }
   return static_cast<int>(negative ? 0u - number : number);
+}
+
+std::string readProfileString(const std::string& path, const std::string& section, const std::string& key,
+                              const std::string& fallback) {
+  return readProfileStrings(path, {{section, key}}).front().value_or(fallback);
+}
+
+bool writeProfileString(const std::string& path, const std::string& section, const std::string& key,
+                        const std::string& value) {
+  return writeProfileStrings(path, {{{section, key}, value}});
 }
 
 int readProfileInt(const std::string& path, const std::string& section, const std::string& key,

@@ -112,6 +112,13 @@ void ActionMenus::refresh() {
   }
 }
 
+bool ActionMenus::choose(const std::string& id) {
+  const auto number = numbers_.find(id);
+  if (number == numbers_.end()) return false;
+  run(*items_.at(number->second).action);
+  return true;
+}
+
 int ActionMenus::numberOf(const std::string& id) const { return numbers_.at(id); }
 
 const Action& ActionMenus::action(const std::string& id) const { return *items_.at(numberOf(id)).action; }

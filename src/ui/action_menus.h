@@ -46,6 +46,8 @@ class ActionMenus {
   // Brings enabled and checked states of menus and toolbar up to date. Cheap when nothing has changed.
   void refresh();
 
+  // As if it had been chosen. False when there is no such action.
+  bool choose(const std::string& id);
   int numberOf(const std::string& id) const;
   const Action& action(const std::string& id) const;
   const std::vector<MenuPlan>& plan() const { return plan_; }

@@ -22,8 +22,9 @@ constexpr int kScrollPositions = 1 << 20;
 
 }  // namespace
 
-DocumentPanel::DocumentPanel(wxWindow* parent, CPlumettaDoc& doc)
-    : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL | wxNO_BORDER), view_(doc) {
+DocumentPanel::DocumentPanel(wxWindow* parent, CPlumettaDoc& doc, DisplaySettings& settings)
+    : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL | wxNO_BORDER),
+      view_(doc, settings) {
   overview_ = new OverviewStrip(this, view_);
   ruler_ = new TimeRuler(this, view_);
   markers_ = new MarkerStrip(this, view_);
@@ -31,6 +32,9 @@ DocumentPanel::DocumentPanel(wxWindow* parent, CPlumettaDoc& doc)
   header_ = new LaneHeader(this, view_, *canvas_);
   scrollBar_ = new wxScrollBar(this, wxID_ANY);
   view_.onRefresh = [this] { refreshAll(); };
+  view_.onSettingsChanged = [this] {
+    if (onSettingsChanged) onSettingsChanged();
+  };
   view_.onPreviewChanged = [this] { followAnnotations(); };
   arrange();
 

@@ -22,7 +22,7 @@ class ViewWindow;
 // listens to its document.
 class DocumentPanel : public wxPanel, public DocumentListener {
  public:
-  DocumentPanel(wxWindow* parent, CPlumettaDoc& doc);
+  DocumentPanel(wxWindow* parent, CPlumettaDoc& doc, DisplaySettings& settings);
   ~DocumentPanel() override;
 
   void zoomIn();
@@ -43,6 +43,10 @@ class DocumentPanel : public wxPanel, public DocumentListener {
 
   std::function<void()> onStatusChanged;
   std::function<void()> onTitleChanged;
+  std::function<void()> onSettingsChanged;  // chosen in this panel, for all documents
+
+  // The settings of the display have changed.
+  void followSettings() { refreshAll(); }
 
   void samplesChanged() override;
   void annotationsChanged() override;

@@ -25,9 +25,10 @@ wxString markedTitle(const CPlumettaDoc& doc) {
   return doc.modified() ? "*" + title : title;
 }
 
-DocumentTabs::DocumentTabs(wxWindow* parent)
-    : wxAuiNotebook(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, kStyle) {
+DocumentTabs::DocumentTabs(wxWindow* parent, DisplaySettings& settings)
+    : wxAuiNotebook(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, kStyle), settings_(settings) {
   SetArtProvider(new FlatTabArt);
+  followSettings();
   Bind(wxEVT_AUINOTEBOOK_PAGE_CHANGED, [this](wxAuiNotebookEvent& event) {
     if (const Entry* entry = entryAt(event.GetSelection())) entry->panel->SetFocus();
     if (onActivated) onActivated();
@@ -45,7 +46,10 @@ DocumentTabs::DocumentTabs(wxWindow* parent)
 }
 
 void DocumentTabs::add(CPlumettaDoc& doc) {
-  auto* panel = new DocumentPanel(this, doc);
+  auto* panel = new DocumentPanel(this, doc, settings_);
+  panel->onSettingsChanged = [this] {
+    if (onSettingsChanged) onSettingsChanged();
+  };
   entries_.push_back({&doc, panel});
   panel->onTitleChanged = [this, &doc] {
     if (const Entry* entry = entryOf(doc)) showTitle(*entry);
@@ -56,6 +60,12 @@ void DocumentTabs::add(CPlumettaDoc& doc) {
   AddPage(panel, markedTitle(doc), true);
   showTitle(entries_.back());
   panel->SetFocus();
+}
+
+void DocumentTabs::followSettings() {
+  constexpr int kAsTheArtSays = -1;
+  SetTabCtrlHeight(settings_.fillWindow ? 0 : kAsTheArtSays);
+  for (const Entry& entry : entries_) entry.panel->followSettings();
 }
 
 void DocumentTabs::remove(CPlumettaDoc& doc) {

@@ -14,7 +14,7 @@ namespace plumetta {
 // The windows of the open documents: tabs that can be moved, put side by side and closed.
 class DocumentTabs : public wxAuiNotebook {
  public:
-  explicit DocumentTabs(wxWindow* parent);
+  DocumentTabs(wxWindow* parent, DisplaySettings& settings);
 
   // Opens a window on a document, in front. The document must live until `remove`.
   void add(CPlumettaDoc& doc);
@@ -28,6 +28,10 @@ class DocumentTabs : public wxAuiNotebook {
   // In the order of the tabs.
   std::vector<CPlumettaDoc*> documents() const;
 
+  // The settings of the display have changed.
+  void followSettings();
+
+  std::function<void()> onSettingsChanged;           // by something in a document's window
   std::function<void()> onActivated;                 // another document stands in front, or none
   std::function<void()> onTitleChanged;              // of any document
   std::function<void()> onStatusChanged;             // of the document in front
@@ -42,6 +46,7 @@ class DocumentTabs : public wxAuiNotebook {
   const Entry* entryOf(const CPlumettaDoc& doc) const;
   void showTitle(const Entry& entry);
 
+  DisplaySettings& settings_;
   std::vector<Entry> entries_;
 };
 

@@ -153,14 +153,4 @@ std::optional<int64_t> askPosition(wxWindow* parent, const CPlumettaDoc& doc, Wi
       doc.wave().sampleRate());
 }
 
-bool askPreferences(wxWindow* parent, Settings& settings) {
-  FormDialog form(parent, "Preferences");
-  wxCheckBox* inRam = form.addCheckBox("Undo in RAM", settings.edit.undoInRam);
-  wxCheckBox* replace = form.addCheckBox("Paste replaces the selection", settings.edit.pasteReplace);
-  if (!form.ask()) return false;
-  settings.edit.undoInRam = inRam->GetValue();
-  settings.edit.pasteReplace = replace->GetValue();
-  return true;
-}
-
 }  // namespace plumetta

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 
-#include "app/settings.h"
 #include "doc/command.h"
 #include "doc/document.h"
 #include "ui/window_profile.h"
@@ -33,8 +32,5 @@ std::optional<SilenceChoice> askSilence(wxWindow* parent, const CPlumettaDoc& do
 
 // The frame that the cursor shall go to.
 std::optional<int64_t> askPosition(wxWindow* parent, const CPlumettaDoc& doc, WindowProfile& profile);
-
-// Changes the settings that people choose. False when they cancelled.
-bool askPreferences(wxWindow* parent, Settings& settings);
 
 }  // namespace plumetta

@@ -16,7 +16,7 @@
 namespace plumetta {
 namespace {
 
-constexpr const char* kFolders = "Folders";
+constexpr const char* kLastOpened = "Last Opened";
 constexpr const char* kNoSelection = "Create selection first";
 
 std::string withoutExtension(const std::string& name) {
@@ -56,14 +56,15 @@ void FileCommands::pasteFromSystem() {
 }
 
 void FileCommands::open() {
-  wxFileDialog dialog(&parent_, "Open", toWx(folderFor(tabs_.active())), wxString(),
-                      toWx(openFilter(formatTable())), wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
+  const std::string folder = dialogFolder(app_.files(), app_.settings().files.sampleFolder);
+  wxFileDialog dialog(&parent_, "Open", toWx(folder), wxString(), toWx(openFilter(formatTable())),
+                      wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
   if (dialog.ShowModal() != wxID_OK) return;
   wxArrayString chosen;
   dialog.GetPaths(chosen);
   std::vector<std::string> paths;
   for (const wxString& path : chosen) paths.push_back(fromWx(path));
-  if (!paths.empty()) profile_.setText(kFolders, "Files", folderOf(paths.front()));
+  if (!paths.empty()) rememberFolder(folderOf(paths.front()));
   openPaths(paths);
 }
 
@@ -91,6 +92,31 @@ void FileCommands::openRecent(const std::string& path) {
   openPaths({path});
 }
 
+void FileCommands::storeOpenFiles() {
+  std::vector<std::pair<std::string, std::string>> values;
+  for (const CPlumettaDoc* doc : tabs_.documents()) {
+    if (!isNamed(*doc) || values.size() == static_cast<size_t>(app_.settings().files.reopenedFiles)) continue;
+    values.emplace_back("File" + std::to_string(values.size() + 1), doc->wave().fileName());
+  }
+  values.emplace_back("Count", std::to_string(values.size()));
+  const CPlumettaDoc* front = tabs_.active();
+  values.emplace_back("Front", front != nullptr ? front->wave().fileName() : "");
+  profile_.setTexts(kLastOpened, values);
+}
+
+void FileCommands::reopenFiles() {
+  const FileSettings& settings = app_.settings().files;
+  if (!settings.reopenFiles) return;
+  const int count = std::min(profile_.integer(kLastOpened, "Count", 0), settings.reopenedFiles);
+  std::vector<std::string> paths;
+  for (int i = 1; i <= count; ++i) {
+    const std::string path = profile_.text(kLastOpened, "File" + std::to_string(i), "");
+    if (app_.files().kind(path) == FileKind::regular) paths.push_back(path);
+  }
+  openPaths(paths);
+  if (CPlumettaDoc* front = documentOf(profile_.text(kLastOpened, "Front", ""))) tabs_.activate(*front);
+}
+
 CPlumettaDoc* FileCommands::documentOf(const std::string& path) const {
   const wxFileName wanted(toWx(app_.files().resolveLinks(path)));
   for (const auto& doc : app_.documents()) {
@@ -104,8 +130,13 @@ CPlumettaDoc* FileCommands::documentOf(const std::string& path) const {
 
 std::string FileCommands::folderFor(const CPlumettaDoc* doc) const {
   if (doc != nullptr && isNamed(*doc)) return folderOf(doc->wave().fileName());
-  const std::string last = profile_.text(kFolders, "Files", "");
-  return app_.files().kind(last) == FileKind::folder ? last : std::string();
+  return dialogFolder(app_.files(), app_.settings().files.sampleFolder);
+}
+
+void FileCommands::rememberFolder(const std::string& folder) {
+  if (folder == app_.settings().files.sampleFolder || !isStorablePath(folder)) return;
+  app_.settings().files.sampleFolder = folder;
+  app_.saveSettings();
 }
 
 std::string FileCommands::askTarget(const wxString& title, const std::string& name, const std::string& filter,
@@ -124,7 +155,7 @@ std::string FileCommands::askTarget(const wxString& title, const std::string& na
       return {};
     }
   }
-  profile_.setText(kFolders, "Files", folderOf(path));
+  rememberFolder(folderOf(path));
   return path;
 }
 
@@ -199,7 +230,7 @@ void FileCommands::drop(CPlumettaDoc& doc) {
 }
 
 bool FileCommands::close(CPlumettaDoc& doc) {
-  if (doc.modified()) {
+  if (doc.modified() && app_.settings().files.askToSave) {
     const auto answer = askToSave(&parent_, doc.title(), false);
     if (answer == SaveAnswer::cancel) return false;
     if (answer == SaveAnswer::save && !save(doc)) return false;
@@ -213,7 +244,7 @@ bool FileCommands::closeAll() {
   auto unsaved = std::ranges::count_if(documents, [](const CPlumettaDoc* doc) { return doc->modified(); });
   bool saveTheRest = false;
   for (CPlumettaDoc* doc : documents) {
-    if (!doc->modified()) continue;
+    if (!doc->modified() || !app_.settings().files.askToSave) continue;
     tabs_.activate(*doc);
     auto answer = saveTheRest ? SaveAnswer::save : askToSave(&parent_, doc->title(), unsaved-- > 1);
     if (answer == SaveAnswer::cancel) return false;

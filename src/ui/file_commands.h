@@ -24,6 +24,9 @@ class FileCommands {
   void open();
   // Opens each; a file that is open already comes to the front, and one that fails doesn't stop the others.
   void openPaths(const std::vector<std::string>& paths);
+  // Keeps which files are open for the next start, and opens those of the last one that are still there.
+  void storeOpenFiles();
+  void reopenFiles();
   // Opens a file of the list of recent ones, or takes it off the list when it is gone.
   void openRecent(const std::string& path);
 
@@ -44,7 +47,9 @@ class FileCommands {
   std::string askTarget(const wxString& title, const std::string& name, const std::string& filter,
                         int filterIndex, const std::vector<std::string>& extensions);
   CPlumettaDoc* documentOf(const std::string& path) const;
+  // Where a dialog that writes begins.
   std::string folderFor(const CPlumettaDoc* doc) const;
+  void rememberFolder(const std::string& folder);
   void drop(CPlumettaDoc& doc);
 
   wxWindow& parent_;

@@ -2,6 +2,7 @@
 #include "ui/form_dialog.h"
 
 #include <wx/button.h>
+#include <wx/panel.h>
 #include <wx/settings.h>
 
 #include <algorithm>
@@ -44,11 +45,37 @@ FormDialog::Check wholeNumberBetween(double minimum, double maximum, const std::
 double checkedNumber(const wxTextEntry& entry) { return parseNumber(fromWx(entry.GetValue())).value_or(0); }
 
 FormDialog::FormDialog(wxWindow* parent, const wxString& title)
-    : wxDialog(parent, wxID_ANY, title), grid_(new wxFlexGridSizer(2, FromDIP(kGap), FromDIP(12))) {
-  grid_->AddGrowableCol(1);
+    : wxDialog(parent, wxID_ANY, title), grid_(makeGrid()) {
   problemOfAll_ = makeProblem();
   Bind(wxEVT_BUTTON, &FormDialog::onOk, this, wxID_OK);
   Bind(wxEVT_CHAR_HOOK, &FormDialog::onCharHook, this);
+}
+
+wxFlexGridSizer* FormDialog::makeGrid() const {
+  auto* grid = new wxFlexGridSizer(2, FromDIP(kGap), FromDIP(12));
+  grid->AddGrowableCol(1);
+  return grid;
+}
+
+void FormDialog::addPage(const wxString& title) {
+  if (pages_ == nullptr) {
+    pages_ = new wxNotebook(this, wxID_ANY);
+    delete grid_;  // the dialog has no fields outside of its pages
+  }
+  auto* page = new wxPanel(pages_);
+  grid_ = makeGrid();
+  auto* margin = new wxBoxSizer(wxVERTICAL);
+  margin->Add(grid_, 1, wxEXPAND | wxALL, FromDIP(kMargin));
+  page->SetSizer(margin);
+  pages_->AddPage(page, title);
+  holder_ = page;
+}
+
+void FormDialog::focusOn(wxWindow* window) {
+  for (size_t i = 0; pages_ != nullptr && i < pages_->GetPageCount(); ++i) {
+    if (pages_->GetPage(i) == window->GetParent()) pages_->SetSelection(i);
+  }
+  window->SetFocus();
 }
 
 // Not every toolkit leads the mnemonic of a label to the field behind it, or Return on a closed list to OK.
@@ -58,8 +85,9 @@ void FormDialog::onCharHook(wxKeyEvent& event) {
     ProcessWindowEvent(ok);
     return;
   }
+  wxWindow* const page = pages_ != nullptr ? pages_->GetCurrentPage() : this;
   const auto found =
-      event.GetModifiers() == wxMOD_ALT ? mnemonics_.find(event.GetKeyCode()) : mnemonics_.end();
+      event.GetModifiers() == wxMOD_ALT ? mnemonics_.find({page, event.GetKeyCode()}) : mnemonics_.end();
   if (found == mnemonics_.end()) {
     event.Skip();
     return;
@@ -70,16 +98,17 @@ void FormDialog::onCharHook(wxKeyEvent& event) {
 wxString FormDialog::withMnemonic(const wxString& label, wxWindow* window) {
   for (size_t i = 0; i < label.length(); ++i) {
     const int key = wxToupper(label[i]);
-    const bool taken = key < 'A' || key > 'Z' || key == 'O' || key == 'C' || mnemonics_.contains(key);
+    const bool taken =
+        key < 'A' || key > 'Z' || key == 'O' || key == 'C' || mnemonics_.contains({holder_, key});
     if (taken) continue;  // O and C are those of the buttons
-    mnemonics_[key] = window;
+    mnemonics_[{holder_, key}] = window;
     return label.Left(i) + "&" + label.Mid(i);
   }
   return label;
 }
 
 wxStaticText* FormDialog::makeProblem() {
-  auto* problem = new wxStaticText(this, wxID_ANY, wxString());
+  auto* problem = new wxStaticText(holder_, wxID_ANY, wxString());
   problem->SetForegroundColour(problemColour());
   problem->SetFont(GetFont().Smaller());
   problem->Hide();
@@ -94,7 +123,7 @@ void FormDialog::show(wxStaticText* problem, const std::string& text) {
 }
 
 void FormDialog::addRow(const wxString& label, wxWindow* window, wxSizer* content, wxStaticText* problem) {
-  auto* text = new wxStaticText(this, wxID_ANY, label.empty() ? label : withMnemonic(label, window) + ":");
+  auto* text = new wxStaticText(holder_, wxID_ANY, label.empty() ? label : withMnemonic(label, window) + ":");
   if (first_ == nullptr) first_ = window;
   // The label belongs to the field, not to the problem below it.
   auto* right = new wxBoxSizer(wxVERTICAL);
@@ -124,8 +153,8 @@ void FormDialog::addChecked(const wxString& label, wxWindow* window, wxTextEntry
 wxTextCtrl* FormDialog::addText(const wxString& label, const wxString& unit, const wxString& value,
                                 Check check) {
   const wxSize size = FromDIP(wxSize(unit.empty() && !check ? 2 * kFieldWidth : kFieldWidth, -1));
-  auto* text = new wxTextCtrl(this, wxID_ANY, value, wxDefaultPosition, size);
-  wxWindow* behind = check ? new wxStaticText(this, wxID_ANY, unit) : nullptr;
+  auto* text = new wxTextCtrl(holder_, wxID_ANY, value, wxDefaultPosition, size);
+  wxWindow* behind = check ? new wxStaticText(holder_, wxID_ANY, unit) : nullptr;
   addChecked(label, text, text, behind, std::move(check));
   return text;
 }
@@ -133,8 +162,8 @@ wxTextCtrl* FormDialog::addText(const wxString& label, const wxString& unit, con
 wxComboBox* FormDialog::addCombo(const wxString& label, const wxString& unit, const wxString& value,
                                  const wxArrayString& choices, Check check) {
   const wxSize size = FromDIP(wxSize(kFieldWidth, -1));
-  auto* combo = new wxComboBox(this, wxID_ANY, value, wxDefaultPosition, size, choices);
-  addChecked(label, combo, combo, new wxStaticText(this, wxID_ANY, unit), std::move(check));
+  auto* combo = new wxComboBox(holder_, wxID_ANY, value, wxDefaultPosition, size, choices);
+  addChecked(label, combo, combo, new wxStaticText(holder_, wxID_ANY, unit), std::move(check));
   return combo;
 }
 
@@ -142,8 +171,8 @@ FormDialog::NumberWithUnit FormDialog::addNumberWithUnits(const wxString& label,
                                                           const wxArrayString& units, int selected,
                                                           Check check) {
   const wxSize size = FromDIP(wxSize(kFieldWidth, -1));
-  auto* number = new wxTextCtrl(this, wxID_ANY, value, wxDefaultPosition, size);
-  auto* unit = new wxChoice(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, units);
+  auto* number = new wxTextCtrl(holder_, wxID_ANY, value, wxDefaultPosition, size);
+  auto* unit = new wxChoice(holder_, wxID_ANY, wxDefaultPosition, wxDefaultSize, units);
   unit->SetSelection(selected);
   unit->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { recheck(); });
   addChecked(label, number, number, unit, std::move(check));
@@ -152,13 +181,14 @@ FormDialog::NumberWithUnit FormDialog::addNumberWithUnits(const wxString& label,
 
 wxChoice* FormDialog::addChoice(const wxString& label, const wxArrayString& choices, int selected,
                                 const wxString& behind) {
-  auto* choice = new wxChoice(this, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(kFieldWidth, -1)), choices);
+  auto* choice =
+      new wxChoice(holder_, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(kFieldWidth, -1)), choices);
   choice->SetSelection(selected);
   choice->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { recheck(); });
   auto* content = new wxBoxSizer(wxHORIZONTAL);
   content->Add(choice, behind.empty() ? 1 : 0);
   if (!behind.empty()) {
-    content->Add(new wxStaticText(this, wxID_ANY, behind), 0, wxALIGN_CENTRE_VERTICAL | wxLEFT,
+    content->Add(new wxStaticText(holder_, wxID_ANY, behind), 0, wxALIGN_CENTRE_VERTICAL | wxLEFT,
                  FromDIP(kGap));
   }
   addRow(label, choice, content, nullptr);
@@ -166,7 +196,7 @@ wxChoice* FormDialog::addChoice(const wxString& label, const wxArrayString& choi
 }
 
 wxCheckBox* FormDialog::addCheckBox(const wxString& label, bool value) {
-  auto* box = new wxCheckBox(this, wxID_ANY, wxString());
+  auto* box = new wxCheckBox(holder_, wxID_ANY, wxString());
   box->SetLabel(withMnemonic(label, box));
   box->SetValue(value);
   box->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) { recheck(); });
@@ -202,7 +232,7 @@ void FormDialog::onOk(wxCommandEvent& event) {
   for (Field& field : fields_) {
     field.touched = true;
     if (showProblem(field)) continue;
-    field.window->SetFocus();
+    focusOn(field.window);
     field.entry->SelectAll();
     return;
   }
@@ -213,7 +243,11 @@ void FormDialog::onOk(wxCommandEvent& event) {
 
 bool FormDialog::ask(const wxString& okLabel) {
   auto* all = new wxBoxSizer(wxVERTICAL);
-  all->Add(grid_, 1, wxEXPAND | wxALL, FromDIP(kMargin));
+  if (pages_ != nullptr) {
+    all->Add(pages_, 1, wxEXPAND | wxALL, FromDIP(kMargin));
+  } else {
+    all->Add(grid_, 1, wxEXPAND | wxALL, FromDIP(kMargin));
+  }
   if (picture_ != nullptr) all->Add(picture_, 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
   all->Add(problemOfAll_, 0, wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
   all->Add(CreateButtonSizer(wxOK | wxCANCEL), 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));

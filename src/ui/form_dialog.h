@@ -5,6 +5,7 @@
 #include <wx/choice.h>
 #include <wx/combobox.h>
 #include <wx/dialog.h>
+#include <wx/notebook.h>
 #include <wx/radiobox.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
@@ -39,6 +40,8 @@ class FormDialog : public wxDialog {
   };
   NumberWithUnit addNumberWithUnits(const wxString& label, const wxString& value, const wxArrayString& units,
                                     int selected, Check check);
+  // The fields that follow stand on a page of their own, behind a tab.
+  void addPage(const wxString& title);
   // What is wrong with all values together once each can be taken; shown below the fields.
   std::function<std::string()> checkAll;
   // Told of every change, and once before the dialog is shown, whether all values can be taken.
@@ -67,15 +70,20 @@ class FormDialog : public wxDialog {
   void show(wxStaticText* problem, const std::string& text);
   // The row of a checked field: the control, what stands behind it, and its problem below.
   void addChecked(const wxString& label, wxWindow* window, wxTextEntry* entry, wxWindow* behind, Check check);
+  // Gives a field the focus, its page coming to the front.
+  void focusOn(wxWindow* window);
+  wxFlexGridSizer* makeGrid() const;
   bool showProblem(Field& field);
   static std::string problemOf(const Field& field);
   void tellValues();
   void onOk(wxCommandEvent& event);
   void onCharHook(wxKeyEvent& event);
 
+  wxWindow* holder_ = this;  // of the fields: the dialog, or the page that is being filled
+  wxNotebook* pages_ = nullptr;
   wxFlexGridSizer* grid_;
   std::vector<Field> fields_;
-  std::map<int, wxWindow*> mnemonics_;  // by capital letter
+  std::map<std::pair<wxWindow*, int>, wxWindow*> mnemonics_;  // by page and capital letter
   wxStaticText* problemOfAll_;
   wxWindow* picture_ = nullptr;
   wxWindow* first_ = nullptr;

@@ -24,6 +24,8 @@ struct LanePainter::Paths {
 LanePainter::LanePainter(wxGraphicsContext& gc, WaveView& view, double columnWidth, int left, int right)
     : gc_(gc), view_(view), scale_(view.scale()), columnWidth_(columnWidth), left_(left), right_(right) {}
 
+bool LanePainter::showsSamples(const FrameScale& scale) { return scale.framesPerPixel < kSamplesBelow; }
+
 void LanePainter::paint(int channel, const AmplitudeScale& lane) {
   if (view_.doc.wave().frames() == 0 || lane.height <= 0) return;
   gc_.Clip(left_, lane.top, right_ - left_, lane.height);
@@ -33,7 +35,7 @@ void LanePainter::paint(int channel, const AmplitudeScale& lane) {
   } else {
     paintColumns(channel, lane, active);
   }
-  if (scale_.framesPerPixel < kSamplesBelow) paintSamples(channel, lane, active);
+  if (showsSamples(scale_)) paintSamples(channel, lane, active);
   gc_.ResetClip();
 }
 

@@ -21,6 +21,8 @@ class LanePainter {
   LanePainter(wxGraphicsContext& gc, WaveView& view, double columnWidth, int left, int right);
 
   void paint(int channel, const AmplitudeScale& lane);
+  // Whether samples stand far enough apart to be seen one by one.
+  static bool showsSamples(const FrameScale& scale);
 
  private:
   struct Paths;

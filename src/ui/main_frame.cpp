@@ -45,12 +45,12 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       app_(app),
       prompter_(prompter),
       profile_(app),
-      recent_(profile_),
+      recent_(profile_, app.settings().files.recentFiles),
       sides_(new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                   wxSP_LIVE_UPDATE | wxSP_NOBORDER | wxSP_THIN_SASH)),
       pages_(new wxSimplebook(sides_)),
       startPage_(new StartPage(pages_)),
-      tabs_(new DocumentTabs(pages_)),
+      tabs_(new DocumentTabs(pages_, app.settings().display)),
       history_(new HistoryPane(sides_)),
       historyWanted_(profile_.integer(kWindow, "History", 0) != 0),
       files_(*this, app, *tabs_, profile_, recent_),
@@ -88,6 +88,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     menus_.refill("documents");
   };
   tabs_->onStatusChanged = [this] { showStatus(); };
+  tabs_->onSettingsChanged = [this] { applySettings(); };
   tabs_->onCloseWanted = [this](CPlumettaDoc& doc) {
     if (!prompter_.working()) files_.close(doc);
   };
@@ -99,6 +100,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
        {static_cast<wxWindow*>(this), static_cast<wxWindow*>(startPage_), static_cast<wxWindow*>(tabs_)}) {
     acceptFiles(*window);
   }
+  Bind(wxEVT_CHAR_HOOK, &MainFrame::onMediaKey, this);
   Bind(wxEVT_CLOSE_WINDOW, &MainFrame::onClose, this);
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
     menus_.refresh();
@@ -115,8 +117,21 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
 }
 
 MainFrame::~MainFrame() {
+  app_.midi().closeAll();
   prompter_.setParent(nullptr);
   prompter_.onStatus = nullptr;
+}
+
+void MainFrame::begin(const std::vector<std::string>& paths) {
+  paths.empty() ? files_.reopenFiles() : files_.openPaths(paths);
+  startRemote();
+}
+
+void MainFrame::applySettings() {
+  app_.saveSettings();
+  recent_.followSettings();
+  tabs_->followSettings();
+  showStatus();
 }
 
 void MainFrame::acceptFiles(wxWindow& window) {
@@ -243,11 +258,15 @@ void MainFrame::onActivated() {
 }
 
 void MainFrame::onClose(wxCloseEvent& event) {
+  files_.storeOpenFiles();
   const bool mayGo = !prompter_.working() && files_.closeAll();
   if (!mayGo && event.CanVeto()) {
     event.Veto();
     return;
   }
+  app_.midi().closeAll();
+  app_.rememberVolume();
+  app_.saveSettings();
   place_.store();
   if (spectrum_ != nullptr && spectrum_->IsShown()) spectrum_->storePlace();
   storeHistoryWidth();

@@ -30,7 +30,8 @@ class MainFrame : public wxFrame {
   MainFrame(Application& app, WindowPrompter& prompter);
   ~MainFrame() override;
 
-  void openFiles(const std::vector<std::string>& paths) { files_.openPaths(paths); }
+  // At start: the files that were named, or those of last time, and then the MIDI inputs.
+  void begin(const std::vector<std::string>& paths);
 
  private:
   // The rows of each menu (window_actions.cpp, and command_menus.cpp for those of the command table).
@@ -56,11 +57,24 @@ class MainFrame : public wxFrame {
   Action viewAction(const char* id, const char* text, const char* key, const char* help,
                     void (DocumentPanel::*run)());
 
+  // Multiplies the selection's length, or divides it.
+  Action selectionAction(const char* id, const char* text, const char* key, const char* help, bool shorten);
+
   void runWithParameters(CPlumettaDoc& doc, const Command& command);
   void insertSilence(CPlumettaDoc& doc);
   void addMarker(CPlumettaDoc& doc);
   void goTo(CPlumettaDoc& doc);
   void editPreferences();
+  void configureMidi();
+  // What a settings dialog or a window has changed takes effect and is stored.
+  void applySettings();
+  // Remote control and media keys (remote_actions.cpp).
+  void startRemote();
+  void onRemote(RemoteCommand command);
+  void onMediaKey(wxKeyEvent& event);
+  void scaleSelection(CPlumettaDoc& doc, double factor);
+  // To the next marker, or the one before, of the cursor.
+  void goToMarker(CPlumettaDoc& doc, bool forward);
   void showStatistics(CPlumettaDoc& doc);
   void showTempo(CPlumettaDoc& doc);
   void showSpectrum();

@@ -107,7 +107,7 @@ std::optional<int> MarkerStrip::markerAt(const wxPoint& at) const {
 
 std::optional<RangeEdge> MarkerStrip::loopEdgeAt(const wxPoint& at) const {
   const CLoopPoints& loops = doc().wave().loops;
-  if (at.y < loopTop() || !loops.hasLoops()) return std::nullopt;
+  if (at.y < loopTop() || !loops.hasLoops() || view_.settings.loopsLocked) return std::nullopt;
   return edgeAt(view_.scale(), loops.start(0), loops.end(0), at.x, FromDIP(kEdgeReach));
 }
 
@@ -121,7 +121,7 @@ void MarkerStrip::onLeftDown(wxMouseEvent& event) {
   const auto marker = markerAt(at);
   choose(marker);
   if (marker) {
-    startDrag(std::make_unique<MarkerDrag>(view_, *marker, at.x));
+    if (!view_.settings.markersLocked) startDrag(std::make_unique<MarkerDrag>(view_, *marker, at.x));
   } else if (const auto edge = loopEdgeAt(at)) {
     const CLoopPoints& loops = doc().wave().loops;
     const bool lower = *edge == RangeEdge::lower;

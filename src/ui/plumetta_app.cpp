@@ -51,7 +51,7 @@ bool PlumettaApp::OnInit() {
   auto* frame = new MainFrame(*application_, prompter_);
   frame->Show();
   // Once the event loop runs, so that the window is there while long files are read.
-  CallAfter([frame, files = files_] { frame->openFiles(files); });
+  CallAfter([frame, files = files_] { frame->begin(files); });
   return true;
 }
 

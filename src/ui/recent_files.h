@@ -12,11 +12,12 @@ namespace plumetta {
 // The files that were opened or saved last, the newest first, kept in the profile.
 class RecentFiles {
  public:
-  static constexpr size_t kMost = 10;
-
-  explicit RecentFiles(WindowProfile& profile);
+  // `most`: how many the list holds; the settings change it.
+  RecentFiles(WindowProfile& profile, const int& most);
 
   void add(const std::string& path);
+  // The setting has changed: a shorter list loses its oldest files.
+  void followSettings();
   void remove(const std::string& path);
   const std::vector<std::string>& paths() const { return paths_; }
 
@@ -26,6 +27,7 @@ class RecentFiles {
   void store();
 
   WindowProfile& profile_;
+  const int& most_;
   std::vector<std::string> paths_;
 };
 

@@ -18,7 +18,7 @@ class SelectionDrag : public Drag {
     if (!moved_ && std::abs(at.x - startX_) < slack_) return;
     moved_ = true;
     const double x = std::clamp<double>(at.x, 0, view_.width() - 1);
-    const int32_t frame = view_.doc.clampFrame(view_.scale().nearestFrame(x));
+    const int32_t frame = view_.selectionEnd(view_.doc.clampFrame(view_.scale().nearestFrame(x)));
     view_.doc.select(fixed_, frame);
     view_.doc.setCursor(frame);
   }

@@ -37,16 +37,14 @@ TimeRuler::TimeRuler(wxWindow* parent, WaveView& view) : ViewWindow(parent, view
 }
 
 wxString TimeRuler::label(double frame, const TickSpacing& ticks) const {
-  if (view_.timeInFrames()) return fromUtf8(formatCount(std::llround(frame)));
-  return fromUtf8(formatTime(frame / std::max<uint32_t>(doc().wave().sampleRate(), 1), ticks.timeDecimals));
+  return fromUtf8(positionIn(view_.timeFormat(), frame, doc().wave().sampleRate(), ticks.timeDecimals));
 }
 
 // Fine steps need wide labels, which need wider steps.
 TickSpacing TimeRuler::spacing(wxGraphicsContext& gc) const {
   const FrameScale scale = view_.scale();
   const auto apartBy = [&](double pixels) {
-    return view_.timeInFrames() ? frameTicks(scale.framesPerPixel, pixels)
-                                : timeTicks(scale.framesPerPixel, doc().wave().sampleRate(), pixels);
+    return ticksIn(view_.timeFormat(), scale.framesPerPixel, doc().wave().sampleRate(), pixels);
   };
   const TickSpacing ticks = apartBy(FromDIP(kLabelDistance));
   double width = 0, height = 0;
@@ -104,13 +102,13 @@ void TimeRuler::onLeftDown(wxMouseEvent& event) {
 
 void TimeRuler::onContextMenu(wxContextMenuEvent&) {
   wxMenu menu;
-  wxMenuItem* time = menu.AppendRadioItem(wxID_ANY, "&Time");
-  wxMenuItem* frames = menu.AppendRadioItem(wxID_ANY, "&Frames");
-  (view_.timeInFrames() ? frames : time)->Check();
-  menu.Bind(
-      wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(false); }, time->GetId());
-  menu.Bind(
-      wxEVT_MENU, [this](wxCommandEvent&) { view_.setTimeInFrames(true); }, frames->GetId());
+  const char* const names[] = {"&Samples", "S&econds", "&Milliseconds", "&Hours, minutes, seconds"};
+  for (const TimeFormat format : {kTimeSamples, kTimeSeconds, kTimeMilliseconds, kTimeClock}) {
+    wxMenuItem* item = menu.AppendRadioItem(wxID_ANY, names[format]);
+    if (view_.timeFormat() == format) item->Check();
+    menu.Bind(
+        wxEVT_MENU, [this, format](wxCommandEvent&) { view_.setTimeFormat(format); }, item->GetId());
+  }
   PopupMenu(&menu);
 }
 

@@ -6,7 +6,7 @@
 
 namespace plumetta {
 
-// The time scale over the lanes: hours, minutes, seconds or frames. A press moves the cursor.
+// The time scale over the lanes: in the unit that the settings choose. A press moves the cursor.
 class TimeRuler : public ViewWindow {
  public:
   TimeRuler(wxWindow* parent, WaveView& view);

@@ -10,6 +10,7 @@ namespace plumetta {
 namespace {
 
 constexpr int kAutoscrollMilliseconds = 30;
+constexpr double kSettingDistance = 20;  // pixels outside of the window at which the setting is the speed
 
 }  // namespace
 
@@ -109,6 +110,8 @@ void ViewWindow::onWheel(wxMouseEvent& event) {
     view_.setAmplitudeZoom(view_.amplitudeZoom() * std::exp2(notches / 2));
   } else if (event.ShiftDown() || sideways) {
     view_.scrollBy((sideways ? notches : -notches) * view_.width() / 10);
+  } else if (!view_.settings.zoomAtPointer) {
+    view_.zoomBy(std::exp2(notches / 2));
   } else {
     // Where the lanes don't lie under the pointer their middle is held.
     const double held = ownScale() == view_.scale() ? event.GetX() : view_.width() / 2.0;
@@ -122,7 +125,8 @@ void ViewWindow::onTimer(wxTimerEvent&) {
   const wxPoint at = ScreenToClient(mouse.GetPosition());
   const int beyond = at.x < 0 ? at.x : std::max(at.x - GetClientSize().x + 1, 0);
   if (beyond == 0) return;
-  view_.scrollBy(beyond * 0.5);
+  const double pixelsPerTick = view_.settings.dragScrollSpeed * kAutoscrollMilliseconds / 1000.0;
+  view_.scrollBy(FromDIP(1) * pixelsPerTick * beyond / FromDIP(kSettingDistance));
   drag_->move(at, mouse.ShiftDown());
 }
 

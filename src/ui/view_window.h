@@ -37,7 +37,7 @@ class ViewWindow : public wxWindow {
 
  protected:
   virtual void paint(wxGraphicsContext& gc, const wxRect& area) = 0;
-  // Zooms about the pointer; scrolls with Shift, zooms amplitudes with Ctrl.
+  // Zooms about the pointer or the cursor; scrolls with Shift, zooms amplitudes with Ctrl.
   virtual void onWheel(wxMouseEvent& event);
   // Which frames this window shows; nothing when it doesn't follow cursor and selection.
   virtual std::optional<FrameScale> ownScale() const { return view_.scale(); }

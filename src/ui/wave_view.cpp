@@ -4,13 +4,14 @@
 #include <algorithm>
 #include <cmath>
 
-#include "doc/ruler_ticks.h"
+#include "dsp/zero_crossing.h"
 
 namespace plumetta {
 namespace {
 
 constexpr double kLargestAmplitudeZoom = 4096;  // a 16-bit step fills an eighth of a lane
 constexpr double kSmallestAmplitudeZoom = 0.25;
+constexpr double kSnapReachSeconds = 0.02;  // half a period of 25 Hz
 
 }  // namespace
 
@@ -63,14 +64,19 @@ void WaveView::setDecibels(bool decibels) {
   refresh();
 }
 
-void WaveView::setTimeInFrames(bool inFrames) {
-  timeInFrames_ = inFrames;
-  refresh();
+void WaveView::setTimeFormat(TimeFormat format) {
+  settings.timeFormat = format;
+  if (onSettingsChanged) onSettingsChanged();
+}
+
+int32_t WaveView::selectionEnd(int32_t frame) const {
+  const auto reach = static_cast<int32_t>(doc.wave().sampleRate() * kSnapReachSeconds);
+  return settings.snapToZeroCrossing ? nearestZeroCrossing(doc.wave(), frame, reach) : frame;
 }
 
 std::string WaveView::positionText(int64_t frame) const {
-  if (timeInFrames_) return formatCount(frame);
-  return formatTime(static_cast<double>(frame) / std::max<uint32_t>(doc.wave().sampleRate(), 1));
+  const std::string text = positionIn(timeFormat(), static_cast<double>(frame), doc.wave().sampleRate());
+  return text + (timeFormat() == kTimeSeconds ? " s" : timeFormat() == kTimeMilliseconds ? " ms" : "");
 }
 
 int32_t WaveView::markerFrame(int index) const {

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "app/setting_groups.h"
 #include "doc/command.h"
 #include "doc/document.h"
 #include "doc/view_geometry.h"
@@ -22,19 +23,28 @@ struct DragPreview {
   std::optional<MarkerPlace> marker;
   std::optional<std::pair<int32_t, int32_t>> loop;
   std::optional<CVolumeEnvelope> envelope;
+  struct SampleValue {
+    int32_t frame;
+    int channel;
+    float value;
+  };
+  std::optional<SampleValue> sample;
 };
 
 // What the parts of a document window share: which stretch of which document they show, and how. Scroll
 // position and zoom live in the document, so that undo brings them back.
 class WaveView {
  public:
-  explicit WaveView(CPlumettaDoc& document) : doc(document) {}
+  WaveView(CPlumettaDoc& document, DisplaySettings& displaySettings)
+      : doc(document), settings(displaySettings) {}
 
   CPlumettaDoc& doc;
+  DisplaySettings& settings;  // of all documents together
   Theme theme = Theme::ofSystem();
   DragPreview preview;
   std::function<void()> onRefresh;         // everything shall be drawn again
   std::function<void()> onPreviewChanged;  // annotations shall be drawn again
+  std::function<void()> onSettingsChanged;
 
   // Width of the waveform in pixels.
   int width() const { return width_; }
@@ -56,9 +66,12 @@ class WaveView {
   void setAmplitudeZoom(double zoom);
   bool decibels() const { return decibels_; }
   void setDecibels(bool decibels);
-  bool timeInFrames() const { return timeInFrames_; }
-  void setTimeInFrames(bool inFrames);
+  TimeFormat timeFormat() const { return static_cast<TimeFormat>(settings.timeFormat); }
+  // Of every document.
+  void setTimeFormat(TimeFormat format);
 
+  // A frame that an end of a selection was dragged to, at a zero crossing nearby if the settings want that.
+  int32_t selectionEnd(int32_t frame) const;
   // A position as the ruler counts.
   std::string positionText(int64_t frame) const;
 
@@ -83,7 +96,6 @@ class WaveView {
   int width_ = 1;
   double amplitudeZoom_ = 1;
   bool decibels_ = false;
-  bool timeInFrames_ = false;
 };
 
 }  // namespace plumetta

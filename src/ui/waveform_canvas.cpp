@@ -8,6 +8,7 @@
 
 #include "doc/ruler_ticks.h"
 #include "ui/lane_painter.h"
+#include "ui/sample_drag.h"
 #include "ui/selection_drag.h"
 
 namespace plumetta {
@@ -15,6 +16,8 @@ namespace {
 
 constexpr int kGridFromHeight = 48;  // lower lanes carry no grid
 constexpr int kEdgeReach = 4;
+constexpr int kSampleReach = 6;
+constexpr int kLeastGridDistance = 4;  // pixels; closer lines would be a veil
 
 }  // namespace
 
@@ -62,7 +65,9 @@ void WaveformCanvas::paint(wxGraphicsContext& gc, const wxRect& area) {
     painter.paint(lane, amplitudeScale(lane));
     if (lane > 0) fillRect(gc, theme().line, area.x, layout.top(lane) - layout.gap, area.width, layout.gap);
   }
+  paintSelectionGrid(gc, area);
   paintAnnotations(gc, area);
+  paintDraggedSample(gc);
   envelope_.paint(gc, area.x, area.x + area.width);
   const double cursor = snapped(scale.x(state.cursor));
   fillRect(gc, theme().cursor, cursor, area.y, hairline(), area.height);
@@ -76,6 +81,30 @@ void WaveformCanvas::paintGrid(wxGraphicsContext& gc, const AmplitudeScale& lane
     const double y = std::min(snapped(lane.y(tick.value)), lane.top + lane.height - hairline());
     fillRect(gc, tick.value == 0 ? theme().zero : theme().grid, area.x, y, area.width, hairline());
   }
+}
+
+void WaveformCanvas::paintSelectionGrid(wxGraphicsContext& gc, const wxRect& area) {
+  const ViewState& state = doc().view();
+  if (!view_.settings.selectionGrid || !state.hasSelection()) return;
+  const FrameScale scale = view_.scale();
+  const int parts = view_.settings.selectionGridParts;
+  const double step = (double{1} * state.upperBound() - state.lowerBound()) / parts;
+  if (step / scale.framesPerPixel < FromDIP(kLeastGridDistance)) return;
+  for (int part = 1; part < parts; ++part) {
+    const double x = snapped(scale.x(state.lowerBound() + part * step));
+    if (x < area.x - 1 || x > area.x + area.width) continue;
+    fillRect(gc, withAlpha(theme().accent, 0x90), x, area.y, hairline(), area.height);
+  }
+}
+
+void WaveformCanvas::paintDraggedSample(wxGraphicsContext& gc) {
+  if (!view_.preview.sample) return;
+  const auto& [frame, channel, value] = *view_.preview.sample;
+  const double radius = FromDIP(kSampleReach) / 1.5;
+  gc.SetPen(wxNullPen);
+  gc.SetBrush(wxBrush(theme().accent));
+  gc.DrawEllipse(view_.scale().x(frame) - radius, amplitudeScale(channel).y(value) - radius, 2 * radius,
+                 2 * radius);
 }
 
 void WaveformCanvas::paintAnnotations(wxGraphicsContext& gc, const wxRect& area) {
@@ -112,6 +141,47 @@ std::optional<RangeEdge> WaveformCanvas::selectionEdgeAt(int x) const {
   return edgeAt(view_.scale(), state.lowerBound(), state.upperBound(), x, FromDIP(kEdgeReach));
 }
 
+std::optional<EnvelopeLayer::Hit> WaveformCanvas::envelopeAt(const wxPoint& at) const {
+  return view_.settings.envelopeLocked ? std::nullopt : envelope_.hitAt(at);
+}
+
+std::optional<WaveformCanvas::SampleHit> WaveformCanvas::sampleAt(const wxPoint& at) const {
+  const FrameScale scale = view_.scale();
+  const auto lane = lanes().laneAt(at.y);
+  if (view_.settings.samplesLocked || !lane || !LanePainter::showsSamples(scale)) return std::nullopt;
+  const int64_t frame = scale.nearestFrame(at.x);
+  if (frame < 0 || frame >= doc().wave().frames()) return std::nullopt;
+  const SampleHit hit{static_cast<int32_t>(frame), *lane};
+  const double y = amplitudeScale(*lane).y(doc().wave().sample(hit.frame, hit.channel));
+  const double distance = std::hypot(scale.x(static_cast<double>(frame)) - at.x, y - at.y);
+  return distance <= FromDIP(kSampleReach) ? std::optional(hit) : std::nullopt;
+}
+
+bool WaveformCanvas::grabAt(const wxPoint& at) {
+  if (const auto hit = envelopeAt(at)) {
+    if (auto drag = envelope_.beginDrag(*hit, at)) startDrag(std::move(drag));
+    return true;
+  }
+  const auto sample = sampleAt(at);
+  if (!sample) return false;
+  const auto [frame, channel] = *sample;
+  startDrag(std::make_unique<SampleDrag>(view_, frame, channel, amplitudeScale(channel)));
+  return true;
+}
+
+int32_t WaveformCanvas::extendSelectionTo(int32_t frame) {
+  const ViewState& state = doc().view();
+  int32_t fixed = state.cursor;
+  if (state.hasSelection()) {
+    const bool nearLower =
+        std::abs(int64_t{frame} - state.lowerBound()) < std::abs(int64_t{frame} - state.upperBound());
+    fixed = nearLower ? state.upperBound() : state.lowerBound();
+  }
+  doc().select(fixed, frame);
+  doc().setCursor(frame);
+  return fixed;
+}
+
 void WaveformCanvas::onLeftDown(wxMouseEvent& event) {
   SetFocus();
   if (doc().selectedMarker) {
@@ -119,34 +189,20 @@ void WaveformCanvas::onLeftDown(wxMouseEvent& event) {
     if (view_.onPreviewChanged) view_.onPreviewChanged();
   }
   const wxPoint at = event.GetPosition();
-  if (!event.ShiftDown()) {
-    if (const auto hit = envelope_.hitAt(at)) {
-      if (auto drag = envelope_.beginDrag(*hit, at)) startDrag(std::move(drag));
-      return;
-    }
-  }
+  if (!event.ShiftDown() && grabAt(at)) return;
   if (doc().wave().frames() == 0) return;
   const ViewState state = doc().view();
   const int32_t frame = doc().clampFrame(view_.scale().nearestFrame(at.x));
-  int32_t fixed = frame;
-  int slack = FromDIP(3);
+  int32_t fixed = view_.selectionEnd(frame);
   if (const auto edge = selectionEdgeAt(at.x); edge && !event.ShiftDown()) {
     fixed = *edge == RangeEdge::lower ? state.upperBound() : state.lowerBound();
   } else if (event.ShiftDown()) {
-    // The end that is farther away stays.
-    fixed = state.cursor;
-    if (state.hasSelection()) {
-      const bool nearLower =
-          std::abs(int64_t{frame} - state.lowerBound()) < std::abs(int64_t{frame} - state.upperBound());
-      fixed = nearLower ? state.upperBound() : state.lowerBound();
-    }
-    doc().select(fixed, frame);
-    doc().setCursor(frame);
+    fixed = extendSelectionTo(view_.selectionEnd(frame));
   } else {
     doc().select(frame, frame);
     doc().setCursor(frame);
   }
-  startDrag(std::make_unique<SelectionDrag>(view_, state, fixed, at.x, slack));
+  startDrag(std::make_unique<SelectionDrag>(view_, state, fixed, at.x, FromDIP(3)));
 }
 
 void WaveformCanvas::selectRegionAt(int64_t frame) {
@@ -159,14 +215,14 @@ void WaveformCanvas::selectRegionAt(int64_t frame) {
 
 void WaveformCanvas::onDoubleClick(wxMouseEvent& event) {
   cancelDrag();
-  if (envelope_.hitAt(event.GetPosition()) || doc().wave().frames() == 0) return;
+  if (envelopeAt(event.GetPosition()) || doc().wave().frames() == 0) return;
   selectRegionAt(doc().clampFrame(view_.scale().nearestFrame(event.GetX())));
 }
 
 void WaveformCanvas::onMove(wxMouseEvent& event) {
   event.Skip();
   if (dragging()) return;
-  if (envelope_.hitAt(event.GetPosition())) {
+  if (envelopeAt(event.GetPosition()) || sampleAt(event.GetPosition())) {
     SetCursor(wxCursor(wxCURSOR_HAND));
   } else if (selectionEdgeAt(event.GetX())) {
     SetCursor(wxCursor(wxCURSOR_SIZEWE));
@@ -195,6 +251,10 @@ void WaveformCanvas::onContextMenu(wxContextMenuEvent& event) {
   const wxPoint atCursor(static_cast<int>(std::clamp(view_.scale().x(doc().view().cursor), 0.0, 1e5)),
                          GetClientSize().y / 2);
   const wxPoint at = byKey ? atCursor : ScreenToClient(event.GetPosition());
+  if (!byKey && !view_.settings.popupOnRightClick) {
+    extendSelectionTo(view_.selectionEnd(doc().clampFrame(view_.scale().nearestFrame(at.x))));
+    return;
+  }
   wxMenu menu;
   if (envelope_.addMenuItems(menu, at)) menu.AppendSeparator();
   addMarkerItems(menu, byKey ? doc().view().cursor : doc().clampFrame(view_.scale().nearestFrame(at.x)));

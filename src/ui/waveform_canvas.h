@@ -25,9 +25,23 @@ class WaveformCanvas : public ViewWindow {
  private:
   void paintGrid(wxGraphicsContext& gc, const AmplitudeScale& lane, const wxRect& area);
   void paintAnnotations(wxGraphicsContext& gc, const wxRect& area);
+  void paintSelectionGrid(wxGraphicsContext& gc, const wxRect& area);
+  void paintDraggedSample(wxGraphicsContext& gc);
   void paintFocus(wxGraphicsContext& gc);
 
   void onLeftDown(wxMouseEvent& event);
+  // Takes hold of a volume point or a sample there. True when there was something.
+  bool grabAt(const wxPoint& at);
+  // The end of the selection that is nearer to a frame goes there; without one it reaches from the cursor.
+  // Returns the end that stays.
+  int32_t extendSelectionTo(int32_t frame);
+  // What the volume envelope has under the pointer, as long as its points may be moved.
+  std::optional<EnvelopeLayer::Hit> envelopeAt(const wxPoint& at) const;
+  struct SampleHit {
+    int32_t frame;
+    int channel;
+  };
+  std::optional<SampleHit> sampleAt(const wxPoint& at) const;
   void onDoubleClick(wxMouseEvent& event);
   void onMove(wxMouseEvent& event);
   void onKey(wxKeyEvent& event);

@@ -6,9 +6,12 @@
 #include <wx/version.h>
 
 #include "doc/selection_tempo.h"
+#include "doc/view_geometry.h"
 #include "ui/bpm_dialog.h"
 #include "ui/edit_dialogs.h"
 #include "ui/main_frame.h"
+#include "ui/midi_configuration_dialog.h"
+#include "ui/preferences_dialog.h"
 #include "ui/shortcuts_dialog.h"
 #include "ui/statistics_dialog.h"
 #include "ui/text.h"
@@ -120,18 +123,24 @@ MenuPlan MainFrame::editMenu() {
            [this] { files_.pasteFromSystem(); }},
           kSeparator});
   append(menu.actions, groupedActions(Menu::edit, {"delete", "trim"}));
-  append(menu.actions,
-         {documentAction("silence", "Insert &silence…", "Ctrl+I", "Insert a silent stretch",
-                         [this](CPlumettaDoc& doc) { insertSilence(doc); }),
-          kSeparator,
-          documentAction("select-all", "Select &all", "Ctrl+A", "Select the whole file",
-                         [](CPlumettaDoc& doc) { doc.select(0, doc.lastFrame()); }),
-          documentAction("select-none", "Select &none", "Ctrl+Shift+A", "Take the selection away",
-                         [](CPlumettaDoc& doc) { doc.selectNone(); }),
-          documentAction("go-to", "&Go to…", "Ctrl+G", "Put the cursor at a position",
-                         [this](CPlumettaDoc& doc) { goTo(doc); }),
-          kSeparator,
-          {"preferences", "Pre&ferences…", "", "How editing behaves", [this] { editPreferences(); }}});
+  append(
+      menu.actions,
+      {documentAction("silence", "Insert &silence…", "Ctrl+I", "Insert a silent stretch",
+                      [this](CPlumettaDoc& doc) { insertSilence(doc); }),
+       kSeparator,
+       documentAction("select-all", "Select &all", "Ctrl+A", "Select the whole file",
+                      [](CPlumettaDoc& doc) { doc.select(0, doc.lastFrame()); }),
+       documentAction("select-none", "Select &none", "Ctrl+Shift+A", "Take the selection away",
+                      [](CPlumettaDoc& doc) { doc.selectNone(); }),
+       selectionAction("lengthen", "&Lengthen selection", "Ctrl+]", "By the factor of the preferences",
+                       false),
+       selectionAction("shorten", "S&horten selection", "Ctrl+[", "By the factor of the preferences", true),
+       documentAction("go-to", "&Go to…", "Ctrl+G", "Put the cursor at a position",
+                      [this](CPlumettaDoc& doc) { goTo(doc); }),
+       kSeparator,
+       {"preferences", "Pre&ferences…", "Ctrl+,", "How the editor behaves", [this] { editPreferences(); }},
+       {"midi", "MID&I remote control…", "", "Controllers of MIDI devices that drive the editor",
+        [this] { configureMidi(); }}});
   return menu;
 }
 
@@ -150,8 +159,29 @@ void MainFrame::goTo(CPlumettaDoc& doc) {
   tabs_->activePanel()->showFrame(doc.view().cursor);
 }
 
+Action MainFrame::selectionAction(const char* id, const char* text, const char* key, const char* help,
+                                  bool shorten) {
+  Action action = documentAction(id, text, key, help, [this, shorten](CPlumettaDoc& doc) {
+    const double factor = app_.settings().display.selectionFactor;
+    scaleSelection(doc, shorten ? 1 / factor : factor);
+  });
+  action.enabled = [this] { return tabs_->active() != nullptr && tabs_->active()->view().hasSelection(); };
+  return action;
+}
+
+void MainFrame::scaleSelection(CPlumettaDoc& doc, double factor) {
+  const ViewState& state = doc.view();
+  doc.select(state.lowerBound(),
+             scaledUpper(state.lowerBound(), state.upperBound(), factor, doc.lastFrame()));
+}
+
 void MainFrame::editPreferences() {
-  if (askPreferences(this, app_.settings())) app_.saveSettings();
+  if (askPreferences(this, app_.settings())) applySettings();
+}
+
+void MainFrame::configureMidi() {
+  CMidiConfigurationDlg dialog(this, app_.midi(), app_.settings().midi, app_.prompter());
+  if (dialog.ShowModal() == wxID_OK) app_.saveSettings();
 }
 
 // ---- View and markers
@@ -198,6 +228,11 @@ MenuPlan MainFrame::markerMenu() {
   MenuPlan menu{"&Marker", {}};
   menu.actions.push_back(documentAction("marker-at-cursor", "&Marker at the cursor", "M",
                                         "Mark this position", [this](CPlumettaDoc& doc) { addMarker(doc); }));
+  menu.actions.push_back(documentAction("next-marker", "Go to the &next marker", "N", "",
+                                        [this](CPlumettaDoc& doc) { goToMarker(doc, true); }));
+  menu.actions.push_back(documentAction("previous-marker", "Go to the &previous marker", "Shift+N", "",
+                                        [this](CPlumettaDoc& doc) { goToMarker(doc, false); }));
+  menu.actions.push_back(kSeparator);
   append(menu.actions,
          groupedActions(Menu::marker, {"marker-selection", "", "marker-grid", "set-region", "marker-bpm"}));
   menu.actions.push_back(documentAction("bpm", "B&PM calculator…", "", "The tempo of the selection",
@@ -218,6 +253,15 @@ void MainFrame::showTempo(CPlumettaDoc& doc) {
     return;
   }
   CBpmDlg(this, doc, profile_).ShowModal();
+}
+
+void MainFrame::goToMarker(CPlumettaDoc& doc, bool forward) {
+  const CMarkerList& markers = doc.wave().markers;
+  const int32_t cursor = doc.view().cursor;
+  const auto marker = forward ? markers.nextAfter(cursor) : markers.previousBefore(cursor);
+  if (!marker) return;
+  doc.setCursor(marker->position);
+  tabs_->activePanel()->showFrame(doc.view().cursor);
 }
 
 void MainFrame::showStatistics(CPlumettaDoc& doc) { CStatisticsDlg(this, doc).ShowModal(); }

@@ -22,7 +22,14 @@ double WindowProfile::real(const std::string& section, const std::string& key, d
 }
 
 void WindowProfile::setText(const std::string& section, const std::string& key, const std::string& value) {
-  if (!app_.files().makeFolders(app_.homeFolder()) && writeProfileString(path_, section, key, value)) return;
+  setTexts(section, {{key, value}});
+}
+
+void WindowProfile::setTexts(const std::string& section,
+                             const std::vector<std::pair<std::string, std::string>>& values) {
+  std::vector<ProfileEntry> entries;
+  for (const auto& [key, value] : values) entries.push_back({{section, key}, value});
+  if (!app_.files().makeFolders(app_.homeFolder()) && writeProfileStrings(path_, entries)) return;
   if (failureTold_) return;
   failureTold_ = true;
   app_.prompter().message("Unable to write " + path_ +

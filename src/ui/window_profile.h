@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "app/application.h"
 
@@ -18,6 +20,8 @@ class WindowProfile {
   // The fallback also for what is no number.
   double real(const std::string& section, const std::string& key, double fallback) const;
 
+  // Many at once, in one write.
+  void setTexts(const std::string& section, const std::vector<std::pair<std::string, std::string>>& values);
   void setText(const std::string& section, const std::string& key, const std::string& value);
   void setInteger(const std::string& section, const std::string& key, int value);
   void setReal(const std::string& section, const std::string& key, double value);

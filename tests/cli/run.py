@@ -103,6 +103,31 @@ class Cli(unittest.TestCase):
         after = self.edit("open a.wav resample 4000 filter=off print 0 999").split("\n")[:-1]
         self.assertEqual(after, before[::2])
 
+    def test_settings_are_checked_and_keep_the_file(self):
+        self.assertIn("\n[Routing out]\nChannel00=0\nChannel01=1\nChannel02=-1\n", self.call("settings"))
+        self.assertFalse(os.path.exists(os.path.join(self.path, "home", "plumetta.cfg")), "printing writes nothing")
+        os.makedirs(os.path.join(self.path, "home"), exist_ok=True)
+        with open(os.path.join(self.path, "home", "plumetta.cfg"), "w") as file:
+            file.write("; mine\n[Other]\nkey=1\n[General]\nMRUCount=17\nVSTBPM=90.5\n")
+        self.call("settings", "set", "general", "mrucount", "16")
+        for words, status in [("General MRUCount 0", 1), ("General VSTBPM inf", 1), ("General SelectionMultDivFactor -1", 0),
+                              ("General AudioInBufferSize(sample) 9000", 0), ("General Bogus 1", 2), ("Bogus Loop 1", 2),
+                              ("General Loop", 2), ("General Loop 1 1", 2), ("MidiInCommand MidiCommandPan 256", 1)]:
+            self.call("settings", "set", *words.split(), status=status)
+        text = self.call("settings")
+        for line in ["MRUCount=16", "VSTBPM=90.5000000", "SelectionMultDivFactor=2.0000000",
+                     "AudioInBufferSize(sample)=8192", "MidiCommandPan=41"]:
+            self.assertIn("\n" + line + "\n", text)
+        self.assertTrue(self.read("home/plumetta.cfg").startswith(b"; mine"))
+        self.assertIn(b"key=1", self.read("home/plumetta.cfg"))
+
+    def test_midi_listen_refuses_wrong_calls(self):
+        for words in ["", "talk", "listen now", "listen --device", "listen --device x", "listen --device -1",
+                      "listen --seconds", "listen --seconds nan", "listen --seconds -1"]:
+            self.call("midi", *words.split(), status=2)
+        self.call("midi", "listen", "--device", "250", "--seconds", "0", status=1)
+        self.assertEqual(self.err.strip(), "message: Unable to start midi in driver")
+
     def test_whole_call_is_parsed_before_the_first_step_runs(self):
         for chain in ["open a.wav save b.wav bogus", "open a.wav save b.wav select 1", "open a.wav save b.wav cursor x",
                       "open a.wav save b.wav active", "open a.wav save b.wav active solo=x", "", "open",
@@ -180,19 +205,49 @@ class Cli(unittest.TestCase):
         self.edit("open a.wav save-range 1 1000 r.wav", status=1)
         self.edit("open a.wav save missing/b.wav", status=3)
 
+    def test_raw_takes_are_inserted_as_recordings_are(self):
+        def write(name, *floats, tail=b""):
+            with open(os.path.join(self.path, name), "wb") as file:
+                file.write(struct.pack(f"<{len(floats)}f", *floats) + tail)
+        write("take.raw", 0.5, 0.25, -0.5, -0.25)
+        write("damaged.raw", 0.5, 0.25, float("nan"), float("inf"), tail=b"12345")
+        state = self.state("new 8000 1 16 4 marker 1 marker 3 loop 2 3 envelope-reset import-raw take.raw 2 2")
+        self.assertEqual((state["channels"], state["frames"], state["modified"], state["can_undo"]),
+                         (2, 6, True, True))
+        self.assertEqual([marker["position"] for marker in state["markers"]], [1, 5, 2])
+        self.assertEqual((state["loops"][0]["start"], state["loops"][0]["end"]), (2, 5))
+        self.assertEqual([points[-1]["position"] for points in state["envelope"]["channels"]], [5, 5])
+        for document, take, printed in [
+                ("new 8000 2 16 1", "take.raw 2 1", "0\t0\n0.5\t0.25\n-0.5\t-0.25\n"),
+                ("new 8000 2 16 0", "take.raw 1 0", "0.5\t0.5\n0.25\t0.25\n-0.5\t-0.5\n-0.25\t-0.25\n"),
+                ("new 8000 3 16 1", "take.raw 2 0", "0.5\t0.25\t0\n-0.5\t-0.25\t0\n0\t0\t0\n"),
+                ("new 8000 1 16 1", "damaged.raw 2 0", "0.5\t0.25\n0\t0\n0\t0\n")]:
+            self.assertEqual(self.edit(f"{document} import-raw {take} print 0 9"), printed, take)
+        self.assertIn("ends in the middle of a frame", self.err)
+        self.assertIn("became silence: 2.", self.err)
+        self.assertEqual(self.edit("new 8000 2 16 1 import-raw take.raw 2 0 undo print 0 9 history"),
+                         "0\t0\nRecord : 0.0 seconds\nUndo\n")
+        for take, status in [("none.raw 2 0", 3), (". 2 0", 3), ("take.raw 2 2", 1), ("take.raw 2 -1", 1),
+                             ("take.raw 3 0", 1), ("take.raw 0 0", 1), ("take.raw 17 0", 1), ("take.raw 2", 2)]:
+            self.edit(f"new 8000 2 16 1 import-raw {take} print 0 9", status=status)
+
+    def test_record_refuses_wrong_calls(self):
+        for words in [[], ["a.wav"], ["--seconds", "1"], ["a.wav", "--seconds", "0"], ["a.wav", "--seconds", "nan"],
+                      ["a.xyz", "--seconds", "1"], ["a.wav", "--seconds", "1", "--rate", "88200"],
+                      ["a.wav", "--seconds", "1", "--bits", "32"], ["a.wav", "b.wav", "--seconds", "1"],
+                      ["a.wav", "--seconds", "1", "--device", "-1"]]:
+            before = self.read("a.wav")
+            self.call("record", *words, status=2)
+            self.assertEqual(self.read("a.wav"), before)
+
     def test_undo_in_files_leaves_nothing_behind(self):
         self.call("settings", "set", "General", "Undo in RAM", "0")
         state = self.state("open a.wav select 1 5 cut cut cut undo undo undo redo undo")
         self.assertEqual((state["frames"], state["can_undo"], state["can_redo"]), (1000, False, True))
         self.assertEqual(os.listdir(os.path.join(self.path, "home")), ["plumetta.cfg"])
 
-    def test_settings_print_and_change_with_their_checks(self):
-        self.assertEqual(self.call("settings"), "[General]\nPasteReplace=1\nUndo in RAM=1\n")
+    def test_paste_obeys_its_setting(self):
         self.call("settings", "set", "general", "pastereplace", "0")
-        self.call("settings", "set", "General", "PasteReplace", "2", status=1)
-        self.call("settings", "set", "General", "Nothing", "1", status=2)
-        self.call("settings", "set", "General", status=2)
-        self.assertIn("PasteReplace=0\n", self.call("settings"))
         self.assertEqual(self.state("open a.wav select 0 9 copy select 20 39 paste")["frames"], 1010)
 
     def test_spectrum_is_saved_and_shown(self):

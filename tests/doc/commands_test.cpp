@@ -128,6 +128,17 @@ TEST_F(Commands, PasteOfAnotherLayoutIsRefusedUnlessMono) {
   EXPECT_EQ(history_.names(), std::vector<std::string>{"Paste"});
 }
 
+TEST_F(Commands, OneSampleIsDrawnAndTakenBack) {
+  ASSERT_TRUE(run("sample", {at(7), number(1), -0.5}));
+  EXPECT_EQ(doc_->wave().sample(7, 1), -0.5f);
+  EXPECT_EQ(doc_->wave().sample(7, 0), 7.0f);
+  EXPECT_EQ(history_.names(), std::vector<std::string>{"Sample moved"});
+  const Arguments refused[] = {{at(100), number(0), 0.0}, {at(0), number(2), 0.0}, {at(0), number(0), 1.5}};
+  for (const Arguments& arguments : refused) EXPECT_FALSE(run("sample", arguments));
+  ASSERT_TRUE(run("undo"));
+  EXPECT_EQ(doc_->wave().sample(7, 1), 7.01f);
+}
+
 TEST_F(Commands, TrimNeedsASelectionAndResetsTheView) {
   EXPECT_FALSE(run("trim"));
   EXPECT_EQ(prompter_.messages, std::vector<std::string>{"Create selection first"});

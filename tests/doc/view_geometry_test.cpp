@@ -128,6 +128,38 @@ TEST(RulerTicks, countInStepsOfTheClock) {
   EXPECT_DOUBLE_EQ(frameTicks(0.001, 80).major, 1);
 }
 
+TEST(RulerTicks, countAndWriteInTheFormatThatIsChosen) {
+  const struct {
+    TimeFormat format;
+    double major;  // frames, for labels at least 20000 frames apart at 48 kHz
+    const char* position;
+    const char* label;  // of the second tick
+  } cases[] = {
+      {kTimeSamples, 20000, "60 000", "20 000"},
+      {kTimeSeconds, 24000, "1.2500", "0.5"},
+      {kTimeMilliseconds, 24000, "1 250.0", "500"},
+      {kTimeClock, 24000, "0:00:01.250", "0:00:00.5"},
+  };
+  for (const auto& c : cases) {
+    const TickSpacing ticks = ticksIn(c.format, 200, 48000, 100);
+    EXPECT_DOUBLE_EQ(ticks.major, c.major) << c.format;
+    EXPECT_EQ(positionIn(c.format, ticks.major, 48000, ticks.timeDecimals), c.label);
+    EXPECT_EQ(positionIn(c.format, 60000, 48000), c.position);
+  }
+  EXPECT_DOUBLE_EQ(ticksIn(kTimeSeconds, 48000 * 0.15, 48000, 100).major, 20 * 48000) << "no minutes";
+  EXPECT_EQ(positionIn(kTimeSeconds, 59.99996 * 48000, 48000), "60.0000");
+}
+
+TEST(Selections, AreLengthenedAndShortened) {
+  const struct {
+    int32_t lower, upper;
+    double factor;
+    int32_t result;
+  } cases[] = {{10, 19, 2, 29},   {10, 29, 0.5, 19},  {10, 19, 1000, 99}, {10, 19, 1e300, 99},
+               {10, 12, 0.1, 11}, {10, 12, 1e-9, 11}, {90, 99, 2, 99},    {0, 2, 1.5, 4}};
+  for (const auto& c : cases) EXPECT_EQ(scaledUpper(c.lower, c.upper, c.factor, 99), c.result) << c.factor;
+}
+
 TEST(RulerTicks, writeTimesAndCounts) {
   EXPECT_EQ(formatTime(0), "0:00:00.000");
   EXPECT_EQ(formatTime(3725.0625), "1:02:05.063");

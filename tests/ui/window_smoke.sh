@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Opens a file in the real window on a virtual display, cuts everything, undoes it, saves and leaves, all by
-# keys, and holds the saved samples against the original ones. Call: window_smoke.sh PROGRAM
+# keys, comes back to it, and holds the saved samples against the original ones. Call: window_smoke.sh PROGRAM
 # Exit status 77: the tools for it are missing.
 set -u
 
@@ -88,6 +88,16 @@ press ctrl+q
 wait_for 20 has_ended || fail "the window did not close"
 wait "$program_pid"; status=$?
 [ $status -eq 0 ] || fail "exit status $status"
+
+# Without a file the one of last time is opened again.
+"$program" --home "$folder/home" >>"$folder/said" 2>&1 &
+program_pid=$!
+wait_for 60 title_is "tone.wav" || fail "the file of last time was not opened again"
+window=$(xdotool search --onlyvisible --pid "$program_pid" --name 'tone.wav' | head -1)
+xdotool windowfocus --sync "$window" 2>/dev/null
+sleep 1
+press ctrl+q
+wait_for 20 has_ended || fail "the window did not close again"
 
 python3 - "$folder/original.wav" "$folder/tone.wav" <<'PYTHON' || fail "the saved samples differ"
 import sys

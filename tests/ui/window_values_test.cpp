@@ -67,8 +67,9 @@ class Profile : public testing::Test {
   WindowProfile profile{app};
 };
 
-TEST_F(Profile, RecentFilesAreTenTheNewestFirstAndSurviveARestart) {
-  RecentFiles recent(profile);
+TEST_F(Profile, RecentFilesAreAFewTheNewestFirstAndSurviveARestart) {
+  int most = 10;
+  RecentFiles recent(profile, most);
   int changes = 0;
   recent.onChanged = [&] { ++changes; };
   for (int i = 1; i <= 12; ++i) recent.add("/music/" + std::to_string(i) + ".wav");
@@ -83,7 +84,14 @@ TEST_F(Profile, RecentFilesAreTenTheNewestFirstAndSurviveARestart) {
     expected.push_back("/music/" + std::to_string(i) + ".wav");
   EXPECT_EQ(recent.paths(), expected);
   WindowProfile reopened(app);
-  EXPECT_EQ(RecentFiles(reopened).paths(), expected);
+  EXPECT_EQ(RecentFiles(reopened, most).paths(), expected);
+
+  most = 3;
+  recent.followSettings();
+  expected.resize(3);
+  EXPECT_EQ(recent.paths(), expected);
+  most = 16;
+  EXPECT_EQ(RecentFiles(reopened, most).paths(), expected);
 }
 
 TEST_F(Profile, ValuesThatMakeNoSenseLeaveTheFallback) {

@@ -14,11 +14,15 @@ std::string executableFolder() {
   return error ? std::string(".") : folderOf(self.string());
 }
 
+std::string personalFolder() {
+  const char* home = std::getenv("HOME");
+  return home != nullptr && home[0] == '/' ? home : "/";
+}
+
 std::string userConfigFolder() {
   const char* config = std::getenv("XDG_CONFIG_HOME");
   if (config != nullptr && config[0] == '/') return joinPath(config, "plumetta");
-  const char* home = std::getenv("HOME");
-  return joinPath(joinPath(home != nullptr ? home : "/", ".config"), "plumetta");
+  return joinPath(joinPath(personalFolder(), ".config"), "plumetta");
 }
 
 std::string absolutePath(const std::string& path) {

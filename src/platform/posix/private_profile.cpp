@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/private_profile.h"
 
-#include <optional>
-#include <vector>
+#include <algorithm>
+#include <map>
 
 #include "platform/file_system.h"
 #include "platform/lock_file.h"
@@ -20,132 +20,175 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-std::string_view unquoted(std::string_view text) {
-  const bool quoted = text.size() >= 2 && text.front() == text.back() && (text[0] == '"' || text[0] == '\'');
-  return quoted ? text.substr(1, text.size() - 2) : text;
+// Names compare without case, of Latin letters alone.
+std::string folded(std::string_view name) {
+  std::string small(name);
+  for (char& c : small) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return small;
 }
 
-// A profile as its lines, each with its own line end, so that what isn't touched stays byte for byte.
-class Profile {
+// The whole file; nothing when there is one that can't be read to its end. A missing one is empty.
+std::optional<std::string> contentOf(const std::string& path) {
+  std::error_code error;
+  const auto file = nativeFileSystem().openForReading(path, error);
+  if (error == std::errc::no_such_file_or_directory) return std::string();
+  if (!file || file->size() > kLargestProfile) return std::nullopt;
+  std::string text(static_cast<size_t>(file->size()), '\0');
+  text.resize(file->read(text.data(), text.size(), error));
+  return error ? std::nullopt : std::optional(text);
+}
+
+// Where the wanted keys stand in a text, found in one walk over it whatever it holds.
+class ProfileScan {
  public:
-  explicit Profile(const std::string& path) : path_(path) {
-    std::error_code error;
-    const auto file = nativeFileSystem().openForReading(path, error);
-    if (error == std::errc::no_such_file_or_directory) return;
-    complete_ = file && file->size() <= kLargestProfile;
-    if (!complete_) return;
-    std::string text(static_cast<size_t>(file->size()), '\0');
-    text.resize(file->read(text.data(), text.size(), error));
-    complete_ = !error;
-    if (text.starts_with(kByteOrderMark)) {
-      hasMark_ = true;
-      text.erase(0, kByteOrderMark.size());
-    }
-    for (size_t start = 0; start < text.size();) {
-      const size_t end = text.find('\n', start);
-      const size_t next = end == std::string::npos ? text.size() : end + 1;
-      lines_.push_back(text.substr(start, next - start));
+  struct Line {
+    size_t begin, end;  // with its line end
+  };
+
+  ProfileScan(const std::string& text, const std::vector<ProfileName>& names) : text_(text) {
+    for (const ProfileName& name : names) sections_[folded(name.section)].keys[folded(name.key)];
+    size_t start = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+    while (start < text.size()) {
+      const size_t lineEnd = text.find('\n', start);
+      const size_t next = lineEnd == std::string::npos ? text.size() : lineEnd + 1;
+      look({start, next});
       start = next;
     }
   }
 
-  std::optional<std::string> value(std::string_view section, std::string_view key) const {
-    const auto line = findKey(section, key);
-    if (!line) return std::nullopt;
-    const std::string_view text = trimmed(lines_[*line]);
-    return std::string(unquoted(trimmed(text.substr(text.find('=') + 1))));
+  std::optional<Line> lineOf(const ProfileName& name) const {
+    return sections_.at(folded(name.section)).keys.at(folded(name.key));
   }
-
-  void setValue(const std::string& section, const std::string& key, const std::string& value) {
-    const std::string lineEnd = lines_.empty() || lines_[0].ends_with("\r\n") ? "\r\n" : "\n";
-    const std::string line = key + "=" + value + lineEnd;
-    if (const auto found = findKey(section, key)) {
-      lines_[*found] = line;
-      return;
-    }
-    if (!lines_.empty() && !lines_.back().ends_with('\n')) lines_.back() += lineEnd;
-    const auto head = findSection(section);
-    if (!head) {
-      lines_.push_back("[" + section + "]" + lineEnd);
-      lines_.push_back(line);
-      return;
-    }
-    size_t place = sectionEnd(*head);
-    while (place > *head + 1 && trimmed(lines_[place - 1]).empty()) --place;
-    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(place), line);
-  }
-
-  // Beside the file first and then in its place, so that a crash leaves the old one or the new one.
-  bool save() const {
-    // What couldn't be read whole would be lost by writing it.
-    if (!complete_) return false;
-    FileSystem& files = nativeFileSystem();
-    const std::string target = files.resolveLinks(path_);
-    const std::string passing = target + "." + std::to_string(processId());
-    std::string text(hasMark_ ? kByteOrderMark : std::string_view());
-    for (const std::string& line : lines_) text += line;
-    std::error_code error;
-    files.remove(passing);  // a killed process of the same number may have left one
-    auto file = files.createNew(passing, error);
-    if (!file) return false;
-    error = file->write(text.data(), text.size());
-    const auto closeError = file->close();
-    if (!error && !closeError && !files.adoptAccess(passing, target) &&
-        !files.replace(passing, target, false)) {
-      return true;
-    }
-    files.remove(passing);
-    return false;
-  }
+  // Behind the last line of a section that holds something; nothing when there is no such section.
+  std::optional<size_t> endOf(const std::string& section) const { return sections_.at(folded(section)).end; }
 
  private:
-  static bool isSection(std::string_view line) { return trimmed(line).starts_with('['); }
+  struct Section {
+    std::map<std::string, std::optional<Line>> keys;
+    std::optional<size_t> end;
+  };
 
-  std::optional<size_t> findSection(std::string_view section) const {
-    for (size_t i = 0; i < lines_.size(); ++i) {
-      const std::string_view text = trimmed(lines_[i]);
-      if (!text.starts_with('[') || text.find(']') == std::string_view::npos) continue;
-      if (sameProfileName(trimmed(text.substr(1, text.find(']') - 1)), section)) return i;
-    }
-    return std::nullopt;
-  }
-
-  size_t sectionEnd(size_t head) const {
-    size_t end = head + 1;
-    while (end < lines_.size() && !isSection(lines_[end])) ++end;
-    return end;
-  }
-
-  std::optional<size_t> findKey(std::string_view section, std::string_view key) const {
-    const auto head = findSection(section);
-    if (!head) return std::nullopt;
-    for (size_t i = *head + 1; i < sectionEnd(*head); ++i) {
-      const std::string_view text = trimmed(lines_[i]);
+  void look(Line line) {
+    const std::string_view text = trimmed(std::string_view(text_).substr(line.begin, line.end - line.begin));
+    if (text.starts_with('[')) {
+      enter(text, line);
+    } else if (current_ != nullptr && !text.empty()) {
+      current_->end = line.end;
       const size_t equals = text.find('=');
-      if (text.starts_with(';') || equals == std::string_view::npos) continue;
-      if (sameProfileName(trimmed(text.substr(0, equals)), key)) return i;
+      if (text.starts_with(';') || equals == std::string_view::npos) return;
+      const auto found = current_->keys.find(folded(trimmed(text.substr(0, equals))));
+      if (found != current_->keys.end() && !found->second) found->second = line;
     }
-    return std::nullopt;
   }
 
-  std::string path_;
-  std::vector<std::string> lines_;
-  bool hasMark_ = false;
-  bool complete_ = true;  // false when there is a file that couldn't be read to its end
+  // The first of two sections of one name counts.
+  void enter(std::string_view head, Line line) {
+    current_ = nullptr;
+    const size_t close = head.find(']');
+    if (close == std::string_view::npos) return;
+    const auto found = sections_.find(folded(trimmed(head.substr(1, close - 1))));
+    if (found == sections_.end() || found->second.end) return;
+    current_ = &found->second;
+    current_->end = line.end;
+  }
+
+  const std::string& text_;
+  std::map<std::string, Section> sections_;
+  Section* current_ = nullptr;
 };
+
+// A stretch of the text and what takes its place.
+struct Edit {
+  size_t begin, end;
+  std::string text;
+};
+
+std::string lineEndOf(const std::string& text) {
+  const size_t first = text.find('\n');
+  const bool plain = first != std::string::npos && (first == 0 || text[first - 1] != '\r');
+  return plain ? "\n" : "\r\n";
+}
+
+std::string withEntries(const std::string& text, const std::vector<ProfileEntry>& entries) {
+  std::vector<ProfileName> names;
+  for (const ProfileEntry& entry : entries) names.push_back(entry.name);
+  const ProfileScan scan(text, names);
+  const std::string lineEnd = lineEndOf(text);
+  std::vector<Edit> edits;
+  std::vector<std::pair<std::string, std::string>> newSections;  // name, lines
+  for (const auto& [name, value] : entries) {
+    const std::string line = name.key + "=" + value + lineEnd;
+    if (const auto found = scan.lineOf(name)) {
+      edits.push_back({found->begin, found->end, line});
+    } else if (const auto end = scan.endOf(name.section)) {
+      const bool open = *end > 0 && text[*end - 1] != '\n';
+      const bool first = std::ranges::none_of(edits, [&](const Edit& e) { return e.end == *end && open; });
+      edits.push_back({*end, *end, open && first ? lineEnd + line : line});
+    } else {
+      const auto same = [&](const auto& own) { return sameProfileName(own.first, name.section); };
+      auto own = std::ranges::find_if(newSections, same);
+      if (own == newSections.end()) {
+        own = newSections.insert(own, {name.section, "[" + name.section + "]" + lineEnd});
+      }
+      own->second += line;
+    }
+  }
+  // Replaced lines before what is added behind them.
+  std::ranges::stable_sort(edits, {}, [](const Edit& e) { return std::pair(e.begin, e.end); });
+  std::string result;
+  size_t at = 0;
+  for (const Edit& edit : edits) {
+    result.append(text, at, edit.begin - at).append(edit.text);
+    at = edit.end;
+  }
+  result.append(text, at);
+  if (!newSections.empty() && !result.empty() && !result.ends_with('\n') && result != kByteOrderMark) {
+    result += lineEnd;
+  }
+  for (const auto& [name, lines] : newSections) result += lines;
+  return result;
+}
+
+// Beside the file first and then in its place.
+bool replaceContent(const std::string& path, const std::string& text) {
+  FileSystem& files = nativeFileSystem();
+  const std::string target = files.resolveLinks(path);
+  const std::string passing = target + "." + std::to_string(processId());
+  std::error_code error;
+  files.remove(passing);  // a killed process of the same number may have left one
+  auto file = files.createNew(passing, error);
+  if (!file) return false;
+  error = file->write(text.data(), text.size());
+  const auto closeError = file->close();
+  if (!error && !closeError && !files.adoptAccess(passing, target) &&
+      !files.replace(passing, target, false)) {
+    return true;
+  }
+  files.remove(passing);
+  return false;
+}
 
 }  // namespace
 
-std::string readProfileString(const std::string& path, const std::string& section, const std::string& key,
-                              const std::string& fallback) {
-  return Profile(path).value(section, key).value_or(fallback);
+std::vector<std::optional<std::string>> readProfileStrings(const std::string& path,
+                                                           const std::vector<ProfileName>& names) {
+  const std::string text = contentOf(path).value_or("");
+  const ProfileScan scan(text, names);
+  std::vector<std::optional<std::string>> values;
+  for (const ProfileName& name : names) {
+    std::optional<std::string>& value = values.emplace_back();
+    const auto line = scan.lineOf(name);
+    if (!line) continue;
+    const std::string_view whole = std::string_view(text).substr(line->begin, line->end - line->begin);
+    value = profileValueOf(whole.substr(whole.find('=') + 1));
+  }
+  return values;
 }
 
-bool writeProfileString(const std::string& path, const std::string& section, const std::string& key,
-                        const std::string& value) {
-  Profile profile(path);
-  profile.setValue(section, key, value);
-  return profile.save();
+bool writeProfileStrings(const std::string& path, const std::vector<ProfileEntry>& entries) {
+  const auto text = contentOf(path);
+  if (!text) return false;  // what couldn't be read whole would be lost by writing it
+  return replaceContent(path, withEntries(*text, entries));
 }
 
 }  // namespace plumetta

@@ -19,22 +19,48 @@ void onAlarm(pa_mainloop_api*, pa_time_event*, const timeval*, void* alarm) {
 
 void onContextState(pa_context*, void* connection) { static_cast<PulseConnection*>(connection)->wake(); }
 
-struct SinkList {
-  std::vector<PulseConnection::Device> sinks;
-  std::string defaultName;
+struct DeviceList {
+  std::vector<PulseConnection::Device> devices;
+  std::vector<PulseConnection::Device> monitors;  // sources that hear what a sink plays
+  std::string defaultSink, defaultSource;
   PulseConnection* connection;
+
+  void bringToFront(const std::string& name) {
+    std::stable_partition(devices.begin(), devices.end(),
+                          [&](const auto& each) { return each.name == name; });
+  }
 };
 
+void takeText(const char* text, std::string& target) {
+  if (text != nullptr) target = text;
+}
+
+template <class Info>
+PulseConnection::Device deviceOf(const Info* info) {
+  return {info->name, info->description != nullptr ? info->description : info->name};
+}
+
 void onServer(pa_context*, const pa_server_info* server, void* list) {
-  auto* own = static_cast<SinkList*>(list);
-  if (server != nullptr && server->default_sink_name != nullptr) own->defaultName = server->default_sink_name;
+  auto* own = static_cast<DeviceList*>(list);
+  if (server != nullptr) {
+    takeText(server->default_sink_name, own->defaultSink);
+    takeText(server->default_source_name, own->defaultSource);
+  }
   own->connection->wake();
 }
 
 void onSink(pa_context*, const pa_sink_info* sink, int end, void* list) {
-  auto* own = static_cast<SinkList*>(list);
-  if (end == 0)
-    own->sinks.push_back({sink->name, sink->description != nullptr ? sink->description : sink->name});
+  auto* own = static_cast<DeviceList*>(list);
+  if (end == 0) own->devices.push_back(deviceOf(sink));
+  own->connection->wake();
+}
+
+void onSource(pa_context*, const pa_source_info* source, int end, void* list) {
+  auto* own = static_cast<DeviceList*>(list);
+  if (end == 0) {
+    const bool monitor = source->monitor_of_sink != PA_INVALID_INDEX;
+    (monitor ? own->monitors : own->devices).push_back(deviceOf(source));
+  }
   own->connection->wake();
 }
 
@@ -89,12 +115,21 @@ int PulseConnection::finish(pa_operation* operation) {
 }
 
 int PulseConnection::listSinks(std::vector<Device>& sinks) {
-  SinkList list{{}, {}, this};
+  DeviceList list{{}, {}, {}, {}, this};
   if (const int error = finish(pa_context_get_server_info(context_, onServer, &list))) return error;
   if (const int error = finish(pa_context_get_sink_info_list(context_, onSink, &list))) return error;
-  std::stable_partition(list.sinks.begin(), list.sinks.end(),
-                        [&](const Device& sink) { return sink.name == list.defaultName; });
-  sinks = std::move(list.sinks);
+  list.bringToFront(list.defaultSink);
+  sinks = std::move(list.devices);
+  return 0;
+}
+
+int PulseConnection::listSources(std::vector<Device>& sources) {
+  DeviceList list{{}, {}, {}, {}, this};
+  if (const int error = finish(pa_context_get_server_info(context_, onServer, &list))) return error;
+  if (const int error = finish(pa_context_get_source_info_list(context_, onSource, &list))) return error;
+  list.devices.insert(list.devices.end(), list.monitors.begin(), list.monitors.end());
+  list.bringToFront(list.defaultSource);
+  sources = std::move(list.devices);
   return 0;
 }
 

@@ -52,6 +52,8 @@ class PulseConnection {
   };
   // The outputs; that which the server takes by default comes first, the others in the server's order.
   int listSinks(std::vector<Device>& sinks);
+  // The inputs, the default one first in the same way; the monitors of outputs follow the real inputs.
+  int listSources(std::vector<Device>& sources);
 
  private:
   bool failed() const;

@@ -16,12 +16,13 @@ std::wstring environmentVariable(const wchar_t* name) {
   return value;
 }
 
-std::wstring roamingFolder() {
-  const std::wstring named = environmentVariable(L"APPDATA");
+// A folder of the person's: by its environment variable, else as the shell knows it.
+std::wstring knownFolder(const wchar_t* variable, int shellNumber) {
+  const std::wstring named = environmentVariable(variable);
   if (!named.empty()) return named;
   wchar_t folder[MAX_PATH] = {};
-  return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder)) ? folder
-                                                                                                  : L".";
+  return SUCCEEDED(SHGetFolderPathW(nullptr, shellNumber, nullptr, SHGFP_TYPE_CURRENT, folder)) ? folder
+                                                                                                : L".";
 }
 
 }  // namespace
@@ -38,7 +39,9 @@ std::string executableFolder() {
   }
 }
 
-std::string userConfigFolder() { return narrow(roamingFolder()) + "\\Plumetta"; }
+std::string personalFolder() { return narrow(knownFolder(L"USERPROFILE", CSIDL_PROFILE)); }
+
+std::string userConfigFolder() { return narrow(knownFolder(L"APPDATA", CSIDL_APPDATA)) + "\\Plumetta"; }
 
 std::string absolutePath(const std::string& path) { return narrow(fullPath(path)); }
 
