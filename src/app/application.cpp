@@ -9,6 +9,7 @@
 namespace plumetta {
 namespace {
 
+constexpr int kMostBlockFrames = 4096;
 constexpr const char* kPastedName = "paste.wav";
 
 }  // namespace
@@ -17,7 +18,9 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
     : home_(programFolder(home)),
       settingsFile_(joinPath(home_, "plumetta.cfg")),
       undoFolder_(files, home_),
-      services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr} {
+      services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr},
+      transport_(audioLock_, [this] { return startOutput && startOutput(); }),
+      playbackEngine_(audioLock_, transport_.controls(), kMostBlockFrames) {
   if (!home.empty()) {
     if (const auto error = files.makeFolders(home_)) {
       prompter.message("Unable to make the folder " + home_ + "\n" + error.message());
@@ -85,6 +88,7 @@ CPlumettaDoc* Application::adoptPasted(std::unique_ptr<CPlumettaDoc> document, c
 }
 
 void Application::closeDocument(CPlumettaDoc& document) {
+  transport_.release(document);
   std::erase_if(documents_, [&](const auto& own) { return own.get() == &document; });
 }
 
