@@ -116,23 +116,13 @@ TEST_F(Engine, PositionGoesWhereSelectionLoopAndRateSay) {
     double position;
     int heardFrames;
   };
+  // clang-format off
   const Case cases[] = {
       {"from the cursor", 9, 44100, 3, {}, false, false, true, {3, 4, 5, 6}, true, 7, 4},
       {"to the end of the file", 5, 44100, 3, {}, false, false, true, {3, 4, -1, -1}, false, 7, 2},
       {"the end is met by the next block", 4, 44100, 0, {}, false, false, true, {0, 1, 2, 3}, true, 4, 4},
       {"an empty file", 0, 44100, 0, {}, false, false, true, {-1, -1}, false, 2, 0},
-      {"a selection, its last frame held",
-       9,
-       44100,
-       0,
-       {5, 3},
-       false,
-       false,
-       true,
-       {3, 4, 5, 5, 5},
-       false,
-       5,
-       3},
+      {"a selection, its last frame held", 9, 44100, 0, {5, 3}, false, false, true, {3, 4, 5, 5, 5}, false, 5, 3},
       {"a loop over a selection", 9, 44100, 7, {2, 4}, true, false, true, {2, 3, 4, 2, 3, 4, 2}, true, 3, 7},
       {"a loop over the file", 3, 44100, 1, {4, 4}, true, false, true, {1, 2, 0, 1, 2, 0}, true, 1, 6},
       {"a file of one frame has no loop", 1, 44100, 0, {}, true, false, true, {0, -1, -1}, false, 3, 1},
@@ -140,20 +130,10 @@ TEST_F(Engine, PositionGoesWhereSelectionLoopAndRateSay) {
       {"half the rate", 9, 22050, 1, {}, false, false, true, {1, 1, 2, 2, 3}, true, 3.5, 5},
       {"half the rate, not converted", 9, 22050, 1, {}, false, false, false, {1, 2, 3}, true, 4, 3},
       {"double rate", 9, 88200, 0, {0, 5}, true, false, true, {0, 2, 4, 0, 2}, true, 4, 5},
-      {"half the rate, a selection ends",
-       9,
-       22050,
-       0,
-       {1, 2},
-       false,
-       false,
-       true,
-       {1, 1, 2, 2, 2},
-       false,
-       2,
-       4},
+      {"half the rate, a selection ends", 9, 22050, 0, {1, 2}, false, false, true, {1, 1, 2, 2, 2}, false, 2.5, 4},
       {"a selection beyond the file", 3, 44100, 0, {1, 8}, false, false, true, {1, 2, -1, -1}, false, 5, 2},
   };
+  // clang-format on
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     Tape tape(1, c.frames, c.rate);
