@@ -9,6 +9,7 @@
 namespace plumetta {
 namespace {
 
+constexpr int kMostBlockFrames = 4096;
 constexpr const char* kPastedName = "paste.wav";
 
 }  // namespace
@@ -18,7 +19,9 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
       settingsFile_(joinPath(home_, "plumetta.cfg")),
       midi_(nativeMidiInSystem(), generalVolume_),
       undoFolder_(files, home_),
-      services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr} {
+      services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr},
+      transport_(audioLock_, [this] { return startOutput && startOutput(); }),
+      playbackEngine_(audioLock_, transport_.controls(), kMostBlockFrames) {
   if (!home.empty()) {
     if (const auto error = files.makeFolders(home_)) {
       prompter.message("Unable to make the folder " + home_ + "\n" + error.message());
@@ -88,6 +91,7 @@ CPlumettaDoc* Application::adoptPasted(std::unique_ptr<CPlumettaDoc> document, c
 }
 
 void Application::closeDocument(CPlumettaDoc& document) {
+  transport_.release(document);
   std::erase_if(documents_, [&](const auto& own) { return own.get() == &document; });
 }
 

@@ -8,6 +8,8 @@
 
 #include "app/settings.h"
 #include "audio/midi_remote.h"
+#include "audio/playback_engine.h"
+#include "audio/transport.h"
 #include "core/audio_lock.h"
 #include "core/prompter.h"
 #include "core/undo_folder.h"
@@ -47,6 +49,12 @@ class Application {
   void setSystemClipboard(SystemClipboard* clipboard) { services_.systemClipboard = clipboard; }
   const CWave* clipboard() const { return clipboard_.get(); }
 
+  Transport& transport() { return transport_; }
+  PlaybackEngine& playbackEngine() { return playbackEngine_; }
+  // Starts the device that pulls the engine's callback, where it isn't running yet; without one nothing
+  // plays.
+  std::function<bool()> startOutput;
+
   // Null when the file could not be opened (a message has said so) or the person cancelled.
   CPlumettaDoc* openDocument(const std::string& path, FileOutcome& outcome);
   // Null when no buffer can have these values.
@@ -57,6 +65,7 @@ class Application {
   // The audio that another program has put on the system clipboard; null when there is none or it can't be
   // read (a message has said so).
   CPlumettaDoc* pasteFromSystemClipboard();
+  // Playing it stops first.
   void closeDocument(CPlumettaDoc& document);
   // In the order of opening.
   const std::vector<std::unique_ptr<CPlumettaDoc>>& documents() const { return documents_; }
@@ -75,6 +84,8 @@ class Application {
   std::shared_ptr<const CWave> clipboard_;
   UndoFolder undoFolder_;
   DocumentServices services_;
+  Transport transport_;
+  PlaybackEngine playbackEngine_;
   std::vector<std::unique_ptr<CPlumettaDoc>> documents_;
 };
 

@@ -40,8 +40,9 @@ std::vector<ParsedStep> parse(WordReader& words) {
         name == "active" && (words.atEnd() || words.peek().find('=') == std::string::npos);
     if (wantsOption) words.fail("active: all, solo=C, off=C, on=C or toggle=C is missing");
     chain.push_back({step, readArguments(words, step->parameters, name)});
-    const bool unknown = !words.failed() && step->known != nullptr && !step->known(chain.back().arguments);
-    if (unknown) words.fail(name + ": there is no such one");
+    if (words.failed() || step->fault == nullptr) continue;
+    const std::string fault = step->fault(chain.back().arguments);
+    if (!fault.empty()) words.fail(name + ": " + fault);
   }
   if (chain.empty()) words.fail("edit: a step is missing");
   return chain;

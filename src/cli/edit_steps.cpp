@@ -157,20 +157,18 @@ std::vector<Parameter> activeParameters() {
 }
 
 StepOutcome setActive(EditSession& session, const StepArguments& arguments) {
-  CWave& wave = session.doc->wave();
+  const CWave& wave = session.doc->wave();
   for (size_t i = 0; i < std::size(kActiveOptions); ++i) {
     const int64_t channel = integerOf(arguments, i);
     if (channel == kNotGiven) continue;
     if (channel < 0 || channel >= wave.channels()) return StepOutcome::refused;
-    wave.setActive(kActiveOptions[i].operation, static_cast<int>(channel));
+    session.doc->setActive(kActiveOptions[i].operation, static_cast<int>(channel));
   }
-  session.doc->annotationsChanged();
   return StepOutcome::done;
 }
 
 StepOutcome activeAll(EditSession& session, const StepArguments&) {
-  session.doc->wave().setActive(ActiveOperation::all, 0);
-  session.doc->annotationsChanged();
+  session.doc->setActive(ActiveOperation::all, 0);
   return StepOutcome::done;
 }
 
@@ -199,16 +197,18 @@ std::optional<int64_t> quickEffectNumber(const std::string& word) {
   return std::nullopt;
 }
 
-bool knownQuickEffect(const StepArguments& arguments) {
-  return quickEffectNumber(std::get<std::string>(arguments[0])).has_value();
+constexpr const char* kNoSuchOne = "there is no such one";
+
+std::string quickEffectFault(const StepArguments& arguments) {
+  return quickEffectNumber(std::get<std::string>(arguments[0])) ? "" : kNoSuchOne;
 }
 
 StepOutcome quick(EditSession& session, const StepArguments& arguments) {
   return runFamily(session, "quick-", *quickEffectNumber(std::get<std::string>(arguments[0])), {});
 }
 
-bool knownChannelOperation(const StepArguments& arguments) {
-  return findCommand("channel-" + std::to_string(integerOf(arguments, 0))) != nullptr;
+std::string channelOperationFault(const StepArguments& arguments) {
+  return findCommand("channel-" + std::to_string(integerOf(arguments, 0))) != nullptr ? "" : kNoSuchOne;
 }
 
 StepOutcome channel(EditSession& session, const StepArguments& arguments) {
@@ -308,8 +308,9 @@ std::vector<EditStep> ownSteps() {
        true,
        quick,
        nullptr,
-       knownQuickEffect},
-      {"channel", {integer("op"), index}, true, channel, nullptr, knownChannelOperation},
+       quickEffectFault},
+      {"channel", {integer("op"), index}, true, channel, nullptr, channelOperationFault},
+      bounceStep(),
       {"stats", {levels}, true, printStatistics, nullptr},
       {"state", {}, true, printState, nullptr},
       {"print", {frame("from"), frame("to")}, true, printSamples, nullptr},

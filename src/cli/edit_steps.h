@@ -27,12 +27,16 @@ struct EditStep {
   bool needsDocument;
   StepOutcome (*run)(EditSession& session, const StepArguments& arguments);
   const Command* command;  // set instead of `run`
-  // Whether the arguments name something that there is; null where any will do.
-  bool (*known)(const StepArguments& arguments) = nullptr;
+  // What is wrong with the arguments of a call, whatever the document; empty for nothing. Null where any will
+  // do.
+  std::string (*fault)(const StepArguments& arguments) = nullptr;
 };
 
 // All steps: those of the command line alone, then every row of the command table.
 const std::vector<EditStep>& editSteps();
+
+// Plays the document into a file.
+EditStep bounceStep();
 
 StepOutcome runStep(EditSession& session, const EditStep& step, const StepArguments& arguments);
 

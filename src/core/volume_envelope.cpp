@@ -41,6 +41,12 @@ void dropCollisions(std::vector<EnvelopePoint>& points) {
     points.erase(std::remove_if(points.begin() + 1, points.end() - 1, collides), points.end() - 1);
 }
 
+std::vector<EnvelopePoint>::const_iterator firstBeyond(const std::vector<EnvelopePoint>& points,
+                                                       int32_t position) {
+  return std::upper_bound(points.begin(), points.end(), position,
+                          [](int32_t at, const EnvelopePoint& p) { return at < p.position; });
+}
+
 float saneValue(float value) {
   if (std::isnan(value)) return 0.5f;  // unity: a damaged point changes nothing
   return std::clamp(value, 0.0f, 1.0f);
@@ -148,8 +154,7 @@ bool CVolumeEnvelope::insertPoint(int32_t position, float value, int channel, En
   if (static_cast<int>(kind) >= kEnvelopeKinds) return false;
   if (!active()) reset();
   auto& points = channels_[channel].points;
-  const auto behind = std::upper_bound(points.begin(), points.end(), position,
-                                       [](int32_t at, const EnvelopePoint& p) { return at < p.position; });
+  const auto behind = firstBeyond(points, position);
   if (behind == points.begin() || std::prev(behind)->position == position) return false;
   points.insert(behind, EnvelopePoint{position, saneValue(value), kind});
   return true;
@@ -212,15 +217,31 @@ void CVolumeEnvelope::scale(double ratio) {
 }
 
 float CVolumeEnvelope::gainAt(int32_t position, int channel) const {
-  if (!active()) return 1.0f;
-  if (position >= length_ || !valid(channel)) return 0.0f;
+  float gain = 0.0f;
+  gainsAt(&position, 1, channel, &gain);
+  return gain;
+}
+
+void CVolumeEnvelope::gainsAt(const int32_t* positions, int count, int channel, float* gains) const {
+  if (!active() || !valid(channel)) {
+    std::fill_n(gains, count, active() ? 0.0f : 1.0f);
+    return;
+  }
   const auto& points = channels_[channel].points;
-  const auto behind = std::upper_bound(points.begin(), points.end(), position,
-                                       [](int32_t at, const EnvelopePoint& p) { return at < p.position; });
-  if (behind == points.begin()) return 0.0f;
-  const EnvelopePoint& left = *std::prev(behind);
-  if (left.position == position || behind == points.end()) return left.value;
-  return 2.0f * curveAt(left, *behind, position);
+  auto behind = points.begin();  // the first point beyond the last frame looked at
+  for (int i = 0; i < count; ++i) {
+    const int32_t position = positions[i];
+    const bool sameSegment = behind != points.begin() && std::prev(behind)->position <= position &&
+                             (behind == points.end() || position < behind->position);
+    if (!sameSegment) behind = firstBeyond(points, position);
+    if (position >= length_ || behind == points.begin()) {
+      gains[i] = 0.0f;
+      continue;
+    }
+    const EnvelopePoint& left = *std::prev(behind);
+    const bool atPoint = left.position == position || behind == points.end();
+    gains[i] = atPoint ? left.value : 2.0f * curveAt(left, *behind, position);
+  }
 }
 
 void CVolumeEnvelope::apply(float* samples, int32_t first, int32_t frames) const {

@@ -67,6 +67,9 @@ class CVolumeEnvelope {
   // The gain at a frame: 1 when inactive, 0 at or beyond the length. Exactly at a point it is that point's
   // stored value, not doubled, for the view reads point values through this.
   float gainAt(int32_t position, int channel) const;
+  // The gains at `count` frames, the same bits as one by one; quick where they mostly ascend. Below 0 the
+  // gain is 0.
+  void gainsAt(const int32_t* positions, int count, int channel, float* gains) const;
   // Multiplies `frames` frames of interleaved samples, `channelCount()` to a frame, that stand from frame
   // `first` of the buffer on.
   void apply(float* samples, int32_t first, int32_t frames) const;

@@ -15,6 +15,13 @@ constexpr const char* kDeleteQuestion = "Do you want to delete all the volume en
 
 Parameter channelParameter() { return positionalInteger("channel", "Channel", 0, kMaxChannels - 1); }
 
+// Playing reads the envelope under the audio lock, so every change of it waits for a moment without a reader.
+template <class Change>
+auto changeEnvelope(CommandCall& call, Change change) {
+  const AudioLockHeld held(call.doc.services().audioLock);
+  return change(call.doc.wave());
+}
+
 // A flat envelope with a channel for each of the audio's, where there is none yet.
 void makeActive(CWave& wave) {
   if (wave.envelope.active() && wave.envelope.channelCount() == wave.channels()) return;
@@ -51,14 +58,15 @@ std::optional<Refusal> checkPoint(CommandCall& call) {
 }
 
 std::optional<Refusal> runPoint(CommandCall& call) {
-  CWave& wave = call.doc.wave();
   const auto position = static_cast<int32_t>(call.frames(kPosition));
   const auto value = static_cast<float>(call.real(kValue));
   const auto channel = static_cast<int>(call.integer(kChannel));
-  makeActive(wave);
-  if (!wave.envelope.insertPoint(position, value, channel, static_cast<EnvelopeKind>(call.integer(kKind)))) {
-    return Refusal{};
-  }
+  const auto kind = static_cast<EnvelopeKind>(call.integer(kKind));
+  const bool inserted = changeEnvelope(call, [&](CWave& wave) {
+    makeActive(wave);
+    return wave.envelope.insertPoint(position, value, channel, kind);
+  });
+  if (!inserted) return Refusal{};
   char text[96];
   std::snprintf(text, sizeof text, "Volume point added : ch=%d at %d (%2.2f)", channel, position, value);
   call.doc.prompter().status(text);
@@ -76,7 +84,7 @@ std::optional<Refusal> checkRemovePoint(CommandCall& call) {
 std::optional<Refusal> runRemovePoint(CommandCall& call) {
   const auto index = static_cast<int>(call.integer(0));
   const auto channel = static_cast<int>(call.integer(1));
-  call.doc.wave().envelope.removePoint(index, channel);
+  changeEnvelope(call, [&](CWave& wave) { wave.envelope.removePoint(index, channel); });
   char text[96];
   std::snprintf(text, sizeof text, "Volume point suppressed : ch=%d num=%d", channel, index);
   call.doc.prompter().status(text);
@@ -117,16 +125,19 @@ std::optional<Refusal> checkMovePoint(CommandCall& call) {
 }
 
 std::optional<Refusal> runMovePoint(CommandCall& call) {
-  CVolumeEnvelope& envelope = call.doc.wave().envelope;
-  envelope.setPosition(pointIndex(call), pointChannel(call), static_cast<int32_t>(call.frames(2)));
-  envelope.setValue(pointIndex(call), pointChannel(call), static_cast<float>(call.real(3)));
+  const auto position = static_cast<int32_t>(call.frames(2));
+  changeEnvelope(call, [&](CWave& wave) {
+    wave.envelope.setPosition(pointIndex(call), pointChannel(call), position);
+    wave.envelope.setValue(pointIndex(call), pointChannel(call), static_cast<float>(call.real(3)));
+  });
   tellPointChanged(call);
   return std::nullopt;
 }
 
 std::optional<Refusal> runPointKind(CommandCall& call) {
   const auto kind = static_cast<EnvelopeKind>(call.integer(2));
-  call.doc.wave().envelope.setKind(pointIndex(call), pointChannel(call), kind);
+  changeEnvelope(call,
+                 [&](CWave& wave) { wave.envelope.setKind(pointIndex(call), pointChannel(call), kind); });
   tellPointChanged(call);
   return std::nullopt;
 }
@@ -147,7 +158,8 @@ std::string pointKindName(CommandCall& call) {
 
 std::optional<Refusal> runResetPoint(CommandCall& call) {
   constexpr float kUnity = 0.5f;
-  call.doc.wave().envelope.setValue(pointIndex(call), pointChannel(call), kUnity);
+  changeEnvelope(call,
+                 [&](CWave& wave) { wave.envelope.setValue(pointIndex(call), pointChannel(call), kUnity); });
   tellPointChanged(call);
   return std::nullopt;
 }
@@ -155,8 +167,10 @@ std::optional<Refusal> runResetPoint(CommandCall& call) {
 // ---- The whole envelope ---------------------------------------------------------------------------------
 
 std::optional<Refusal> runReset(CommandCall& call) {
-  makeActive(call.doc.wave());
-  call.doc.wave().envelope.reset();
+  changeEnvelope(call, [](CWave& wave) {
+    makeActive(wave);
+    wave.envelope.reset();
+  });
   return std::nullopt;
 }
 
@@ -167,7 +181,7 @@ std::optional<Refusal> checkClear(CommandCall& call) {
 }
 
 std::optional<Refusal> runClear(CommandCall& call) {
-  call.doc.wave().envelope.clear();
+  changeEnvelope(call, [](CWave& wave) { wave.envelope.clear(); });
   return std::nullopt;
 }
 
@@ -177,7 +191,8 @@ std::optional<Refusal> checkInvert(CommandCall& call) {
 }
 
 std::optional<Refusal> runInvert(CommandCall& call) {
-  call.doc.wave().envelope.invert(static_cast<int>(call.integer(0)));
+  const auto channel = static_cast<int>(call.integer(0));
+  changeEnvelope(call, [&](CWave& wave) { wave.envelope.invert(channel); });
   return std::nullopt;
 }
 

@@ -42,13 +42,17 @@ int32_t CPlumettaDoc::clampFrame(int64_t frame) const {
 void CPlumettaDoc::select(int64_t from, int64_t to) { setSelectionExactly(clampFrame(from), clampFrame(to)); }
 
 void CPlumettaDoc::setSelectionExactly(int32_t start, int32_t end) {
+  takeWound();
   view_.selectionStart = start;
   view_.selectionEnd = end;
+  tellPlayback();
   if (listener_ != nullptr) listener_->viewChanged();
 }
 
 void CPlumettaDoc::setCursor(int64_t frame) {
+  takeWound();
   view_.cursor = clampFrame(frame);
+  tellPlayback();
   if (listener_ != nullptr) listener_->viewChanged();
 }
 
@@ -56,6 +60,45 @@ void CPlumettaDoc::setScrollAndZoom(double firstVisibleFrame, double framesPerPi
   view_.firstVisibleFrame = firstVisibleFrame;
   view_.framesPerPixel = framesPerPixel;
   if (listener_ != nullptr) listener_->viewChanged();
+}
+
+void CPlumettaDoc::setActive(ActiveOperation operation, int channel) {
+  {
+    const AudioLockHeld lock(services_.audioLock);
+    wave_.setActive(operation, channel);
+  }
+  annotationsChanged();
+}
+
+// ---- What playing moves ---------------------------------------------------------------------------------
+
+// Cursor and selection as playing sees them.
+void CPlumettaDoc::tellPlayback() {
+  playback().wound = false;
+  playback().cursor = view_.cursor;
+  playback().selection = SelectionEnds{view_.selectionStart, view_.selectionEnd};
+}
+
+// Winding carries the cursor along and leaves nothing selected.
+bool CPlumettaDoc::takeWound() {
+  if (!playback().wound.exchange(false)) return false;
+  const SelectionEnds selection = playback().selection;
+  view_.cursor = clampFrame(playback().cursor);
+  view_.selectionStart = clampFrame(selection.start);
+  view_.selectionEnd = clampFrame(selection.end);
+  return true;
+}
+
+void CPlumettaDoc::followPlayback() {
+  const bool wound = takeWound();
+  const bool ended = playback().redraw.exchange(false);
+  if ((wound || ended) && listener_ != nullptr) listener_->viewChanged();
+}
+
+void CPlumettaDoc::playbackStopped() {
+  takeWound();
+  playback().playCursor = view_.cursor;
+  if (listener_ != nullptr) listener_->playbackStopped();
 }
 
 CPlumettaDoc::Range CPlumettaDoc::selectionOrAll() const {
@@ -70,6 +113,7 @@ bool CPlumettaDoc::createNew(uint32_t sampleRate, int channels, int bits, int64_
                              uint16_t formatTag) {
   if (!wave_.create(sampleRate, channels, bits, frames, formatTag)) return false;
   view_ = {};
+  tellPlayback();
   samplesChanged();
   return true;
 }
@@ -77,6 +121,7 @@ bool CPlumettaDoc::createNew(uint32_t sampleRate, int channels, int bits, int64_
 void CPlumettaDoc::setViewState(const ViewState& state) {
   view_ = state;
   view_.cursor = clampFrame(state.cursor);
+  tellPlayback();
   if (listener_ != nullptr) listener_->viewChanged();
 }
 

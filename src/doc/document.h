@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/display_state.h"
+#include "core/playback_source.h"
 #include "core/undo.h"
 #include "core/wave.h"
 #include "doc/document_services.h"
@@ -26,6 +27,7 @@ class DocumentListener {
   virtual void annotationsChanged() = 0;  // markers, loops, envelope, active channels
   virtual void viewChanged() = 0;         // selection, cursor, scroll position or zoom
   virtual void titleChanged() = 0;        // title or modified flag
+  virtual void playbackStopped() = 0;     // by command: the cursor is to come into sight
 };
 
 enum class FileOutcome {
@@ -37,12 +39,12 @@ enum class FileOutcome {
 
 // One open audio file: its samples, its undo journal, what is selected and where it is looked at. Views read
 // it and change it through commands alone (doc/command.h). UI thread.
-class CPlumettaDoc : public DisplayState {
+class CPlumettaDoc : public DisplayState, public PlaybackSource {
  public:
   explicit CPlumettaDoc(DocumentServices& services);
 
   CWave& wave() { return wave_; }
-  const CWave& wave() const { return wave_; }
+  const CWave& wave() const noexcept override { return wave_; }
   CDoUndo& journal() { return journal_; }
   const CDoUndo& journal() const { return journal_; }
   DocumentServices& services() const { return services_; }
@@ -61,7 +63,7 @@ class CPlumettaDoc : public DisplayState {
   void selectNone() { select(0, 0); }
   // Ends exactly as given, for commands that state them.
   void setSelectionExactly(int32_t start, int32_t end);
-  void setCursor(int64_t frame);
+  void setCursor(int64_t frame) override;
   void setScrollAndZoom(double firstVisibleFrame, double framesPerPixel);
   const ViewState& view() const { return view_; }
 
@@ -72,6 +74,13 @@ class CPlumettaDoc : public DisplayState {
   Range selectionOrAll() const;
   // The selection, or the one frame at the selection point.
   Range selectionOrPoint() const;
+
+  // Which channels editing acts on and playing lets through.
+  void setActive(ActiveOperation operation, int channel);
+
+  // Takes over what playing has moved or ended since the last look; asked on a timer while something plays.
+  void followPlayback();
+  void playbackStopped() override;
 
   // The marker that was clicked; the next delete takes it instead of audio.
   std::optional<int> selectedMarker;
@@ -100,6 +109,8 @@ class CPlumettaDoc : public DisplayState {
   void annotationsChanged();
 
  private:
+  bool takeWound();
+  void tellPlayback();
   FileOutcome report(const SaveResult& result, const std::string& path);
   FileOutcome writeWithProgress(const std::string& path, const std::string& title,
                                 const std::function<SaveResult()>& write);

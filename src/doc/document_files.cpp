@@ -56,6 +56,7 @@ FileOutcome CPlumettaDoc::load(const std::string& path) {
     return FileOutcome::fileError;
   }
   view_ = {};
+  tellPlayback();
   setTitle(fileNameOf(path));
   setModified(false);
   samplesChanged();

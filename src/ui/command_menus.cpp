@@ -109,11 +109,8 @@ MenuPlan MainFrame::channelMenu() {
     }
     menu.actions.push_back(action);
   }
-  Action all =
-      documentAction("all-channels", "&All channels active", "", "Edit every channel", [](CPlumettaDoc& doc) {
-        doc.wave().setActive(ActiveOperation::all, 0);
-        doc.annotationsChanged();
-      });
+  Action all = documentAction("all-channels", "&All channels active", "", "Edit every channel",
+                              [](CPlumettaDoc& doc) { doc.setActive(ActiveOperation::all, 0); });
   all.enabled = [this] { return tabs_->active() != nullptr && !tabs_->active()->wave().allActive(); };
   menu.actions.push_back(all);
   return menu;

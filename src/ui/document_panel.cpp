@@ -113,6 +113,11 @@ void DocumentPanel::titleChanged() {
   if (onTitleChanged) onTitleChanged();
 }
 
+void DocumentPanel::playbackStopped() {
+  showFrame(view_.doc.view().cursor);
+  refreshAll();
+}
+
 void DocumentPanel::onCanvasSize(wxSizeEvent& event) {
   view_.setWidth(std::max(canvas_->GetClientSize().x, 1));
   refreshAll();

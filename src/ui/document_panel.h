@@ -52,6 +52,7 @@ class DocumentPanel : public wxPanel, public DocumentListener {
   void annotationsChanged() override;
   void viewChanged() override;
   void titleChanged() override;
+  void playbackStopped() override;
 
   void SetFocus() override;
 

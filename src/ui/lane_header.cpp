@@ -100,14 +100,12 @@ void LaneHeader::onLeftDown(wxMouseEvent& event) {
     solo(*channel, wasAlone_);
     return;
   }
-  doc().wave().setActive(ActiveOperation::toggle, *channel);
-  doc().annotationsChanged();
+  doc().setActive(ActiveOperation::toggle, *channel);
 }
 
 // Once more on the one channel that is on brings all of them back.
 void LaneHeader::solo(int channel, bool wasAlone) {
-  doc().wave().setActive(wasAlone ? ActiveOperation::all : ActiveOperation::solo, channel);
-  doc().annotationsChanged();
+  doc().setActive(wasAlone ? ActiveOperation::all : ActiveOperation::solo, channel);
 }
 
 void LaneHeader::onMove(wxMouseEvent& event) {

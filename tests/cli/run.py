@@ -246,6 +246,25 @@ class Cli(unittest.TestCase):
         self.assertEqual((state["frames"], state["can_undo"], state["can_redo"]), (1000, False, True))
         self.assertEqual(os.listdir(os.path.join(self.path, "home")), ["plumetta.cfg"])
 
+    def test_bounce_writes_what_playing_would_hand_to_a_device(self):
+        changes = "open a.wav quick Invert select 10 19 cursor 500 "
+        before, after = self.state(changes), self.state(changes + "bounce b.wav rate=16000 channels=3 route=1,,0")
+        self.assertEqual(after, before)
+        state = self.state("open b.wav")
+        self.assertEqual((state["rate"], state["channels"], state["bits"], state["format_tag"], state["frames"]),
+                         (16000, 3, 32, 3, 20))
+        printed = self.edit("open a.wav quick Invert print 10 10 print 19 19").splitlines()
+        crossed = "".join("{1}\t0\t{0}\n".format(*line.split("\t")) for line in printed)
+        self.assertEqual(self.edit("open b.wav print 0 0 print 19 19"), crossed)
+        self.assertEqual(self.state("open a.wav bounce c.wav rate=8000 loop=on whole=on open c.wav")["frames"], 1000)
+        self.assertEqual(self.state("open a.wav bounce c.wav loop=on frames=1s open c.wav")["frames"], 8000)
+        self.assertEqual(self.state("new 8000 1 16 0 bounce c.wav open c.wav")["frames"], 0)
+        self.edit("open a.wav bounce missing/c.wav", status=3)
+        for wrong in ["loop=on", "loop=on frames=-1", "rate=0", "buffer=0", "channels=17", "channels=0", "frames=-2",
+                      "volume=nan", "route=0,x", "route=-2", "route=" + ",".join("0" * 17), "loop=yes"]:
+            self.edit("open a.wav bounce c.wav save d.wav bounce d.wav " + wrong, status=2)
+            self.assertFalse(os.path.exists(os.path.join(self.path, "d.wav")), wrong)
+
     def test_paste_obeys_its_setting(self):
         self.call("settings", "set", "general", "pastereplace", "0")
         self.assertEqual(self.state("open a.wav select 0 9 copy select 20 39 paste")["frames"], 1010)

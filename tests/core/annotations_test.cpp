@@ -150,6 +150,22 @@ TEST_F(Envelope, ForeignPointsAreBroughtIntoOrder) {
   EXPECT_EQ(positions().size(), 4u);
 }
 
+TEST(EnvelopeGains, ComeOutTheSameInAnyOrderOfFrames) {
+  CVolumeEnvelope envelope;
+  envelope.setLengthField(100);
+  envelope.addChannel();
+  for (int i = 1; i < 9; ++i) {
+    envelope.insertPoint(i * 11, static_cast<float>(i) / 10, 0, static_cast<EnvelopeKind>(i % 4));
+  }
+  // Up, twice each, over the end, and back as a loop does.
+  std::vector<int32_t> frames{50, 51, 20, 99, 100, 5, -1, 11, 11, 10, 98, 0};
+  for (int32_t f = 0; f < 100; ++f) frames.insert(frames.end(), {f, f});
+  std::vector<float> gains(frames.size(), -1.0f);
+  envelope.gainsAt(frames.data(), static_cast<int>(frames.size()), 0, gains.data());
+  for (size_t i = 0; i < frames.size(); ++i) EXPECT_EQ(gains[i], envelope.gainAt(frames[i], 0)) << frames[i];
+  EXPECT_FLOAT_EQ(gains[0], 2 * (0.4f + 0.1f * 6 / 11));  // a straight line from 44 to 55
+}
+
 TEST(Regions, LieBetweenMarkersAndTheEnds) {
   auto wave = countingWave(1, 1000);
   for (int p : {600, 300, 300, 5000}) wave->markers.add(p);

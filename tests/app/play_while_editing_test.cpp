@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The engine with the application's documents: what playing moves in them, and playing while they change.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <thread>
+
+#include "app/application.h"
+#include "doc/command.h"
+#include "support/forbid_allocation.h"
+#include "support/recording_prompter.h"
+#include "support/temporary_folder.h"
+#include "support/waves.h"
+
+namespace plumetta {
+namespace {
+
+class Playing : public testing::Test {
+ protected:
+  Playing() {
+    for (size_t c = 0; c < buffers.size(); ++c) buffers[c] = room.data() + c * kFrames;
+    app.playbackEngine().setBuffers(buffers);
+    app.startOutput = [] { return true; };
+  }
+
+  CPlumettaDoc& open(int channels, int32_t frames) {
+    CPlumettaDoc& doc = *app.newDocument(44100, channels, 32, 0, kFormatFloat);
+    doc.wave().insertBuffer(*countingWave(channels, frames), 0);
+    return doc;
+  }
+  void pull() {
+    std::array<float*, kOutputChannels> channels{};
+    int frames = kFrames;
+    int channelCount = 2;
+    const ForbidAllocation forbid;
+    PlaybackEngine::callback(&app.playbackEngine(), channels.data(), &frames, &channelCount);
+    for (int i = 0; i < frames; ++i) loudest = std::max(loudest, std::abs(channels[1][i]));
+  }
+
+  static constexpr int kFrames = 256;
+  TemporaryFolder folder;
+  RecordingPrompter prompter;
+  Application app{prompter, nativeFileSystem(), folder.file("home")};
+  PlaybackControls& controls = app.transport().controls();
+  std::vector<float> room = std::vector<float>(size_t{kOutputChannels} * kFrames);
+  std::array<float*, kOutputChannels> buffers{};
+  float loudest = 0;
+};
+
+TEST_F(Playing, WindingCarriesCursorAndSelectionOfTheDocumentAlong) {
+  CPlumettaDoc& doc = open(1, 100000);
+  doc.setCursor(5000);
+  app.transport().toggleForward(&doc);
+  pull();
+  EXPECT_EQ(doc.view().cursor, 5000) << "the document looks when it is asked to";
+  doc.followPlayback();
+  EXPECT_EQ(doc.view().cursor, 5000 + 5 * kFrames);
+  pull();
+  doc.select(10, 20);  // by hand, meanwhile
+  doc.followPlayback();
+  EXPECT_EQ(doc.view().cursor, 5000 + 10 * kFrames);
+  EXPECT_EQ(doc.view().selectionEnd, 20);
+  app.transport().stop();
+  EXPECT_EQ(doc.playback().playCursor, 5000 + 10 * kFrames);
+}
+
+TEST_F(Playing, FollowsSelectionAndMutedChannelsAndEndsWithTheDocument) {
+  CPlumettaDoc& doc = open(2, 1000);
+  doc.select(100, 900);
+  app.transport().play(&doc);
+  EXPECT_EQ(doc.playback().position, 100);
+  doc.setActive(ActiveOperation::off, 1);
+  pull();
+  EXPECT_EQ(loudest, 0.0f);
+  doc.setActive(ActiveOperation::all, 0);
+  pull();
+  EXPECT_EQ(loudest, 0.999f);
+  app.closeDocument(doc);
+  EXPECT_FALSE(controls.playing);
+  loudest = 0;
+  pull();
+  EXPECT_EQ(loudest, 0.0f);
+}
+
+// Has a state of its own, as plug-ins do.
+class Rack : public BlockProcessor {
+ public:
+  void setSampleRate(int) override {}
+  void setPosition(double) noexcept override {}
+  void setPlaying(bool) noexcept override {}
+  void process(float** channels, int, int) noexcept override { state_ = channels[0][0]; }
+
+ private:
+  float state_ = 0;
+};
+
+// What a person does in one moment, at random.
+class Editor {
+ public:
+  Editor(Application& app, CPlumettaDoc& doc, unsigned seed) : app_(app), doc_(doc), random_(seed) {
+    for (const Command& command : commandTable()) {
+      if (command.parameters.empty()) commands_.push_back(&command);
+    }
+  }
+
+  void act() {
+    doc_.select(frame(), frame());
+    doc_.setCursor(frame());
+    doc_.setActive(ActiveOperation::toggle, below(doc_.wave().channels()));
+    runCommand(doc_, *commands_[static_cast<size_t>(below(static_cast<int>(commands_.size())))]);
+    editEnvelope();
+    drive();
+    doc_.followPlayback();
+  }
+
+ private:
+  int below(int end) { return static_cast<int>(random_() % static_cast<unsigned>(end)); }
+  int frame() { return below(doc_.lastFrame() + 1); }
+
+  void editEnvelope() {
+    const Command& command = *findCommand(below(2) == 0 ? "envelope-point" : "envelope-invert");
+    Arguments arguments = fallbackArguments(command);
+    if (arguments.size() > 1) arguments[0] = FrameOrTime{static_cast<double>(frame()), false};
+    runCommand(doc_, command, std::move(arguments));
+  }
+  void drive() {
+    Transport& transport = app_.transport();
+    switch (below(8)) {
+      case 0:
+        transport.toggleForward(&doc_);
+        break;
+      case 1:
+        transport.toggleRewind(&doc_);
+        break;
+      case 2:
+        transport.stop();
+        break;
+      case 3:
+        transport.toggleLoop();
+        break;
+      default:
+        if (!transport.controls().playing) transport.play(&doc_);
+    }
+  }
+
+  Application& app_;
+  CPlumettaDoc& doc_;
+  std::mt19937 random_;
+  std::vector<const Command*> commands_;
+};
+
+// For the thread sanitizer above all: one thread pulls, the other edits, drives, closes and opens.
+TEST_F(Playing, GoesOnWhileADocumentIsEdited) {
+  std::atomic<bool> ended{false};
+  std::atomic<int> blocks{0};
+  std::thread device([&] {
+    for (; !ended; ++blocks) pull();
+  });
+  controls.rackEnabled = true;
+  for (unsigned round = 0; round < 8; ++round) {
+    CPlumettaDoc& doc = open(1 + static_cast<int>(round % 3), 20000);
+    Rack rack;
+    app.playbackEngine().setRack(&rack);
+    Editor editor(app, doc, round);
+    for (int step = 0; step < 150; ++step) editor.act();
+    app.playbackEngine().setRack(nullptr);
+    app.closeDocument(doc);
+  }
+  while (blocks == 0) std::this_thread::yield();
+  ended = true;
+  device.join();
+}
+
+}  // namespace
+}  // namespace plumetta

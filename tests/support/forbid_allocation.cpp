@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/forbid_allocation.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local int forbidden = 0;
+
+void abortWhereForbidden(const char* what) {
+  if (forbidden == 0) return;
+  forbidden = 0;  // what reports the end may allocate
+  std::fputs(what, stderr);
+  std::abort();
+}
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+  abortWhereForbidden("Memory was allocated on the audio thread\n");
+  if (void* memory = std::malloc(bytes > 0 ? bytes : 1)) return memory;
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t bytes) { return ::operator new(bytes); }
+void operator delete(void* memory) noexcept {
+  abortWhereForbidden("Memory was freed on the audio thread\n");
+  std::free(memory);
+}
+void operator delete[](void* memory) noexcept { ::operator delete(memory); }
+void operator delete(void* memory, std::size_t) noexcept { ::operator delete(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { ::operator delete(memory); }
+
+namespace plumetta {
+
+ForbidAllocation::ForbidAllocation() { ++forbidden; }
+ForbidAllocation::~ForbidAllocation() { --forbidden; }
+
+}  // namespace plumetta
