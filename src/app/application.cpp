@@ -9,30 +9,43 @@
 namespace plumetta {
 namespace {
 
-constexpr int kMostBlockFrames = 4096;
 constexpr const char* kPastedName = "paste.wav";
 
 }  // namespace
 
-Application::Application(Prompter& prompter, FileSystem& files, const std::string& home)
+Application::Application(Prompter& prompter, FileSystem& files, const std::string& home,
+                         WaveOutSystem& waveOut)
     : home_(programFolder(home)),
       settingsFile_(joinPath(home_, "plumetta.cfg")),
-      midi_(nativeMidiInSystem(), generalVolume_),
       undoFolder_(files, home_),
       services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr},
-      transport_(audioLock_, [this] { return startOutput && startOutput(); }),
-      playbackEngine_(audioLock_, transport_.controls(), kMostBlockFrames) {
+      transport_(audioLock_, [this] { return startOutput(); }),
+      playbackEngine_(audioLock_, transport_.controls(), AudioPlayer::kBufferFrames),
+      output_(prompter, playbackEngine_, transport_, waveOut),
+      midi_(nativeMidiInSystem(), transport_.controls().generalVolume) {
   if (!home.empty()) {
     if (const auto error = files.makeFolders(home_)) {
       prompter.message("Unable to make the folder " + home_ + "\n" + error.message());
     }
   }
+  startOutput = [this] { return output_.start(settings_.output); };
   settingsFile_.load(settings_);
-  generalVolume_ = static_cast<float>(settings_.playback.generalVolume);
+  generalVolume() = static_cast<float>(settings_.playback.generalVolume);
+  applyPlaybackSettings();
   undoFolder_.removeLeftovers();
 }
 
 std::string Application::profilePath() const { return joinPath(home_, "plumetta.ini"); }
+
+void Application::applyPlaybackSettings() {
+  PlaybackControls& controls = transport_.controls();
+  const PlaybackSettings& playback = settings_.playback;
+  controls.loop = playback.loop;
+  controls.windSpeed = playback.windSpeed;
+  controls.resampling = playback.realTimeResampling;
+  controls.automation = playback.playEnvelope;
+  for (size_t k = 0; k < controls.routing.size(); ++k) controls.routing[k] = playback.routing[k];
+}
 
 bool Application::saveSettings() {
   if (!services_.files.makeFolders(home_) && settingsFile_.save(settings_)) return true;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/output_device.h"
 #include "app/settings.h"
 #include "audio/midi_remote.h"
 #include "audio/playback_engine.h"
@@ -24,7 +25,8 @@ namespace plumetta {
 class Application {
  public:
   // `home` overrides the program's own folder; it is made when missing. Empty means the usual one.
-  Application(Prompter& prompter, FileSystem& files, const std::string& home);
+  Application(Prompter& prompter, FileSystem& files, const std::string& home,
+              WaveOutSystem& waveOut = nativeWaveOut());
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
 
@@ -38,8 +40,8 @@ class Application {
 
   // The factor that is heard now. MIDI writes it from threads of its own; `rememberVolume` takes it over into
   // the settings.
-  std::atomic<float>& generalVolume() { return generalVolume_; }
-  void rememberVolume() { settings_.playback.generalVolume = generalVolume_; }
+  std::atomic<float>& generalVolume() { return transport_.controls().generalVolume; }
+  void rememberVolume() { settings_.playback.generalVolume = generalVolume(); }
   MidiRemote& midi() { return midi_; }
 
   Prompter& prompter() { return services_.prompter; }
@@ -51,9 +53,12 @@ class Application {
 
   Transport& transport() { return transport_; }
   PlaybackEngine& playbackEngine() { return playbackEngine_; }
-  // Starts the device that pulls the engine's callback, where it isn't running yet; without one nothing
-  // plays.
+  OutputDevice& output() { return output_; }
+  // Starts what pulls the engine's callback, where it isn't running yet: the output device, unless somebody
+  // else pulls.
   std::function<bool()> startOutput;
+  // Brings the settings of playback to where the audio thread obeys them; after each change of them.
+  void applyPlaybackSettings();
 
   // Null when the file could not be opened (a message has said so) or the person cancelled.
   CPlumettaDoc* openDocument(const std::string& path, FileOutcome& outcome);
@@ -79,13 +84,13 @@ class Application {
   Settings settings_;
   SettingsFile settingsFile_;
   bool settingsFailureTold_ = false;
-  std::atomic<float> generalVolume_{1.0f};
-  MidiRemote midi_;
   std::shared_ptr<const CWave> clipboard_;
   UndoFolder undoFolder_;
   DocumentServices services_;
   Transport transport_;
   PlaybackEngine playbackEngine_;
+  OutputDevice output_;
+  MidiRemote midi_;
   std::vector<std::unique_ptr<CPlumettaDoc>> documents_;
 };
 

@@ -1,16 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/audio_player.h"
 
-#include "platform/private_profile.h"
-
 namespace plumetta {
 namespace {
-
-constexpr const char* kSection = "General";
-constexpr const char* kDeviceKey = "AudioOutId";
-constexpr const char* kRateKey = "AudioOutSampleRate";
-constexpr const char* kBitDepthKey = "AudioOutBitDepth";
-constexpr const char* kBufferKey = "AudioOutBufferSize(sample)";
 
 int fittingBuffer(int frames) {
   return frames < 1 || frames > AudioPlayer::kBufferFrames ? AudioPlayer::kBufferFrames : frames;
@@ -47,6 +39,10 @@ void AudioPlayer::SelectDriver(int useAsio) {
   active_ = chosen;
 }
 
+void AudioPlayer::SetBitDepth(int bits) {
+  if (bits == 8 || bits == 16) bitDepth_ = bits;
+}
+
 void AudioPlayer::SetOutput(int deviceIndex, int bufferFrames, int sampleRate) {
   deviceIndex_ = deviceIndex;
   bufferFrames_ = fittingBuffer(bufferFrames);
@@ -57,24 +53,6 @@ void AudioPlayer::GetOutput(int& deviceIndex, int& bufferFrames, int& sampleRate
   deviceIndex = deviceIndex_;
   bufferFrames = bufferFrames_;
   sampleRate = sampleRate_;
-}
-
-void AudioPlayer::LoadSettings(const std::string& file) {
-  const auto read = [&](const char* key, int present) {
-    return readProfileInt(file, kSection, key, present);
-  };
-  SetOutput(read(kDeviceKey, deviceIndex_), read(kBufferKey, bufferFrames_), read(kRateKey, sampleRate_));
-  const int bitDepth = read(kBitDepthKey, bitDepth_);
-  // 24 bits carry no usable signal, so they are never brought back.
-  if (bitDepth == 8 || bitDepth == 16) bitDepth_ = bitDepth;
-}
-
-bool AudioPlayer::SaveSettings(const std::string& file) const {
-  const auto write = [&](const char* key, int value) {
-    return writeProfileString(file, kSection, key, std::to_string(value));
-  };
-  return write(kDeviceKey, deviceIndex_) && write(kRateKey, sampleRate_) && write(kBitDepthKey, bitDepth_) &&
-         write(kBufferKey, bufferFrames_);
 }
 
 }  // namespace plumetta

@@ -46,10 +46,8 @@ class AudioPlayer {
   void SetOutput(int deviceIndex, int bufferFrames, int sampleRate);
   void GetOutput(int& deviceIndex, int& bufferFrames, int& sampleRate) const;
 
-  // Reads the output's keys of section "General"; what is missing or not accepted stays as it is.
-  void LoadSettings(const std::string& file);
-  // False when the file can't be written.
-  bool SaveSettings(const std::string& file) const;
+  // 8 or 16; anything else changes nothing, for 24 bits carry no usable signal.
+  void SetBitDepth(int bits);
 
   // kBufferFrames floats. Audio thread while the player runs.
   float* channelBuffer(int channel) noexcept { return buffers_[static_cast<size_t>(channel)].data(); }

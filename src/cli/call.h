@@ -35,6 +35,7 @@ int runMidi(const CallOptions& options, WordReader words);
 int runSettings(const CallOptions& options, WordReader words);
 int runWindow(const CallOptions& options, WordReader words);
 int runDevices(const CallOptions& options, WordReader words);
+int runPlay(const CallOptions& options, WordReader words);
 int runRecord(const CallOptions& options, WordReader words);
 
 // The steps of `edit` with their arguments, a line each.

@@ -22,6 +22,8 @@ constexpr CliCommand kCommands[] = {
     {"window", "window KIND N", "the N coefficients of a window; KIND is its index or its name", runWindow},
     {"devices", "devices [--json]", "the devices for sound and control, numbered", runDevices},
     {"midi", "midi listen [--device N] [--seconds S]", "prints the remote commands as they arrive", runMidi},
+    {"play", "play FILE [--select FROM TO] [--loop] [--device N] [--asio] [--rate R]", "plays on a device",
+     runPlay},
     {"record", "record FILE.wav --seconds S [--device N] [--rate R] [--bits B]", "records from a device",
      runRecord},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},

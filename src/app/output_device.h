@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/setting_groups.h"
+#include "audio/audio_player.h"
+#include "audio/playback_engine.h"
+#include "audio/transport.h"
+#include "core/prompter.h"
+
+namespace plumetta {
+
+// The device that sound goes to, and what pulls the playback engine. Made when it is first asked for, since
+// looking for devices can take a moment. UI thread.
+class OutputDevice {
+ public:
+  OutputDevice(Prompter& prompter, PlaybackEngine& engine, Transport& transport, WaveOutSystem& system)
+      : prompter_(prompter), engine_(engine), transport_(transport), system_(system) {}
+
+  // Does nothing while it runs. False, after a message, when nothing will sound.
+  bool start(const OutputSettings& settings);
+  // Playing stops too. Within about two seconds, whatever the device does.
+  void stop();
+  bool running() const { return player_ && player_->running(); }
+  // Looks whether the device has failed: then playing has stopped, and a message has said so. Several times a
+  // second while it runs.
+  void watch();
+  // Buffers that came too late since it was started.
+  int underruns() const { return player_ ? player_->underruns() : 0; }
+  // Seconds from the callback to the end of the device's queue.
+  double latency() const;
+
+  // Asked of the system afresh.
+  std::vector<std::string> waveOutNames();
+  std::vector<std::string> asioNames();
+  // The channels of the chosen driver.
+  int channelCount() { return player().activeDriver().GetChannelCount(); }
+
+ private:
+  AudioPlayer& player();
+
+  Prompter& prompter_;
+  PlaybackEngine& engine_;
+  Transport& transport_;
+  WaveOutSystem& system_;
+  std::unique_ptr<AudioPlayer> player_;
+};
+
+}  // namespace plumetta

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `plumetta-cli play`: plays a file on a device.
+#include <chrono>
+#include <thread>
+
+#include "app/application.h"
+#include "cli/call.h"
+#include "cli/terminal_prompter.h"
+#include "platform/interrupt.h"
+#include "platform/paths.h"
+
+namespace plumetta {
+namespace {
+
+constexpr auto kWatchInterval = std::chrono::milliseconds(20);
+
+struct PlayCall {
+  std::string file;
+  std::optional<FrameOrTime> from, to;
+  bool loop = false;
+  bool asio = false;
+  std::optional<int> device, rate;
+};
+
+void readBound(WordReader& words, std::optional<FrameOrTime>& bound) {
+  if (!words.atEnd()) bound = readFrame(words.take());
+  if (!bound) words.fail("play: --select wants FROM and TO");
+}
+
+void readNumber(WordReader& words, const std::string& option, bool (*accepted)(int),
+                std::optional<int>& number) {
+  if (!words.atEnd()) number = numberIn<int>(words.take());
+  if (!number || !accepted(*number)) words.fail("play: " + option + " wants another number");
+}
+
+PlayCall readCall(WordReader& words) {
+  PlayCall call;
+  while (!words.atEnd() && !words.failed()) {
+    const std::string word = words.take();
+    if (word == "--select") {
+      readBound(words, call.from);
+      if (!words.failed()) readBound(words, call.to);
+    } else if (word == "--loop") {
+      call.loop = true;
+    } else if (word == "--asio") {
+      call.asio = true;
+    } else if (word == "--device") {
+      readNumber(
+          words, word, [](int device) { return device >= 0; }, call.device);
+    } else if (word == "--rate") {
+      readNumber(words, word, isWaveOutRate, call.rate);
+    } else if (call.file.empty() && !word.starts_with("--")) {
+      call.file = absolutePath(word);
+    } else {
+      words.fail("play: what is '" + word + "'?");
+    }
+  }
+  if (call.file.empty()) words.fail("play: FILE is missing");
+  return call;
+}
+
+void takeOverOptions(const PlayCall& call, Application& app) {
+  OutputSettings& output = app.settings().output;
+  output.asio = call.asio;
+  output.deviceId = call.device.value_or(output.deviceId);
+  output.sampleRate = call.rate.value_or(output.sampleRate);
+  app.settings().playback.loop = call.loop;
+  app.applyPlaybackSettings();
+}
+
+// Until the end, the loss of the device, or Ctrl-C. False when the device was lost.
+bool playToTheEnd(Application& app, CPlumettaDoc& doc, TerminalPrompter& prompter) {
+  const InterruptWatch interrupt;
+  const std::atomic<bool>& playing = app.transport().controls().playing;
+  const ProgressScope progress(prompter, "Playing");
+  const double frames = std::max(doc.wave().frames(), 1);
+  while (playing && !interrupt.interrupted()) {
+    std::this_thread::sleep_for(kWatchInterval);
+    app.output().watch();
+    progress.progress().report(static_cast<float>(doc.playback().playCursor / frames));
+  }
+  if (!app.output().running()) return false;
+  // What lies in the device's queue is still to be heard.
+  if (!interrupt.interrupted())
+    std::this_thread::sleep_for(std::chrono::duration<double>(app.output().latency()));
+  return true;
+}
+
+}  // namespace
+
+int runPlay(const CallOptions& options, WordReader words) {
+  const PlayCall call = readCall(words);
+  if (words.failed()) return wrongCall(words.error());
+  TerminalPrompter prompter(options.answer, options.quiet);
+  Application app(prompter, nativeFileSystem(), options.home);
+  FileOutcome outcome{};
+  CPlumettaDoc* doc = app.openDocument(call.file, outcome);
+  if (doc == nullptr) return kFileError;
+  const uint32_t rate = doc->wave().sampleRate();
+  if (call.from) doc->select(call.from->frames(rate), call.to->frames(rate));
+  takeOverOptions(call, app);
+  if (!app.transport().play(doc)) return kRefused;
+  const bool whole = playToTheEnd(app, *doc, prompter);
+  app.output().stop();
+  return whole ? kAllDone : kRefused;
+}
+
+}  // namespace plumetta
