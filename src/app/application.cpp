@@ -34,6 +34,14 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
 
 std::string Application::profilePath() const { return joinPath(home_, "plumetta.ini"); }
 
+bool Application::rememberVolume() {
+  double& stored = settings_.playback.generalVolume;
+  const float heard = generalVolume_;
+  if (static_cast<float>(stored) == heard) return false;
+  stored = heard;
+  return true;
+}
+
 bool Application::saveSettings() {
   if (!services_.files.makeFolders(home_) && settingsFile_.save(settings_)) return true;
   if (!settingsFailureTold_) prompter().message("Unable to write the settings in " + home_);
