@@ -47,6 +47,14 @@ void Application::applyPlaybackSettings() {
   for (size_t k = 0; k < controls.routing.size(); ++k) controls.routing[k] = playback.routing[k];
 }
 
+bool Application::rememberVolume() {
+  double& stored = settings_.playback.generalVolume;
+  const float heard = generalVolume();
+  if (static_cast<float>(stored) == heard) return false;
+  stored = heard;
+  return true;
+}
+
 bool Application::saveSettings() {
   if (!services_.files.makeFolders(home_) && settingsFile_.save(settings_)) return true;
   if (!settingsFailureTold_) prompter().message("Unable to write the settings in " + home_);

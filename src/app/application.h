@@ -39,9 +39,9 @@ class Application {
   bool saveSettings();
 
   // The factor that is heard now. MIDI writes it from threads of its own; `rememberVolume` takes it over into
-  // the settings.
+  // the settings. True when that has changed them.
   std::atomic<float>& generalVolume() { return transport_.controls().generalVolume; }
-  void rememberVolume() { settings_.playback.generalVolume = generalVolume(); }
+  bool rememberVolume();
   MidiRemote& midi() { return midi_; }
 
   Prompter& prompter() { return services_.prompter; }

@@ -265,8 +265,7 @@ void MainFrame::onClose(wxCloseEvent& event) {
     return;
   }
   app_.midi().closeAll();
-  app_.rememberVolume();
-  app_.saveSettings();
+  if (app_.rememberVolume()) app_.saveSettings();
   place_.store();
   if (spectrum_ != nullptr && spectrum_->IsShown()) spectrum_->storePlace();
   storeHistoryWidth();

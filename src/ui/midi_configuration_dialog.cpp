@@ -82,11 +82,13 @@ wxSizer* CMidiConfigurationDlg::makeCommands() {
   learn_->SetToolTip("Takes the controller that is moved next");
   row->Add(learn_, 1, wxALIGN_CENTRE_VERTICAL);
   column->Add(row, 0, wxEXPAND);
-  commands_->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) {
-    number_->ChangeValue(commands_->GetItemText(static_cast<long>(selected()), kNumberColumn));
+  commands_->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent& event) {
+    number_->ChangeValue(commands_->GetItemText(event.GetIndex(), kNumberColumn));
   });
+  // The field belongs to the command that is selected; there may be none.
   number_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) {
-    commands_->SetItem(static_cast<long>(selected()), kNumberColumn, number_->GetValue());
+    const long command = commands_->GetFirstSelected();
+    if (command >= 0) commands_->SetItem(command, kNumberColumn, number_->GetValue());
   });
   learn_->Bind(wxEVT_TOGGLEBUTTON, [this](wxCommandEvent&) { onLearn(); });
   return column;
@@ -105,17 +107,18 @@ wxSizer* CMidiConfigurationDlg::makeButtons() {
 }
 
 void CMidiConfigurationDlg::show(const RemoteControllers& controllers) {
-  for (size_t i = 0; i < controllers.size(); ++i) setNumber(i, wxString::Format("%d", controllers[i]));
+  long command = 0;
+  for (const int controller : controllers) setNumber(command++, wxString::Format("%d", controller));
 }
 
-void CMidiConfigurationDlg::setNumber(size_t command, const wxString& number) {
-  commands_->SetItem(static_cast<long>(command), kNumberColumn, number);
-  if (commands_->GetFirstSelected() == static_cast<long>(command)) number_->ChangeValue(number);
+void CMidiConfigurationDlg::setNumber(long command, const wxString& number) {
+  commands_->SetItem(command, kNumberColumn, number);
+  if (commands_->GetFirstSelected() == command) number_->ChangeValue(number);
 }
 
-void CMidiConfigurationDlg::select(size_t command) {
-  commands_->Select(static_cast<long>(command));
-  commands_->Focus(static_cast<long>(command));
+void CMidiConfigurationDlg::select(long command) {
+  commands_->Select(command);
+  commands_->Focus(command);
   number_->SetFocus();
   number_->SelectAll();
 }
@@ -151,7 +154,8 @@ void CMidiConfigurationDlg::onLearn() {
 void CMidiConfigurationDlg::onTimer() {
   const auto controller = remote_.takeLearned();
   if (!controller) return;
-  setNumber(selected(), wxString::Format("%d", *controller));
+  const long command = commands_->GetFirstSelected();
+  if (command >= 0) setNumber(command, wxString::Format("%d", *controller));
   stopLearning();
 }
 
@@ -175,7 +179,7 @@ void CMidiConfigurationDlg::onOk() {
     numbers[i] = fromWx(commands_->GetItemText(static_cast<long>(i), kNumberColumn));
   }
   if (const auto fault = checkControllers(numbers)) {
-    select(fault->command);
+    select(static_cast<long>(fault->command));
     prompter_.message(fault->message);
     return;
   }

@@ -25,10 +25,9 @@ class CMidiConfigurationDlg : public wxDialog {
   wxSizer* makeCommands();
   wxSizer* makeButtons();
   void show(const RemoteControllers& controllers);
-  void select(size_t command);
-  size_t selected() const { return static_cast<size_t>(commands_->GetFirstSelected()); }
-  // The number's field belongs to the command that is selected.
-  void setNumber(size_t command, const wxString& number);
+  void select(long command);
+  // Puts a number into the list, and into the field if that belongs to the command.
+  void setNumber(long command, const wxString& number);
   std::array<bool, kMidiSlots> chosenDevices() const;
 
   void onLearn();

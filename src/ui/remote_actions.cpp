@@ -74,7 +74,6 @@ void MainFrame::startRemote() {
 }
 
 void MainFrame::onRemote(RemoteCommand command) {
-  if (command == RemoteCommand::volume) app_.rememberVolume();
   const char* const action = actionOf(command);
   // A document must not change under a dialog that asks about it.
   if (action != nullptr && !dialogIsOpen()) menus_.choose(action);

@@ -228,13 +228,14 @@ MenuPlan MainFrame::markerMenu() {
   MenuPlan menu{"&Marker", {}};
   menu.actions.push_back(documentAction("marker-at-cursor", "&Marker at the cursor", "M",
                                         "Mark this position", [this](CPlumettaDoc& doc) { addMarker(doc); }));
+  append(menu.actions, groupedActions(Menu::marker, {"marker-selection"}));
+  menu.actions.push_back(kSeparator);
   menu.actions.push_back(documentAction("next-marker", "Go to the &next marker", "N", "",
                                         [this](CPlumettaDoc& doc) { goToMarker(doc, true); }));
   menu.actions.push_back(documentAction("previous-marker", "Go to the &previous marker", "Shift+N", "",
                                         [this](CPlumettaDoc& doc) { goToMarker(doc, false); }));
   menu.actions.push_back(kSeparator);
-  append(menu.actions,
-         groupedActions(Menu::marker, {"marker-selection", "", "marker-grid", "set-region", "marker-bpm"}));
+  append(menu.actions, groupedActions(Menu::marker, {"marker-grid", "set-region", "marker-bpm"}));
   menu.actions.push_back(documentAction("bpm", "B&PM calculator…", "", "The tempo of the selection",
                                         [this](CPlumettaDoc& doc) { showTempo(doc); }));
   append(menu.actions,

@@ -22,7 +22,8 @@ wait_for() {  # wait_for SECONDS COMMAND...
 }
 listen() { timeout 60 "$cli" --home "$folder/home" midi listen "$@"; }
 
-jackd -n "$JACK_DEFAULT_SERVER" -r -d dummy -r 48000 -p 1024 >"$folder/jackd.out" 2>&1 &
+# Synchronous: on a busy machine the server waits for its clients rather than dropping what they send.
+jackd -n "$JACK_DEFAULT_SERVER" -r -S -d dummy -r 48000 -p 2048 >"$folder/jackd.out" 2>&1 &
 server=$!
 pids+=("$server")
 wait_for 20 grep -q "self-connect-mode" "$folder/jackd.out"
