@@ -3,6 +3,7 @@
 #include "audio/input_capture.h"
 #include "cli/call.h"
 #include "cli/json.h"
+#include "platform/midi_in_device.h"
 #include "platform/wave_out_device.h"
 
 namespace plumetta {
@@ -38,12 +39,14 @@ DeviceList waveInDevices() {
   return devices;
 }
 
+DeviceList midiInDevices() { return {nativeMidiInSystem().deviceNames(), {}}; }
+
 DeviceList noDevices() { return {}; }
 
 constexpr Section kSections[] = {
     {"Wave-out devices", "wave_out", waveOutDevices},
     {"Wave-in devices", "wave_in", waveInDevices},
-    {"MIDI-in devices", "midi_in", noDevices},
+    {"MIDI-in devices", "midi_in", midiInDevices},
     {"ASIO devices", "asio", noDevices},
 };
 

@@ -89,7 +89,8 @@ CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments a
   if (doc.wave().markers.count() < markers) doc.selectedMarker.reset();
   const std::string name = call.named && command.historyName != nullptr ? command.historyName(call) : "";
   if (step) {
-    if (!step->holdsSamples() && call.replacedSamples.size() > 0)
+    const bool replaced = call.replacedSamples.size() > 0 || step->frames() == 0;
+    if (!step->holdsSamples() && step->kind() != UndoKind::annotations && replaced)
       step->adopt(std::move(call.replacedSamples));
     step->setName(name);
     doc.journal().push(std::move(step));
