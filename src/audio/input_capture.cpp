@@ -92,7 +92,7 @@ std::vector<std::string> waveInDeviceNames(WaveInSystem& system, std::string& er
   }
   for (int i = 0; i < count; ++i) {
     WaveInCapabilities capabilities;
-    system.capabilities(i, capabilities);  // one that has just gone keeps its place, without a name
+    if (const int code = system.capabilities(i, capabilities)) capabilities.name = system.errorText(code);
     names.push_back(capabilities.name);
   }
   return names;

@@ -90,7 +90,8 @@ CommandOutcome runCommand(CPlumettaDoc& doc, const Command& command, Arguments a
   const std::string name = call.named && command.historyName != nullptr ? command.historyName(call) : "";
   if (step) {
     // A document without frames has nothing to hand over, and its step is whole all the same.
-    if (!step->holdsSamples() && (call.replacedSamples.size() > 0 || step->frames() == 0))
+    const bool replaced = call.replacedSamples.size() > 0 || step->frames() == 0;
+    if (!step->holdsSamples() && step->kind() != UndoKind::annotations && replaced)
       step->adopt(std::move(call.replacedSamples));
     step->setName(name);
     doc.journal().push(std::move(step));
