@@ -91,6 +91,12 @@ bool filteredCopy(const CWave& wave, double targetRate, int quality, const WaveP
                    targetRate, quality, progress);
 }
 
+// The rate alone, which playing reads under the lock.
+void relabel(CommandCall& call, double rate) {
+  const AudioLockHeld held(call.doc.services().audioLock);
+  call.doc.wave().setSampleRate(static_cast<uint32_t>(std::llround(rate)));
+}
+
 // Takes the new samples over, to be played at `rate`; the old ones are for undo.
 void exchange(CommandCall& call, ResampledBlock block, double rate) {
   CWave& wave = call.doc.wave();
@@ -105,7 +111,7 @@ std::optional<Refusal> resampleSamples(CommandCall& call, const char* title, con
   CPlumettaDoc& doc = call.doc;
   CWave& wave = doc.wave();
   if (wave.frames() == 0) {
-    wave.setSampleRate(static_cast<uint32_t>(std::llround(labelledRate)));
+    relabel(call, labelledRate);
     return std::nullopt;
   }
   LongWork work(doc.prompter(), title);
@@ -127,7 +133,7 @@ std::optional<Refusal> resampleSamples(CommandCall& call, const char* title, con
 
 std::optional<Refusal> runResample(CommandCall& call) {
   if (call.boolean(kJustFrequency)) {
-    call.doc.wave().setSampleRate(static_cast<uint32_t>(std::llround(call.real(kRate))));
+    relabel(call, call.real(kRate));
     return std::nullopt;
   }
   const ResampleSettings settings{call.real(kRate), call.boolean(kInterpolation),
@@ -142,7 +148,7 @@ std::string resampleName(CommandCall& call) {
 }
 
 std::optional<Refusal> runSetRate(CommandCall& call) {
-  call.doc.wave().setSampleRate(static_cast<uint32_t>(std::llround(call.real(kRate))));
+  relabel(call, call.real(kRate));
   return std::nullopt;
 }
 
