@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "formats/wav_encoding.h"
+#include "platform/pages_ahead.h"
 
 namespace plumetta {
 namespace {
@@ -131,6 +132,7 @@ LoadResult readSamples(InputStream& in, const ChunkPlace& chunk, const WavFormat
   const auto encoding = wavEncoding(format.bits, format.tag);
   int64_t framesRead = frames;
   if (encoding) {
+    const PagesAhead pages(wave.samples(), static_cast<size_t>(frames) * format.channels * sizeof(float));
     in.seek(chunk.body);
     const auto decoded =
         decodeSamples(in, *encoding, wave.samples(), frames, format.channels, wave.progress, framesRead);
