@@ -113,6 +113,25 @@ Arguments readArguments(WordReader& words, std::span<const Parameter> parameters
   return arguments;
 }
 
+void SelectionOption::read(WordReader& words, const std::string& what) {
+  for (std::optional<FrameOrTime>* bound : {&from, &to}) {
+    if (!words.atEnd()) *bound = readFrame(words.take());
+    if (!*bound) return words.fail(what + ": --select wants FROM and TO");
+  }
+}
+
+void SelectionOption::apply(CPlumettaDoc& doc) const {
+  const uint32_t rate = doc.wave().sampleRate();
+  if (from && to) doc.select(from->frames(rate), to->frames(rate));
+}
+
+void readNumber(WordReader& words, const std::string& what, const std::string& option, bool (*accepted)(int),
+                std::optional<int>& number) {
+  number.reset();
+  if (!words.atEnd()) number = numberIn<int>(words.take());
+  if (!number || !accepted(*number)) words.fail(what + ": " + option + " wants another number");
+}
+
 std::string usageOf(const std::string& what, std::span<const Parameter> parameters) {
   std::string usage = what;
   std::string options;

@@ -57,6 +57,20 @@ Arguments readArguments(WordReader& words, std::span<const Parameter> parameters
 // A position or length as a call writes it: frames ("44100") or a time ("1.5s", "250ms").
 std::optional<FrameOrTime> readFrame(std::string_view text);
 
+// The selection that `--select FROM TO` asks for.
+struct SelectionOption {
+  std::optional<FrameOrTime> from, to;
+
+  // Reads FROM and TO.
+  void read(WordReader& words, const std::string& what);
+  void apply(CPlumettaDoc& doc) const;
+};
+
+// Reads the whole number behind an option of `what`, which must be accepted.
+void readNumber(WordReader& words, const std::string& what, const std::string& option, bool (*accepted)(int),
+                std::optional<int>& number);
+inline bool isDeviceIndex(int number) { return number >= 0; }
+
 // How a call of `what` looks: "resample RATE [type=0]".
 std::string usageOf(const std::string& what, std::span<const Parameter> parameters);
 

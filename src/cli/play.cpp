@@ -16,39 +16,26 @@ constexpr auto kWatchInterval = std::chrono::milliseconds(20);
 
 struct PlayCall {
   std::string file;
-  std::optional<FrameOrTime> from, to;
+  SelectionOption selection;
   bool loop = false;
   bool asio = false;
   std::optional<int> device, rate;
 };
-
-void readBound(WordReader& words, std::optional<FrameOrTime>& bound) {
-  if (!words.atEnd()) bound = readFrame(words.take());
-  if (!bound) words.fail("play: --select wants FROM and TO");
-}
-
-void readNumber(WordReader& words, const std::string& option, bool (*accepted)(int),
-                std::optional<int>& number) {
-  if (!words.atEnd()) number = numberIn<int>(words.take());
-  if (!number || !accepted(*number)) words.fail("play: " + option + " wants another number");
-}
 
 PlayCall readCall(WordReader& words) {
   PlayCall call;
   while (!words.atEnd() && !words.failed()) {
     const std::string word = words.take();
     if (word == "--select") {
-      readBound(words, call.from);
-      if (!words.failed()) readBound(words, call.to);
+      call.selection.read(words, "play");
     } else if (word == "--loop") {
       call.loop = true;
     } else if (word == "--asio") {
       call.asio = true;
     } else if (word == "--device") {
-      readNumber(
-          words, word, [](int device) { return device >= 0; }, call.device);
+      readNumber(words, "play", word, isDeviceIndex, call.device);
     } else if (word == "--rate") {
-      readNumber(words, word, isWaveOutRate, call.rate);
+      readNumber(words, "play", word, isWaveOutRate, call.rate);
     } else if (call.file.empty() && !word.starts_with("--")) {
       call.file = absolutePath(word);
     } else {
@@ -96,8 +83,7 @@ int runPlay(const CallOptions& options, WordReader words) {
   FileOutcome outcome{};
   CPlumettaDoc* doc = app.openDocument(call.file, outcome);
   if (doc == nullptr) return kFileError;
-  const uint32_t rate = doc->wave().sampleRate();
-  if (call.from) doc->select(call.from->frames(rate), call.to->frames(rate));
+  call.selection.apply(*doc);
   takeOverOptions(call, app);
   if (!app.transport().play(doc)) return kRefused;
   const bool whole = playToTheEnd(app, *doc, prompter);

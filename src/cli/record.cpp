@@ -23,12 +23,6 @@ struct RecordCall {
   std::optional<int> device, rate, bits;
 };
 
-void readNumber(WordReader& words, const std::string& option, bool (*accepted)(int),
-                std::optional<int>& number) {
-  if (!words.atEnd()) number = numberIn<int>(words.take());
-  if (!number || !accepted(*number)) words.fail("record: " + option + " wants another number");
-}
-
 void readSeconds(WordReader& words, double& seconds) {
   const auto number = words.atEnd() ? std::nullopt : numberIn<double>(words.take());
   if (number && *number > 0 && *number <= kLongest) seconds = *number;
@@ -42,12 +36,11 @@ RecordCall readCall(WordReader& words) {
     if (word == "--seconds") {
       readSeconds(words, call.seconds);
     } else if (word == "--device") {
-      readNumber(
-          words, word, [](int device) { return device >= 0; }, call.device);
+      readNumber(words, "record", word, isDeviceIndex, call.device);
     } else if (word == "--rate") {
-      readNumber(words, word, isWaveInRate, call.rate);
+      readNumber(words, "record", word, isWaveInRate, call.rate);
     } else if (word == "--bits") {
-      readNumber(words, word, isWaveInBitDepth, call.bits);
+      readNumber(words, "record", word, isWaveInBitDepth, call.bits);
     } else if (call.file.empty() && !word.starts_with("--")) {
       call.file = absolutePath(word);
     } else {

@@ -20,7 +20,7 @@ constexpr int64_t kMostCoefficients = int64_t{1} << 24;
 struct SpectrumCall {
   std::string file, out, show;
   SpectrumSettings settings;
-  std::optional<FrameOrTime> from, to;
+  SelectionOption selection;
 };
 
 std::optional<int64_t> wholeNumberIn(const std::string& text) {
@@ -49,11 +49,6 @@ std::string unknownWindow(const std::string& text) {
     error += (kind > 0 ? ", " : " ") + std::to_string(kind) + " " + windowName(kind);
   }
   return error;
-}
-
-void readBound(WordReader& words, std::optional<FrameOrTime>& bound) {
-  if (!words.atEnd()) bound = readFrame(words.take());
-  if (!bound) words.fail("spectrum: --select wants FROM and TO");
 }
 
 void readSize(WordReader& words, int& size) {
@@ -87,8 +82,7 @@ SpectrumCall readCall(WordReader& words) {
   while (!words.atEnd() && !words.failed()) {
     const std::string word = words.take();
     if (word == "--select") {
-      readBound(words, call.from);
-      readBound(words, call.to);
+      call.selection.read(words, "spectrum");
     } else if (word == "--size" && !words.atEnd()) {
       readSize(words, call.settings.size);
     } else if (word == "--window" && !words.atEnd()) {
@@ -142,8 +136,7 @@ int runSpectrum(const CallOptions& options, WordReader words) {
   FileOutcome outcome{};
   CPlumettaDoc* doc = app.openDocument(call.file, outcome);
   if (doc == nullptr) return kFileError;
-  const uint32_t rate = doc->wave().sampleRate();
-  if (call.from) doc->select(call.from->frames(rate), call.to->frames(rate));
+  call.selection.apply(*doc);
   return doc->saveSpectrum(call.out, call.settings) == FileOutcome::done ? kAllDone : kFileError;
 }
 

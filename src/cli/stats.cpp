@@ -12,13 +12,8 @@ struct StatsCall {
   std::string file;
   std::string out;
   bool levels = true;
-  std::optional<FrameOrTime> from, to;
+  SelectionOption selection;
 };
-
-void readBound(WordReader& words, std::optional<FrameOrTime>& bound) {
-  if (!words.atEnd()) bound = readFrame(words.take());
-  if (!bound) words.fail("stats: --select wants FROM and TO");
-}
 
 StatsCall readCall(WordReader& words) {
   StatsCall call;
@@ -27,8 +22,7 @@ StatsCall readCall(WordReader& words) {
     if (word == "--no-levels") {
       call.levels = false;
     } else if (word == "--select") {
-      readBound(words, call.from);
-      readBound(words, call.to);
+      call.selection.read(words, "stats");
     } else if (word == "--out" && !words.atEnd()) {
       call.out = absolutePath(words.take());
     } else if (call.file.empty() && !word.starts_with("--")) {
@@ -51,8 +45,7 @@ int runStats(const CallOptions& options, WordReader words) {
   FileOutcome outcome{};
   CPlumettaDoc* doc = app.openDocument(call.file, outcome);
   if (doc == nullptr) return kFileError;
-  const uint32_t rate = doc->wave().sampleRate();
-  if (call.from) doc->select(call.from->frames(rate), call.to->frames(rate));
+  call.selection.apply(*doc);
   if (call.out.empty()) return print(doc->statistics(call.levels)) ? kAllDone : kFileError;
   return doc->saveStatistics(call.out, call.levels) == FileOutcome::done ? kAllDone : kFileError;
 }
