@@ -76,8 +76,8 @@ void playbackCallback(benchmark::State& state) {
   transport.controls().outputRate = kOutputRate;
   transport.controls().loop = true;
   PlaybackEngine engine(lock, transport.controls(), kFrames);
-  std::vector<float> room(size_t{kOutputChannels} * kFrames);
-  std::array<float*, kOutputChannels> buffers{};
+  std::vector<float> room(size_t{kMaxOutputChannels} * kFrames);
+  std::array<float*, kMaxOutputChannels> buffers{};
   for (size_t c = 0; c < buffers.size(); ++c) buffers[c] = room.data() + c * kFrames;
   engine.setBuffers(buffers);
   transport.play(&tape);
@@ -87,7 +87,7 @@ void playbackCallback(benchmark::State& state) {
   for (auto _ : state) {
     int frames = kFrames;
     int channelCount = 2;
-    std::array<float*, kOutputChannels> channels{};
+    std::array<float*, kMaxOutputChannels> channels{};
     const double ownStart = threadSeconds();
     const double wallStart = wallSeconds();
     PlaybackEngine::callback(&engine, channels.data(), &frames, &channelCount);

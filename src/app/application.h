@@ -87,11 +87,11 @@ class Application {
   std::shared_ptr<const CWave> clipboard_;
   UndoFolder undoFolder_;
   DocumentServices services_;
+  std::vector<std::unique_ptr<CPlumettaDoc>> documents_;
   Transport transport_;
   PlaybackEngine playbackEngine_;
-  OutputDevice output_;
+  OutputDevice output_;  // stops before the documents go
   MidiRemote midi_;
-  std::vector<std::unique_ptr<CPlumettaDoc>> documents_;
 };
 
 }  // namespace plumetta

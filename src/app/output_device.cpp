@@ -13,8 +13,8 @@ std::string withReason(const char* what, const std::string& reason) {
 AudioPlayer& OutputDevice::player() {
   if (!player_) {
     player_ = std::make_unique<AudioPlayer>(PlaybackEngine::callback, &engine_, system_);
-    std::array<float*, kOutputChannels> buffers{};
-    for (int c = 0; c < kOutputChannels; ++c) buffers[static_cast<size_t>(c)] = player_->channelBuffer(c);
+    std::array<float*, kMaxOutputChannels> buffers{};
+    for (int c = 0; c < kMaxOutputChannels; ++c) buffers[static_cast<size_t>(c)] = player_->channelBuffer(c);
     engine_.setBuffers(buffers);
   }
   return *player_;

@@ -69,8 +69,8 @@ BounceResult bounce(PlaybackSource& source, const BounceOptions& options, CWave&
   PlaybackControls& controls = transport.controls();
   obey(controls, options);
   PlaybackEngine engine(lock, controls, options.bufferFrames);
-  std::vector<float> room(static_cast<size_t>(options.bufferFrames) * kOutputChannels);
-  std::array<float*, kOutputChannels> buffers{};
+  std::vector<float> room(static_cast<size_t>(options.bufferFrames) * kMaxOutputChannels);
+  std::array<float*, kMaxOutputChannels> buffers{};
   for (size_t c = 0; c < buffers.size(); ++c) {
     buffers[c] = room.data() + c * static_cast<size_t>(options.bufferFrames);
   }
@@ -81,7 +81,7 @@ BounceResult bounce(PlaybackSource& source, const BounceOptions& options, CWave&
 
   Recorder recorder(target);
   while (options.frames ? recorder.written() < *options.frames : controls.playing.load()) {
-    std::array<float*, kOutputChannels> channels{};
+    std::array<float*, kMaxOutputChannels> channels{};
     int frames = options.bufferFrames;
     int channelCount = options.channels;
     PlaybackEngine::callback(&engine, channels.data(), &frames, &channelCount);

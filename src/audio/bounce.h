@@ -21,7 +21,7 @@ struct BounceOptions {
   float generalVolume = 1.0f;
   bool automation = true;
   bool resampling = true;
-  std::array<int, kOutputChannels> routing{0, 1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+  std::array<int, kMaxOutputChannels> routing{0, 1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
   BlockProcessor* rack = nullptr;  // null plays without one
 };
 

@@ -4,11 +4,10 @@
 #include <array>
 #include <atomic>
 
+#include "audio/audio_driver.h"
 #include "core/playback_source.h"
 
 namespace plumetta {
-
-inline constexpr int kOutputChannels = 16;
 
 enum class WindMode { none = 0, rewind = 1, forward = 2 };
 
@@ -16,7 +15,7 @@ enum class WindMode { none = 0, rewind = 1, forward = 2 };
 // is changed under the audio lock, so that whoever holds the lock has a document that stays.
 struct PlaybackControls {
   PlaybackControls() {
-    for (int k = 0; k < kOutputChannels; ++k) routing[static_cast<size_t>(k)] = k < 2 ? k : -1;
+    for (int k = 0; k < kMaxOutputChannels; ++k) routing[static_cast<size_t>(k)] = k < 2 ? k : -1;
   }
 
   std::atomic<PlaybackSource*> source{nullptr};
@@ -32,11 +31,11 @@ struct PlaybackControls {
   std::atomic<bool> automation{true};  // the volume envelope is heard
   std::atomic<bool> rackEnabled{false};
   // The source channel that is heard on each output channel; -1 is silence.
-  std::array<std::atomic<int>, kOutputChannels> routing;
+  std::array<std::atomic<int>, kMaxOutputChannels> routing;
 
   // The largest magnitudes since the meters last lowered them.
-  std::array<std::atomic<float>, kOutputChannels> outputPeaks{};
-  std::array<std::atomic<float>, kOutputChannels> inputPeaks{};
+  std::array<std::atomic<float>, kMaxOutputChannels> outputPeaks{};
+  std::array<std::atomic<float>, kMaxOutputChannels> inputPeaks{};
 };
 
 }  // namespace plumetta

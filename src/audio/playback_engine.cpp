@@ -102,7 +102,7 @@ bool PlaybackEngine::callback(void* engine, float** channels, int* frames, int* 
 void PlaybackEngine::fill(float** channels, int* frames, int* channelCount) noexcept {
   const Use use(turn_);
   *frames = std::clamp(*frames, 0, mostFrames_);
-  *channelCount = std::clamp(*channelCount, 0, kOutputChannels);
+  *channelCount = std::clamp(*channelCount, 0, kMaxOutputChannels);
   heardFrames_ = 0;
   for (int c = 0; c < *channelCount; ++c) {
     channels[c] = buffers_[static_cast<size_t>(c)];

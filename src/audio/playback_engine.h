@@ -26,7 +26,7 @@ class PlaybackEngine {
   PlaybackEngine& operator=(const PlaybackEngine&) = delete;
 
   // UI thread, while nobody pulls: `mostFrames` floats a channel, which must outlive the pulling.
-  void setBuffers(const std::array<float*, kOutputChannels>& buffers) { buffers_ = buffers; }
+  void setBuffers(const std::array<float*, kMaxOutputChannels>& buffers) { buffers_ = buffers; }
   // UI thread, also while playing; null for none. What stood there before is not used any more on return.
   void setRack(BlockProcessor* rack);
   void setWidget(int index, AudioWidget* widget);
@@ -56,7 +56,7 @@ class PlaybackEngine {
   AudioLock& lock_;
   PlaybackControls& controls_;
   const int mostFrames_;
-  std::array<float*, kOutputChannels> buffers_{};
+  std::array<float*, kMaxOutputChannels> buffers_{};
   std::atomic<BlockProcessor*> rack_{nullptr};
   std::array<std::atomic<AudioWidget*>, kWidgets> widgets_{};
   std::atomic<unsigned> turn_{0};  // odd while the callback runs

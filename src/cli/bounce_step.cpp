@@ -29,7 +29,7 @@ enum BounceArgument : size_t {
 constexpr double kToTheEnd = -1;
 constexpr int64_t kMostRate = 10'000'000;
 
-using Routing = std::array<int, kOutputChannels>;
+using Routing = std::array<int, kMaxOutputChannels>;
 
 // "0,1": the source channel of each output in turn; -1, nothing, or no item is silence.
 std::optional<Routing> readRouting(std::string_view text) {
@@ -55,7 +55,7 @@ std::string bounceFault(const StepArguments& arguments) {
   const auto within = [](int64_t value, int64_t most) { return value >= 1 && value <= most; };
   if (!within(integer(kRate), kMostRate)) return "rate is out of range";
   if (!within(integer(kBuffer), kMostBounceBuffer)) return "buffer is out of range";
-  if (!within(integer(kChannels), kOutputChannels)) return "channels is out of range";
+  if (!within(integer(kChannels), kMaxOutputChannels)) return "channels is out of range";
   if (!(frames >= 0 || frames == kToTheEnd)) return "frames is out of range";
   if (!std::isfinite(std::get<double>(arguments[kVolume]))) return "volume is out of range";
   if (!readRouting(std::get<std::string>(arguments[kRoute]))) return "malformed route";

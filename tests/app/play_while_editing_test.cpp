@@ -29,7 +29,7 @@ class Playing : public testing::Test {
     return doc;
   }
   void pull() {
-    std::array<float*, kOutputChannels> channels{};
+    std::array<float*, kMaxOutputChannels> channels{};
     int frames = kFrames;
     int channelCount = 2;
     const ForbidAllocation forbid;
@@ -42,8 +42,8 @@ class Playing : public testing::Test {
   RecordingPrompter prompter;
   Application app{prompter, nativeFileSystem(), folder.file("home")};
   PlaybackControls& controls = app.transport().controls();
-  std::vector<float> room = std::vector<float>(size_t{kOutputChannels} * kFrames);
-  std::array<float*, kOutputChannels> buffers{};
+  std::vector<float> room = std::vector<float>(size_t{kMaxOutputChannels} * kFrames);
+  std::array<float*, kMaxOutputChannels> buffers{};
   float loudest = 0;
 };
 

@@ -299,12 +299,12 @@ TEST_F(Engine, AReleasedDocumentIsNotTouchedAgain) {
 }
 
 TEST_F(Engine, LargerBlocksThanThereIsRoomForAreLowered) {
-  std::array<float*, kOutputChannels> channels{};
+  std::array<float*, kMaxOutputChannels> channels{};
   int frames = 100000;
   int channelCount = 99;
   EXPECT_TRUE(PlaybackEngine::callback(&deck.engine, channels.data(), &frames, &channelCount));
   EXPECT_EQ(frames, PlaybackDeck::kMostFrames);
-  EXPECT_EQ(channelCount, kOutputChannels);
+  EXPECT_EQ(channelCount, kMaxOutputChannels);
 }
 
 TEST(ForbidAllocationDeathTest, AbortsWhenTheThreadAllocates) {

@@ -16,14 +16,14 @@ struct PlaybackDeck {
 
   explicit PlaybackDeck(AudioLock& lock)
       : transport(lock, [this] { return outputStarts; }), engine(lock, transport.controls(), kMostFrames) {
-    std::array<float*, kOutputChannels> buffers{};
+    std::array<float*, kMaxOutputChannels> buffers{};
     for (size_t c = 0; c < buffers.size(); ++c) buffers[c] = room.data() + c * kMostFrames;
     engine.setBuffers(buffers);
   }
 
   // The channels of one block, as a driver would convert them.
   std::vector<std::vector<float>> pull(int frames, int channelCount = 2) {
-    std::array<float*, kOutputChannels> channels{};
+    std::array<float*, kMaxOutputChannels> channels{};
     {
       const ForbidAllocation forbid;
       PlaybackEngine::callback(&engine, channels.data(), &frames, &channelCount);
@@ -36,7 +36,7 @@ struct PlaybackDeck {
   }
 
   bool outputStarts = true;
-  std::vector<float> room = std::vector<float>(size_t{kOutputChannels} * kMostFrames, 9.0f);
+  std::vector<float> room = std::vector<float>(size_t{kMaxOutputChannels} * kMostFrames, 9.0f);
   Transport transport;
   PlaybackEngine engine;
 };
