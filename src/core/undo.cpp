@@ -8,7 +8,8 @@
 
 namespace plumetta {
 
-CDoUndo::CDoUndo(FileSystem& files, UndoFolder& folder) : files_(files), folder_(folder) {}
+CDoUndo::CDoUndo(FileSystem& files, UndoFolder& folder, AudioLock& lock)
+    : files_(files), folder_(folder), lock_(lock) {}
 
 CDoUndo::~CDoUndo() = default;
 
@@ -87,13 +88,18 @@ bool CDoUndo::exchange(std::unique_ptr<UndoStep>& slot) {
       if (const std::string path = nextFilePath(); !path.empty()) present->keepInFile(*wave_, path);
     }
     if (slot->inMemory()) samples = slot->takeMemory();
-    int channels = slot->channels();
-    int32_t frames = slot->frames();
-    wave_->exchangeBlock(samples, channels, frames);
-    if (!present->holdsSamples()) present->adopt(std::move(samples));
   }
+  {
+    const AudioLockHeld held(lock_);
+    if (!annotationsOnly) {
+      int channels = slot->channels();
+      int32_t frames = slot->frames();
+      wave_->exchangeBlock(samples, channels, frames);
+    }
+    slot->restoreAnnotations(*wave_);
+  }
+  if (!annotationsOnly && !present->holdsSamples()) present->adopt(std::move(samples));
   present->setName(slot->name());
-  slot->restoreAnnotations(*wave_);
   display_->setViewState(slot->view());
   display_->samplesChanged();
   slot = std::move(present);

@@ -21,12 +21,13 @@ enum class UndoResult {
 };
 
 // The undo and redo steps of one document, each a full copy of its state, in memory or in temporary files.
-// UI thread; the caller holds the audio lock around undo and redo.
+// UI thread; whoever calls holds no lock: undo and redo take the audio lock for the moment of the exchange,
+// once everything that takes time is done.
 class CDoUndo {
  public:
   static constexpr size_t kSlots = 2048;
 
-  CDoUndo(FileSystem& files, UndoFolder& folder);
+  CDoUndo(FileSystem& files, UndoFolder& folder, AudioLock& lock);
   virtual ~CDoUndo();
   CDoUndo(const CDoUndo&) = delete;
   CDoUndo& operator=(const CDoUndo&) = delete;
@@ -65,6 +66,7 @@ class CDoUndo {
 
   FileSystem& files_;
   UndoFolder& folder_;
+  AudioLock& lock_;
   CWave* wave_ = nullptr;
   DisplayState* display_ = nullptr;
   std::array<std::unique_ptr<UndoStep>, kSlots> slots_;

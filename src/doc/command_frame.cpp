@@ -34,7 +34,6 @@ std::optional<Refusal> runUnderLock(CommandCall& call, const Command& command) {
 constexpr const char* kNotTakenBack = "The samples from before could not be kept, so the change stays.";
 
 void takeBack(CPlumettaDoc& doc, std::unique_ptr<UndoStep> step) {
-  const AudioLockHeld held(doc.services().audioLock);
   if (step && doc.journal().restore(std::move(step))) return;
   doc.setModified(true);
   doc.prompter().message(kNotTakenBack);

@@ -198,9 +198,9 @@ std::vector<Command> editCommands() {
                                        positionalFrame("length", "Length")};
   // clang-format off
   return {
-      {"undo", "&Undo", "Ctrl+Z", Menu::edit, {}, nullptr, nullptr, Lock::throughout, runUndo,
+      {"undo", "&Undo", "Ctrl+Z", Menu::edit, {}, nullptr, nullptr, Lock::byItself, runUndo,
        [](CommandCall&) -> std::string { return "Undo"; }, Changes::samples},
-      {"redo", "&Redo", "Ctrl+Y", Menu::edit, {}, nullptr, nullptr, Lock::throughout, runRedo,
+      {"redo", "&Redo", "Ctrl+Y", Menu::edit, {}, nullptr, nullptr, Lock::byItself, runRedo,
        [](CommandCall&) -> std::string { return "Redo"; }, Changes::samples},
       {"cut", "Cu&t", "Ctrl+X", Menu::edit, {}, copyToClipboard, undoAs<UndoKind::cut>, Lock::throughout, deleteSelection,
        [](CommandCall&) -> std::string { return "Cut"; }, Changes::samples},

@@ -11,6 +11,7 @@
 #include "dsp/fir_filter.h"
 #include "dsp/moving_average.h"
 #include "dsp/recursive_filters.h"
+#include "dsp/sample_loops.h"
 
 namespace plumetta {
 namespace {
@@ -21,6 +22,15 @@ using Lock = Command::Lock;
 constexpr const char* kUnstable = "With these settings the filter is unstable: nothing was changed.";
 constexpr double kSmallestPositive = DBL_MIN;
 
+bool isFinite(CWave& wave) {
+  bool finite = true;
+  const auto channels = static_cast<size_t>(wave.channels());
+  forPieces(wave, {0, wave.frames() - 1}, [&](const float* samples, size_t frames) {
+    finite = finite && allFinite(samples, frames * channels);
+  });
+  return finite;
+}
+
 // Runs a filter with progress. What was cancelled, or has run away to infinity, is taken back.
 template <class Filter>
 std::optional<Refusal> filterWave(CommandCall& call, const char* title, Filter filter) {
@@ -30,7 +40,7 @@ std::optional<Refusal> filterWave(CommandCall& call, const char* title, Filter f
   filter(wave);
   call.samplesTouched = true;
   if (work.cancelled()) return Refusal{};
-  if (!allFinite(wave.samples(), wave.sampleCount())) return Refusal{kUnstable};
+  if (!isFinite(wave)) return Refusal{kUnstable};
   return std::nullopt;
 }
 

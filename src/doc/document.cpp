@@ -19,7 +19,7 @@ void addVersionChunk(CWave& wave) {
 }  // namespace
 
 CPlumettaDoc::CPlumettaDoc(DocumentServices& services)
-    : services_(services), journal_(services.files, services.undoFolder) {
+    : services_(services), journal_(services.files, services.undoFolder, services.audioLock) {
   journal_.attach(wave_, *this);
   addVersionChunk(wave_);
 }

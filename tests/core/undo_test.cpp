@@ -46,7 +46,8 @@ class Undo : public ::testing::TestWithParam<int> {
   std::unique_ptr<CWave> wave_;
   FixedDisplay display_;
   UndoFolder undoFolder_{nativeFileSystem(), folder_.path()};
-  CDoUndo journal_{nativeFileSystem(), undoFolder_};
+  AudioLock lock_;
+  CDoUndo journal_{nativeFileSystem(), undoFolder_, lock_};
 };
 
 TEST_P(Undo, WalksBackAndForthThroughEveryState) {
@@ -125,7 +126,8 @@ TEST(UndoFiles, WhatCouldNotBeKeptIsNeverRestoredAsSilence) {
   for (int failAt = 0; failAt < 6; ++failAt) {
     FailingFileSystem files(failAt);
     UndoFolder undoFolder(files, folder.path());
-    CDoUndo journal(files, undoFolder);
+    AudioLock lock;
+    CDoUndo journal(files, undoFolder, lock);
     journal.attach(*wave, display);
     journal.setInRam(0);
     journal.push(UndoKind::cut);
