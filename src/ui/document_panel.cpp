@@ -118,6 +118,15 @@ void DocumentPanel::playbackStopped() {
   refreshAll();
 }
 
+void DocumentPanel::showPlayFrame(std::optional<double> frame) {
+  const auto before = std::exchange(view_.playFrame, frame);
+  const bool held = overview_->dragging() || canvas_->dragging();
+  if (before && frame && view_.settings.followPlayback && !held) view_.followPlayback(*before, *frame);
+  for (ViewWindow* part : std::initializer_list<ViewWindow*>{overview_, ruler_, canvas_}) {
+    part->followPlayFrame();
+  }
+}
+
 void DocumentPanel::onCanvasSize(wxSizeEvent& event) {
   view_.setWidth(std::max(canvas_->GetClientSize().x, 1));
   refreshAll();
