@@ -55,6 +55,7 @@ DocumentPanel::DocumentPanel(wxWindow* parent, CPlumettaDoc& doc, DisplaySetting
 DocumentPanel::~DocumentPanel() { view_.doc.setListener(nullptr); }
 
 void DocumentPanel::arrange() {
+  SetBackgroundStyle(wxBG_STYLE_SYSTEM);
   SetBackgroundColour(view_.theme.margin);
   const int margin = header_->GetMinSize().x;
   auto* sizer = new wxBoxSizer(wxVERTICAL);
@@ -122,9 +123,8 @@ void DocumentPanel::showPlayFrame(std::optional<double> frame) {
   const auto before = std::exchange(view_.playFrame, frame);
   const bool held = overview_->dragging() || canvas_->dragging();
   if (before && frame && view_.settings.followPlayback && !held) view_.followPlayback(*before, *frame);
-  for (ViewWindow* part : std::initializer_list<ViewWindow*>{overview_, ruler_, canvas_}) {
-    part->followPlayFrame();
-  }
+  overview_->followPlayFrame();
+  canvas_->followPlayFrame();
 }
 
 void DocumentPanel::onCanvasSize(wxSizeEvent& event) {

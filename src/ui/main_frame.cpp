@@ -17,6 +17,7 @@ constexpr const char* kWindow = "Window";
 constexpr const char* kProgram = "Plumetta";
 constexpr int kHistoryWidth = 184;
 constexpr int kNarrowestHistory = 120;
+constexpr int kRefreshMilliseconds = 100;
 
 enum Page { kStartPage, kDocuments };
 
@@ -24,6 +25,14 @@ enum Page { kStartPage, kDocuments };
 constexpr const char* kTools[] = {
     "new",    "open", "save", "",        "undo",     "redo",           "",        "cut", "copy", "paste",
     "delete", "trim", "",     "zoom-in", "zoom-out", "zoom-selection", "zoom-all"};
+
+// Each step of a play cursor passes through all windows that it lies in, and one of the usual kind asks the
+// toolkit for font and colour each time and erases itself: dear at sixty steps a second.
+void easeRepainting(wxWindow& window) {
+  window.SetFont(window.GetFont());
+  window.SetOwnForegroundColour(window.GetForegroundColour());
+  window.SetBackgroundStyle(wxBG_STYLE_SYSTEM);
+}
 
 class FileDrop : public wxFileDropTarget {
  public:
@@ -57,6 +66,10 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       menus_(*this, [this] { return !prompter_.working(); }),
       place_(*this, profile_) {
   SetIcons(programIcons());
+  for (wxWindow* window : {static_cast<wxWindow*>(this), static_cast<wxWindow*>(sides_),
+                           static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
+    easeRepainting(*window);
+  }
   pages_->AddPage(startPage_, wxString());
   pages_->AddPage(tabs_, wxString());
   sides_->SetSashGravity(1.0);
@@ -110,9 +123,14 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   }
   Bind(wxEVT_CHAR_HOOK, &MainFrame::onMediaKey, this);
   Bind(wxEVT_CLOSE_WINDOW, &MainFrame::onClose, this);
+  SetExtraStyle(GetExtraStyle() | wxWS_EX_PROCESS_IDLE);
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
-    menus_.refresh();
-    transportBar_->follow(sound_.recorder().buttonMarked());
+    // While a play cursor runs, the next idle time is near, and buttons need not follow at each.
+    if (!sound_.following() || sinceRefresh_.Time() >= kRefreshMilliseconds) {
+      sinceRefresh_.Start();
+      menus_.refresh();
+      transportBar_->follow(sound_.recorder().buttonMarked());
+    }
     if (sides_->IsSplit() && !prompter_.working()) history_->follow(tabs_->active());
     const bool watched = spectrum_ != nullptr && spectrum_->IsShown() && !prompter_.working();
     if (watched && spectrum_->follow(tabs_->active())) event.RequestMore();
@@ -202,7 +220,7 @@ void MainFrame::showTransportBar(bool show) {
 void MainFrame::buildStatusBar() {
   wxStatusBar* bar = CreateStatusBar(kStatusFields, wxSTB_DEFAULT_STYLE);
   // Shares of the width, so that in a narrow window every field keeps some room; what is cut has a tooltip.
-  const int widths[kStatusFields] = {-3, -3, -3, -4, -2, -5};
+  const int widths[kStatusFields] = {-3, -4, -3, -4, -2, -4};
   int styles[kStatusFields];
   for (int& style : styles) style = wxSB_FLAT;
   bar->SetStatusWidths(kStatusFields, widths);

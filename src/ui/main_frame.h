@@ -4,6 +4,7 @@
 #include <wx/frame.h>
 #include <wx/simplebook.h>
 #include <wx/splitter.h>
+#include <wx/stopwatch.h>
 
 #include <string>
 #include <vector>
@@ -117,6 +118,7 @@ class MainFrame : public wxFrame {
   SoundControl sound_;
   ActionMenus menus_;
   WindowPlace place_;
+  wxStopWatch sinceRefresh_;
   TransportBar* transportBar_ = nullptr;  // once the menus are built
   CSpectrumDlg* spectrum_ = nullptr;      // made when it is first asked for
 };

@@ -156,10 +156,10 @@ wxString SoundControl::status() const {
     const double seconds = static_cast<double>(recorder_.framesRecorded()) / recorder_.inputRate();
     return "Recording " + toWx(formatTime(seconds, 0));
   }
-  if (recorder_.monitoring()) return wxString::Format("Input on, %d Hz", recorder_.inputRate());
+  if (recorder_.monitoring()) return wxString::Format("Input %d Hz", recorder_.inputRate());
   if (!app_.output().running()) return "Output off";
   const int late = app_.output().underruns();
-  return wxString::Format(late == 1 ? "Output on, %d Hz, %d dropout" : "Output on, %d Hz, %d dropouts",
+  return wxString::Format(late == 1 ? "Output %d Hz, %d dropout" : "Output %d Hz, %d dropouts",
                           controls().outputRate.load(), late);
 }
 

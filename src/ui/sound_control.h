@@ -39,6 +39,8 @@ class SoundControl : public RecorderHost {
 
   bool playing() const { return controls().playing; }
   bool winding(WindMode mode) const { return playing() && controls().windMode == mode; }
+  // A play cursor moves.
+  bool following() const { return follower_.source() != nullptr; }
   bool looping() const { return controls().loop; }
   const Recorder& recorder() const { return recorder_; }
   // The largest input magnitude since it was last asked, for meters while `recorder().monitoring()`.

@@ -81,7 +81,6 @@ void TimeRuler::paint(wxGraphicsContext& gc, const wxRect& area) {
     if (!major) continue;
     gc.DrawText(label(frame, ticks), x + FromDIP(4), FromDIP(2));
   }
-  paintPlayCursor(gc, area);
   const double cursor = snapped(scale.x(state.cursor)) + hairline() / 2;
   const double arm = FromDIP(4);
   if (cursor < area.x - arm || cursor > area.x + area.width + arm) return;

@@ -34,9 +34,10 @@ wxString volumeText(float factor) {
 }
 
 VolumeSlider::VolumeSlider(wxWindow* parent, std::atomic<float>& volume)
-    : wxSlider(parent, wxID_ANY, kSteps, 0, 2 * kSteps), volume_(volume) {
+    : wxSlider(parent, wxID_ANY, kSteps, 0, 2 * kSteps, wxDefaultPosition,
+               wxWindow::FromDIP(wxSize(kSliderWidth, -1), parent)),
+      volume_(volume) {
   SetName("General volume");
-  SetMinSize(FromDIP(wxSize(kSliderWidth, -1)));
   Bind(wxEVT_SLIDER, [this](wxCommandEvent&) { setVolume(static_cast<float>(GetValue()) / kSteps); });
   Bind(wxEVT_LEFT_DCLICK, [this](wxMouseEvent&) { setVolume(1); });
   follow();

@@ -21,6 +21,9 @@ ViewWindow::ViewWindow(wxWindow* parent, WaveView& view, long style)
       view_(view),
       autoscroll_(this) {
   SetBackgroundStyle(wxBG_STYLE_PAINT);
+  // Never seen, but asked for at each painting.
+  SetForegroundColour(view.theme.text);
+  SetBackgroundColour(view.theme.margin);
   Bind(wxEVT_PAINT, &ViewWindow::onPaint, this);
   Bind(wxEVT_MOTION, &ViewWindow::onMotion, this);
   Bind(wxEVT_LEFT_UP, &ViewWindow::onLeftUp, this);
