@@ -5,6 +5,7 @@
 #include <wx/toolbar.h>
 
 #include <algorithm>
+#include <ranges>
 #include <stdexcept>
 
 #include "ui/text.h"
@@ -141,7 +142,7 @@ void ActionMenus::onMenu(wxCommandEvent& event) {
 
 void ActionMenus::onCharHook(wxKeyEvent& event) {
   const bool typing = dynamic_cast<wxTextEntry*>(wxWindow::FindFocus()) != nullptr;
-  for (const wxAcceleratorEntry& key : keys_) {
+  for (const wxAcceleratorEntry& key : keys_ | std::views::reverse) {
     if (typing || event.GetKeyCode() != key.GetKeyCode() || flagsOf(event) != key.GetFlags()) continue;
     const Action& action = *items_.at(key.GetCommand()).action;
     if (action.enabled && !action.enabled()) continue;

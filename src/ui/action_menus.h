@@ -40,7 +40,8 @@ class ActionMenus {
 
   // Makes the menu bar. Once.
   void build(std::vector<MenuPlan> plan);
-  // Another key for an action, beside the one in its menu.
+  // Another key for an action, beside the one in its menu. An action that had the key before keeps it for
+  // when this one can't be chosen.
   void addKey(const std::string& key, const std::string& id);
   void refill(const std::string& id);
   // Brings enabled and checked states of menus and toolbar up to date. Cheap when nothing has changed.

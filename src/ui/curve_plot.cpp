@@ -32,6 +32,7 @@ CurvePlot::CurvePlot(wxWindow* parent)
   SetBackgroundStyle(wxBG_STYLE_PAINT);
   SetMinSize(FromDIP(wxSize(240, 140)));
   Bind(wxEVT_PAINT, &CurvePlot::onPaint, this);
+  SetExtraStyle(GetExtraStyle() | wxWS_EX_PROCESS_IDLE);
   Bind(wxEVT_IDLE, &CurvePlot::onIdle, this);
   Bind(wxEVT_MOTION, &CurvePlot::onMotion, this);
   Bind(wxEVT_LEFT_DOWN, &CurvePlot::onLeftDown, this);

@@ -55,6 +55,7 @@ DocumentPanel::DocumentPanel(wxWindow* parent, CPlumettaDoc& doc, DisplaySetting
 DocumentPanel::~DocumentPanel() { view_.doc.setListener(nullptr); }
 
 void DocumentPanel::arrange() {
+  SetBackgroundStyle(wxBG_STYLE_SYSTEM);
   SetBackgroundColour(view_.theme.margin);
   const int margin = header_->GetMinSize().x;
   auto* sizer = new wxBoxSizer(wxVERTICAL);
@@ -116,6 +117,14 @@ void DocumentPanel::titleChanged() {
 void DocumentPanel::playbackStopped() {
   showFrame(view_.doc.view().cursor);
   refreshAll();
+}
+
+void DocumentPanel::showPlayFrame(std::optional<double> frame) {
+  const auto before = std::exchange(view_.playFrame, frame);
+  const bool held = overview_->dragging() || canvas_->dragging();
+  if (before && frame && view_.settings.followPlayback && !held) view_.followPlayback(*before, *frame);
+  overview_->followPlayFrame();
+  canvas_->followPlayFrame();
 }
 
 void DocumentPanel::onCanvasSize(wxSizeEvent& event) {

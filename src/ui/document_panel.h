@@ -5,6 +5,7 @@
 #include <wx/scrolbar.h>
 
 #include <functional>
+#include <optional>
 
 #include "doc/document.h"
 #include "ui/wave_view.h"
@@ -34,6 +35,11 @@ class DocumentPanel : public wxPanel, public DocumentListener {
   void zoomVerticalReset();
   // Scrolls as little as needed for a frame to be seen.
   void showFrame(int32_t frame) { view_.show(frame); }
+
+  // What is heard of this document; nothing when it isn't played. The view scrolls along if that is wanted.
+  void showPlayFrame(std::optional<double> frame);
+  // The document takes over what playing has moved.
+  void followPlayback() { view_.doc.followPlayback(); }
 
   // The fields of a status bar, as the person counts time at this moment.
   wxString statusFormat() const;

@@ -99,6 +99,11 @@ DocumentPanel* DocumentTabs::activePanel() const {
   return entry != nullptr ? entry->panel : nullptr;
 }
 
+DocumentPanel* DocumentTabs::panelOf(const PlaybackSource* source) const {
+  const auto found = std::ranges::find_if(entries_, [&](const Entry& own) { return own.doc == source; });
+  return found != entries_.end() ? found->panel : nullptr;
+}
+
 std::vector<CPlumettaDoc*> DocumentTabs::documents() const {
   std::vector<CPlumettaDoc*> all;
   for (size_t page = 0; page < GetPageCount(); ++page) {

@@ -25,6 +25,8 @@ class DocumentTabs : public wxAuiNotebook {
   // The document in front; null with none open.
   CPlumettaDoc* active() const;
   DocumentPanel* activePanel() const;
+  // The window of a document; null when it has none, or for no document.
+  DocumentPanel* panelOf(const PlaybackSource* source) const;
   // In the order of the tabs.
   std::vector<CPlumettaDoc*> documents() const;
 

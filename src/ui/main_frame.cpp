@@ -17,14 +17,22 @@ constexpr const char* kWindow = "Window";
 constexpr const char* kProgram = "Plumetta";
 constexpr int kHistoryWidth = 184;
 constexpr int kNarrowestHistory = 120;
+constexpr int kRefreshMilliseconds = 100;
 
 enum Page { kStartPage, kDocuments };
-enum StatusField { kMessage, kFormat, kLength, kCursor, kSelection, kStatusFields };
 
 // Groups of actions; an empty name stands for the gap between two.
 constexpr const char* kTools[] = {
     "new",    "open", "save", "",        "undo",     "redo",           "",        "cut", "copy", "paste",
     "delete", "trim", "",     "zoom-in", "zoom-out", "zoom-selection", "zoom-all"};
+
+// Each step of a play cursor passes through all windows that it lies in, and one of the usual kind asks the
+// toolkit for font and colour each time and erases itself: dear at sixty steps a second.
+void easeRepainting(wxWindow& window) {
+  window.SetFont(window.GetFont());
+  window.SetOwnForegroundColour(window.GetForegroundColour());
+  window.SetBackgroundStyle(wxBG_STYLE_SYSTEM);
+}
 
 class FileDrop : public wxFileDropTarget {
  public:
@@ -54,9 +62,14 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       history_(new HistoryPane(sides_)),
       historyWanted_(profile_.integer(kWindow, "History", 0) != 0),
       files_(*this, app, *tabs_, profile_, recent_),
+      sound_(app, *tabs_, prompter),
       menus_(*this, [this] { return !prompter_.working(); }),
       place_(*this, profile_) {
   SetIcons(programIcons());
+  for (wxWindow* window : {static_cast<wxWindow*>(this), static_cast<wxWindow*>(sides_),
+                           static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
+    easeRepainting(*window);
+  }
   pages_->AddPage(startPage_, wxString());
   pages_->AddPage(tabs_, wxString());
   sides_->SetSashGravity(1.0);
@@ -70,9 +83,16 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     menus_.addKey(key, "zoom-in");
   menus_.addKey("Ctrl+KP_Subtract", "zoom-out");
   menus_.addKey("Ctrl+Shift+Z", "redo");
+  menus_.addKey("Space", "stop");  // which is possible only while "play" would begin anew
   menus_.addKey("Ctrl+Tab", "next-window");
   menus_.addKey("Ctrl+Shift+Tab", "previous-window");
   if (profile_.integer(kWindow, "Toolbar", 1) != 0) buildToolBar();
+  transportBar_ = new TransportBar(this, menus_, app.generalVolume());
+  transportBar_->Show(profile_.integer(kWindow, "Transport", 1) != 0);
+  auto* rows = new wxBoxSizer(wxVERTICAL);
+  rows->Add(sides_, 1, wxEXPAND);
+  rows->Add(transportBar_, 0, wxEXPAND);
+  SetSizer(rows);
 
   startPage_->onOpen = [this] { files_.open(); };
   startPage_->onNew = [this] { files_.createNew(); };
@@ -92,6 +112,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   tabs_->onCloseWanted = [this](CPlumettaDoc& doc) {
     if (!prompter_.working()) files_.close(doc);
   };
+  sound_.onChanged = [this] { followSound(); };
   history_->onChosen = [this](size_t steps) { goInHistory(steps); };
   sides_->Bind(wxEVT_SPLITTER_DOUBLECLICKED, [](wxSplitterEvent& event) { event.Veto(); });
   prompter_.setParent(this);
@@ -102,8 +123,14 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   }
   Bind(wxEVT_CHAR_HOOK, &MainFrame::onMediaKey, this);
   Bind(wxEVT_CLOSE_WINDOW, &MainFrame::onClose, this);
+  SetExtraStyle(GetExtraStyle() | wxWS_EX_PROCESS_IDLE);
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
-    menus_.refresh();
+    // While a play cursor runs, the next idle time is near, and buttons need not follow at each.
+    if (!sound_.following() || sinceRefresh_.Time() >= kRefreshMilliseconds) {
+      sinceRefresh_.Start();
+      menus_.refresh();
+      transportBar_->follow(sound_.recorder().buttonMarked());
+    }
     if (sides_->IsSplit() && !prompter_.working()) history_->follow(tabs_->active());
     const bool watched = spectrum_ != nullptr && spectrum_->IsShown() && !prompter_.working();
     if (watched && spectrum_->follow(tabs_->active())) event.RequestMore();
@@ -125,9 +152,11 @@ MainFrame::~MainFrame() {
 void MainFrame::begin(const std::vector<std::string>& paths) {
   paths.empty() ? files_.reopenFiles() : files_.openPaths(paths);
   startRemote();
+  sound_.offerRecovery();
 }
 
 void MainFrame::applySettings() {
+  app_.applyPlaybackSettings();
   app_.saveSettings();
   recent_.followSettings();
   tabs_->followSettings();
@@ -182,10 +211,16 @@ void MainFrame::showToolBar(bool show) {
   SendSizeEvent();
 }
 
+void MainFrame::showTransportBar(bool show) {
+  profile_.setInteger(kWindow, "Transport", show ? 1 : 0);
+  transportBar_->Show(show);
+  Layout();
+}
+
 void MainFrame::buildStatusBar() {
   wxStatusBar* bar = CreateStatusBar(kStatusFields, wxSTB_DEFAULT_STYLE);
   // Shares of the width, so that in a narrow window every field keeps some room; what is cut has a tooltip.
-  const int widths[kStatusFields] = {-3, -3, -4, -2, -5};
+  const int widths[kStatusFields] = {-3, -4, -3, -4, -2, -4};
   int styles[kStatusFields];
   for (int& style : styles) style = wxSB_FLAT;
   bar->SetStatusWidths(kStatusFields, widths);
@@ -240,7 +275,9 @@ void MainFrame::goInHistory(size_t steps) {
 
 void MainFrame::showTitle() {
   const CPlumettaDoc* doc = tabs_->active();
-  SetTitle(doc != nullptr ? markedTitle(*doc) + toWx(" – ") + kProgram : wxString(kProgram));
+  wxString title = toWx(sound_.recorder().blinkTitle());
+  if (title.empty()) title = doc != nullptr ? markedTitle(*doc) + toWx(" – ") + kProgram : wxString(kProgram);
+  if (title != GetTitle()) SetTitle(title);
 }
 
 void MainFrame::onActivated() {
@@ -259,11 +296,13 @@ void MainFrame::onActivated() {
 
 void MainFrame::onClose(wxCloseEvent& event) {
   files_.storeOpenFiles();
-  const bool mayGo = !prompter_.working() && files_.closeAll();
+  const bool mayGo = !prompter_.working() && sound_.confirmClose() && files_.closeAll();
   if (!mayGo && event.CanVeto()) {
     event.Veto();
+    sound_.stayedOpen();
     return;
   }
+  sound_.shutDown();
   app_.midi().closeAll();
   if (app_.rememberVolume()) app_.saveSettings();
   place_.store();

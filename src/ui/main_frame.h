@@ -4,6 +4,7 @@
 #include <wx/frame.h>
 #include <wx/simplebook.h>
 #include <wx/splitter.h>
+#include <wx/stopwatch.h>
 
 #include <string>
 #include <vector>
@@ -15,8 +16,10 @@
 #include "ui/file_commands.h"
 #include "ui/history_pane.h"
 #include "ui/recent_files.h"
+#include "ui/sound_control.h"
 #include "ui/spectrum_dialog.h"
 #include "ui/start_page.h"
+#include "ui/transport_bar.h"
 #include "ui/window_place.h"
 #include "ui/window_profile.h"
 #include "ui/window_prompter.h"
@@ -34,6 +37,8 @@ class MainFrame : public wxFrame {
   void begin(const std::vector<std::string>& paths);
 
  private:
+  enum StatusField { kMessage, kSound, kFormat, kLength, kCursor, kSelection, kStatusFields };
+
   // The rows of each menu (window_actions.cpp, and command_menus.cpp for those of the command table).
   std::vector<MenuPlan> menuPlan();
   MenuPlan fileMenu();
@@ -42,6 +47,7 @@ class MainFrame : public wxFrame {
   MenuPlan processMenu();
   MenuPlan channelMenu();
   MenuPlan markerMenu();
+  MenuPlan transportMenu();  // transport_actions.cpp
   MenuPlan windowMenu();
   MenuPlan helpMenu();
   // The rows that the command table has for a menu.
@@ -66,6 +72,8 @@ class MainFrame : public wxFrame {
   void goTo(CPlumettaDoc& doc);
   void editPreferences();
   void configureMidi();
+  void configureAudio();
+  void configureRouting();
   // What a settings dialog or a window has changed takes effect and is stored.
   void applySettings();
   // Remote control and media keys (remote_actions.cpp).
@@ -82,6 +90,9 @@ class MainFrame : public wxFrame {
 
   void buildToolBar();
   void buildStatusBar();
+  void showTransportBar(bool show);
+  // Title, buttons and status line follow what goes on at the devices.
+  void followSound();
   void showToolBar(bool show);
   // The history beside the documents, if it is wanted and there is a document.
   void showHistory();
@@ -104,9 +115,12 @@ class MainFrame : public wxFrame {
   HistoryPane* history_;
   bool historyWanted_;
   FileCommands files_;
+  SoundControl sound_;
   ActionMenus menus_;
   WindowPlace place_;
-  CSpectrumDlg* spectrum_ = nullptr;  // made when it is first asked for
+  wxStopWatch sinceRefresh_;
+  TransportBar* transportBar_ = nullptr;  // once the menus are built
+  CSpectrumDlg* spectrum_ = nullptr;      // made when it is first asked for
 };
 
 }  // namespace plumetta

@@ -58,6 +58,7 @@ void OverviewStrip::paint(wxGraphicsContext& gc, const wxRect& area) {
   }
   fillRect(gc, theme().cursor, snapped(scale.x(state.cursor)), 0, hairline(), height);
   paintWindow(gc, scale);
+  paintPlayCursor(gc, area);
   fillRect(gc, theme().line, area.x, height - hairline(), area.width, hairline());
 }
 

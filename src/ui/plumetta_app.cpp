@@ -46,6 +46,9 @@ bool PlumettaApp::OnInit() {
   // The toolkit has taken over the person's locale. Numbers that the program itself writes and reads, in
   // files and settings, keep their decimal point all the same.
   std::setlocale(LC_NUMERIC, "C");
+  // The play cursor wakes the window sixty times a second: only what asks for it hears of each time.
+  wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
+  wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
   application_ = std::make_unique<Application>(prompter_, nativeFileSystem(), home_);
   application_->setSystemClipboard(&clipboard_);
   auto* frame = new MainFrame(*application_, prompter_);

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What drives the window from outside: MIDI controllers and the media keys of a keyboard.
-#include <wx/dialog.h>
-
 #include "app/midi_setup.h"
 #include "ui/main_frame.h"
 
 namespace plumetta {
 namespace {
 
-// The action that each command chooses; none for those that need no window. Those of the transport are there
-// as soon as the menus have them.
+// The action that each command chooses; none for those that need no window.
 const char* actionOf(RemoteCommand command) {
   switch (command) {
     case RemoteCommand::play:
@@ -44,7 +41,7 @@ const char* actionOf(RemoteCommand command) {
 const char* actionOf(int key) {
   switch (key) {
     case WXK_MEDIA_PLAY_PAUSE:
-      return "play";
+      return "pause";
     case WXK_MEDIA_STOP:
       return "stop";
     case WXK_MEDIA_NEXT_TRACK:
@@ -54,14 +51,6 @@ const char* actionOf(int key) {
     default:
       return nullptr;
   }
-}
-
-bool dialogIsOpen() {
-  for (const wxWindow* window : wxTopLevelWindows) {
-    const auto* dialog = dynamic_cast<const wxDialog*>(window);
-    if (dialog != nullptr && dialog->IsModal()) return true;
-  }
-  return false;
 }
 
 }  // namespace
@@ -76,7 +65,8 @@ void MainFrame::startRemote() {
 void MainFrame::onRemote(RemoteCommand command) {
   const char* const action = actionOf(command);
   // A document must not change under a dialog that asks about it.
-  if (action != nullptr && !dialogIsOpen()) menus_.choose(action);
+  if (action != nullptr && !prompter_.asking()) menus_.choose(action);
+  followSound();  // the volume may have changed
 }
 
 void MainFrame::onMediaKey(wxKeyEvent& event) {

@@ -27,6 +27,7 @@ struct Theme {
   wxColour clip;                       // beyond full scale
 
   wxColour cursor;
+  wxColour playCursor;
   wxColour marker, markerText;
   wxColour loop;
   wxColour envelope;

@@ -31,6 +31,20 @@ const std::map<std::string, const char*>& drawings() {
       {"zoom-selection",
        "<path d='M3.5 8v-4.5h4.5M16 3.5h4.5v4.5M20.5 16v4.5h-4.5M8 20.5h-4.5v-4.5'/>"
        "<path d='M8 10v4M12 7.5v9M16 10v4'/>"},
+      {"back-to-start", "<path d='M5.5 5v14M18.5 5v14l-10-7z'/>"},
+      {"rewind", "<path d='M11.5 6v12l-8-6zM20.5 6v12l-8-6z'/>"},
+      {"play", "<path d='M7 4.5l12 7.5l-12 7.5z'/>"},
+      {"play-all", "<path d='M4 5v14M9 5l10 7l-10 7zM21 5v14'/>"},
+      {"pause", "<path d='M7 5h3v14h-3zM14 5h3v14h-3z'/>"},
+      {"stop", "<path d='M6 6h12v12h-12z'/>"},
+      {"forward", "<path d='M3.5 6v12l8-6zM12.5 6v12l8-6z'/>"},
+      {"loop",
+       "<path d='M6 17a6 6 0 0 1 0-10h12'/><path d='M15 4l3 3l-3 3'/>"
+       "<path d='M18 7a6 6 0 0 1 0 10h-12'/><path d='M9 20l-3-3l3-3'/>"},
+      {"record", "<circle cx='12' cy='12' r='6.5'/><circle cx='12' cy='12' r='2.5'/>"},
+      {"monitor",
+       "<path d='M9 4.5a3 3 0 0 1 6 0v6a3 3 0 0 1-6 0z'/><path d='M5.5 10.5a6.5 6.5 0 0 0 13 0M12 "
+       "17v4M8.5 21h7'/>"},
       {"zoom-all", "<path d='M3 4v16M21 4v16M6.5 12h11'/><path d='M9.5 9l-3 3l3 3M14.5 9l3 3l-3 3'/>"},
   };
   return all;

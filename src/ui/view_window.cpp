@@ -10,6 +10,8 @@ namespace plumetta {
 namespace {
 
 constexpr int kAutoscrollMilliseconds = 30;
+// Deep in a long file an edge may lie beyond what a rasteriser can count.
+constexpr double kFar = 1e5;
 constexpr double kSettingDistance = 20;  // pixels outside of the window at which the setting is the speed
 
 }  // namespace
@@ -19,6 +21,9 @@ ViewWindow::ViewWindow(wxWindow* parent, WaveView& view, long style)
       view_(view),
       autoscroll_(this) {
   SetBackgroundStyle(wxBG_STYLE_PAINT);
+  // Never seen, but asked for at each painting.
+  SetForegroundColour(view.theme.text);
+  SetBackgroundColour(view.theme.margin);
   Bind(wxEVT_PAINT, &ViewWindow::onPaint, this);
   Bind(wxEVT_MOTION, &ViewWindow::onMotion, this);
   Bind(wxEVT_LEFT_UP, &ViewWindow::onLeftUp, this);
@@ -61,6 +66,25 @@ void ViewWindow::follow() {
     refreshFrames(before.selectionStart, before.selectionEnd);
     refreshFrames(now.selectionStart, now.selectionEnd);
   }
+}
+
+std::optional<double> ViewWindow::playX() const {
+  const auto scale = ownScale();
+  if (!scale || !view_.playFrame) return std::nullopt;
+  return snapped(std::clamp(scale->x(*view_.playFrame), -kFar, kFar));
+}
+
+void ViewWindow::followPlayFrame() {
+  const auto now = playX();
+  const auto before = std::exchange(shownPlayX_, now);
+  if (now == before) return;
+  for (const auto& x : {before, now}) {
+    if (x) refreshColumns(*x, *x + hairline());
+  }
+}
+
+void ViewWindow::paintPlayCursor(wxGraphicsContext& gc, const wxRect& area) const {
+  if (const auto x = playX()) fillRect(gc, theme().playCursor, *x, area.y, hairline(), area.height);
 }
 
 void ViewWindow::refreshColumns(double from, double to) {
@@ -146,8 +170,6 @@ void ViewWindow::endDrag() {
 
 void fillRect(wxGraphicsContext& gc, const wxColour& colour, double x, double y, double width,
               double height) {
-  // Deep in a long file an edge may lie beyond what a rasteriser can count.
-  constexpr double kFar = 1e5;
   const double left = std::max(x, -kFar);
   const double right = std::min(x + width, kFar);
   if (right <= left || height <= 0) return;

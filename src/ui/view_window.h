@@ -31,6 +31,8 @@ class ViewWindow : public wxWindow {
 
   // Cursor, selection, scroll position or zoom may have changed.
   virtual void follow();
+  // What is heard has moved, to `view_.playFrame`: only the pixels that change are drawn again.
+  void followPlayFrame();
   // True when there was a drag to cancel.
   bool cancelDrag();
   bool dragging() const { return drag_ != nullptr; }
@@ -52,6 +54,8 @@ class ViewWindow : public wxWindow {
   // A line of this many logical pixels, at least one device pixel wide.
   double hairline() const;
   wxFont smallFont() const;
+  // The line at what is heard, if there is one, from the top of the area to its bottom.
+  void paintPlayCursor(wxGraphicsContext& gc, const wxRect& area) const;
   void refreshColumns(double from, double to);
   void startDrag(std::unique_ptr<Drag> drag);
 
@@ -63,11 +67,13 @@ class ViewWindow : public wxWindow {
   void onLeftUp(wxMouseEvent& event);
   void onTimer(wxTimerEvent&);
   void endDrag();
+  std::optional<double> playX() const;
 
   std::unique_ptr<Drag> drag_;
   wxTimer autoscroll_;
   ViewState shown_;
   std::optional<FrameScale> shownScale_;
+  std::optional<double> shownPlayX_;
 };
 
 // Fills a rectangle without an outline.

@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kLargestAmplitudeZoom = 4096;  // a 16-bit step fills an eighth of a lane
 constexpr double kSmallestAmplitudeZoom = 0.25;
+constexpr double kPageMargin = 0.05;        // of the window: what the eye keeps of the page before
 constexpr double kSnapReachSeconds = 0.02;  // half a period of 25 Hz
 
 }  // namespace
@@ -53,6 +54,14 @@ void WaveView::scrollTo(double firstFrame) {
 }
 
 void WaveView::show(double frame) { apply(showing(scale(), frame, doc.wave().frames(), width_)); }
+
+void WaveView::followPlayback(double before, double now) {
+  const FrameScale shown = scale();
+  const auto seen = [&](double frame) { return frame >= shown.first && frame <= shown.first + span(); };
+  if (!seen(before) || seen(now)) return;
+  const double margin = span() * kPageMargin;
+  scrollTo(now > before ? now - margin : now + margin - span());
+}
 
 void WaveView::setAmplitudeZoom(double zoom) {
   amplitudeZoom_ = std::clamp(zoom, kSmallestAmplitudeZoom, kLargestAmplitudeZoom);

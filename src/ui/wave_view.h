@@ -42,6 +42,7 @@ class WaveView {
   DisplaySettings& settings;  // of all documents together
   Theme theme = Theme::ofSystem();
   DragPreview preview;
+  std::optional<double> playFrame;         // what is heard; nothing while this document isn't played
   std::function<void()> onRefresh;         // everything shall be drawn again
   std::function<void()> onPreviewChanged;  // annotations shall be drawn again
   std::function<void()> onSettingsChanged;
@@ -61,6 +62,8 @@ class WaveView {
   void scrollTo(double firstFrame);
   void scrollBy(double pixels) { scrollTo(scale().frame(pixels)); }
   void show(double frame);
+  // Turns the page when what is heard passes from the frame `before`, in sight, to one out of sight.
+  void followPlayback(double before, double now);
 
   double amplitudeZoom() const { return amplitudeZoom_; }
   void setAmplitudeZoom(double zoom);

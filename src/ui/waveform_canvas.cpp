@@ -71,6 +71,7 @@ void WaveformCanvas::paint(wxGraphicsContext& gc, const wxRect& area) {
   envelope_.paint(gc, area.x, area.x + area.width);
   const double cursor = snapped(scale.x(state.cursor));
   fillRect(gc, theme().cursor, cursor, area.y, hairline(), area.height);
+  paintPlayCursor(gc, area);
   if (HasFocus()) paintFocus(gc);
 }
 

@@ -40,6 +40,7 @@ std::vector<MenuPlan> MainFrame::menuPlan() {
   plan.push_back(markerMenu());
   plan.push_back({"&Loop", commandActions(Menu::loop)});
   plan.push_back({"V&olume", commandActions(Menu::volume)});
+  plan.push_back(transportMenu());
   plan.push_back(windowMenu());
   plan.push_back(helpMenu());
   return plan;
@@ -140,7 +141,11 @@ MenuPlan MainFrame::editMenu() {
        kSeparator,
        {"preferences", "Pre&ferences…", "Ctrl+,", "How the editor behaves", [this] { editPreferences(); }},
        {"midi", "MID&I remote control…", "", "Controllers of MIDI devices that drive the editor",
-        [this] { configureMidi(); }}});
+        [this] { configureMidi(); }},
+       {"audio", "Aud&io configuration…", "", "Devices, rates and buffers of output and input",
+        [this] { configureAudio(); }},
+       {"routing", "Output &routing…", "", "Which channel is heard on which output",
+        [this] { configureRouting(); }}});
   return menu;
 }
 
@@ -197,6 +202,9 @@ MenuPlan MainFrame::viewMenu() {
                   SendSizeEvent();
                 }};
   status.checked = [this] { return GetStatusBar()->IsShown(); };
+  Action transport{"transport-bar", "Tra&nsport bar", "", "",
+                   [this] { showTransportBar(!transportBar_->IsShown()); }};
+  transport.checked = [this] { return transportBar_ != nullptr && transportBar_->IsShown(); };
   Action history{"history", "&History", "Ctrl+H", "What has been done to this file", [this] {
                    historyWanted_ = !historyWanted_;
                    profile_.setInteger("Window", "History", historyWanted_ ? 1 : 0);
@@ -221,7 +229,7 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc& doc) { showStatistics(doc); }),
        documentAction("spectrum", "S&pectrum…", "F9", "Levels along frequency, peaks and their notes",
                       [this](CPlumettaDoc&) { showSpectrum(); }),
-       kSeparator, history, toolbar, status}};
+       kSeparator, history, toolbar, transport, status}};
 }
 
 MenuPlan MainFrame::markerMenu() {

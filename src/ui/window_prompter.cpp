@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window_prompter.h"
 
+#include <wx/dialog.h>
 #include <wx/msgdlg.h>
 #include <wx/utils.h>
 
@@ -38,14 +39,27 @@ class BusyPause {
 
 wxWindow* WindowPrompter::boxParent() const { return dialog_ ? dialog_.get() : parent_; }
 
-void WindowPrompter::message(const std::string& text) {
+int WindowPrompter::showBox(const std::string& text, long style) {
   const BusyPause pause;
-  wxMessageBox(toWx(text), "Plumetta", wxOK | wxICON_INFORMATION | wxCENTRE, boxParent());
+  ++boxes_;
+  const int answer = wxMessageBox(toWx(text), "Plumetta", style | wxCENTRE, boxParent());
+  --boxes_;
+  return answer;
 }
 
+void WindowPrompter::message(const std::string& text) { showBox(text, wxOK | wxICON_INFORMATION); }
+
 bool WindowPrompter::question(const std::string& text) {
-  const BusyPause pause;
-  return wxMessageBox(toWx(text), "Plumetta", wxYES_NO | wxICON_QUESTION | wxCENTRE, boxParent()) == wxYES;
+  return showBox(text, wxYES_NO | wxICON_QUESTION) == wxYES;
+}
+
+bool WindowPrompter::asking() const {
+  if (boxes_ > 0) return true;
+  for (const wxWindow* window : wxTopLevelWindows) {
+    const auto* dialog = dynamic_cast<const wxDialog*>(window);
+    if (dialog != nullptr && dialog->IsModal()) return true;
+  }
+  return false;
 }
 
 void WindowPrompter::status(const std::string& text) {

@@ -28,6 +28,8 @@ class WindowPrompter : public Prompter {
 
   // Long work is under way: nothing else may be started and nothing closed.
   bool working() const { return depth_ > 0; }
+  // A box or another modal dialog waits for the person: what it asks about must not change meanwhile.
+  bool asking() const;
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -36,8 +38,10 @@ class WindowPrompter : public Prompter {
   static bool onProgress(float fractionDone, void* self);
   bool showProgress(float fractionDone);
   wxWindow* boxParent() const;
+  int showBox(const std::string& text, long style);
 
   wxWindow* parent_ = nullptr;
+  int boxes_ = 0;  // of messages and questions that are up
   int depth_ = 0;  // of begun progresses; the outermost one is shown
   wxString title_;
   Clock::time_point begun_, nextUpdate_;
