@@ -86,8 +86,10 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
   all->Add(bottom, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   plot_->SetMinSize(FromDIP(wxSize(620, 380)));
   SetSizerAndFit(all);
+  const wxSize usual = GetSize();
   plot_->SetMinSize(FromDIP(wxSize(240, 160)));
   SetMinSize(ClientToWindowSize(all->CalcMin()));
+  SetSize(usual);
   restorePlace();
   bindPlot();
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { Hide(); });
