@@ -49,6 +49,18 @@ FrameScale showing(const FrameScale& scale, double frame, int32_t frames, int wi
   return insideFile(moved, frames, width);
 }
 
+FrameScale following(const FrameScale& scale, double before, double now, int32_t frames, int width) {
+  constexpr double kMargin = 0.05;  // of the window: what the eye keeps of the page before
+  const double span = lastPixel(width) * scale.framesPerPixel;
+  const auto seen = [&](double frame) { return frame >= scale.first && frame <= scale.first + span; };
+  if (!seen(before) || seen(now)) return scale;
+  // Rewinding goes back in small steps; a far leap is the start of a loop, from which it goes forwards.
+  const bool backwards = now < before && before - now < span / 4;
+  FrameScale moved = scale;
+  moved.first = backwards ? now - (1 - kMargin) * span : now - kMargin * span;
+  return insideFile(moved, frames, width);
+}
+
 bool showsAll(const FrameScale& scale, int32_t frames, int width) {
   return scale.framesPerPixel >= fitScale(frames, width).framesPerPixel;
 }

@@ -30,6 +30,9 @@ FrameScale shownScale(double first, double framesPerPixel, int32_t frames, int w
 FrameScale zoomedAbout(const FrameScale& scale, double x, double factor, int32_t frames, int width);
 // Scrolled as little as it takes to show the frame; far jumps bring it to a quarter of the window.
 FrameScale showing(const FrameScale& scale, double frame, int32_t frames, int width);
+// Turns the page when what is played passes from the frame `before`, in sight, to `now`, out of sight. What
+// has been scrolled away stays away.
+FrameScale following(const FrameScale& scale, double before, double now, int32_t frames, int width);
 // Whether a scale shows everything there is.
 bool showsAll(const FrameScale& scale, int32_t frames, int width);
 

@@ -93,6 +93,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   rows->Add(sides_, 1, wxEXPAND);
   rows->Add(transportBar_, 0, wxEXPAND);
   SetSizer(rows);
+  Layout();
 
   startPage_->onOpen = [this] { files_.open(); };
   startPage_->onNew = [this] { files_.createNew(); };
@@ -220,7 +221,7 @@ void MainFrame::showTransportBar(bool show) {
 void MainFrame::buildStatusBar() {
   wxStatusBar* bar = CreateStatusBar(kStatusFields, wxSTB_DEFAULT_STYLE);
   // Shares of the width, so that in a narrow window every field keeps some room; what is cut has a tooltip.
-  const int widths[kStatusFields] = {-3, -4, -3, -4, -2, -4};
+  const int widths[kStatusFields] = {-4, -4, -4, -5, -3, -5};
   int styles[kStatusFields];
   for (int& style : styles) style = wxSB_FLAT;
   bar->SetStatusWidths(kStatusFields, widths);

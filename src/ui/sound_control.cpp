@@ -169,9 +169,11 @@ void SoundControl::changed() {
   const bool watch = app_.output().running() || recorder_.busy();
   if (watch != watchTimer_.IsRunning())
     watch ? void(watchTimer_.Start(kWatchMilliseconds)) : watchTimer_.Stop();
-  // Begun anew with each recording, whose seconds it counts.
-  if (recorder_.recording() != secondTimer_.IsRunning()) {
-    recorder_.recording() ? void(secondTimer_.Start(1000)) : secondTimer_.Stop();
+  if (recorder_.recording() && !secondTimer_.IsRunning()) {
+    secondTimer_.Start(1000);  // anew with each recording, whose seconds it counts
+  } else if (!recorder_.recording() && secondTimer_.IsRunning()) {
+    secondTimer_.Stop();
+    prompter_.status("");  // no longer recording during so many seconds
   }
   if (onChanged) onChanged();
 }

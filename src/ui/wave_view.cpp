@@ -56,11 +56,7 @@ void WaveView::scrollTo(double firstFrame) {
 void WaveView::show(double frame) { apply(showing(scale(), frame, doc.wave().frames(), width_)); }
 
 void WaveView::followPlayback(double before, double now) {
-  const FrameScale shown = scale();
-  const auto seen = [&](double frame) { return frame >= shown.first && frame <= shown.first + span(); };
-  if (!seen(before) || seen(now)) return;
-  const double margin = span() * kPageMargin;
-  scrollTo(now > before ? now - margin : now + margin - span());
+  apply(following(scale(), before, now, doc.wave().frames(), width_));
 }
 
 void WaveView::setAmplitudeZoom(double zoom) {

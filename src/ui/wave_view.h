@@ -62,7 +62,7 @@ class WaveView {
   void scrollTo(double firstFrame);
   void scrollBy(double pixels) { scrollTo(scale().frame(pixels)); }
   void show(double frame);
-  // Turns the page when what is heard passes from the frame `before`, in sight, to one out of sight.
+  // Turns the page when what is heard leaves it.
   void followPlayback(double before, double now);
 
   double amplitudeZoom() const { return amplitudeZoom_; }

@@ -64,6 +64,22 @@ TEST(FrameScale, followsAFrameOutOfTheWindow) {
   EXPECT_DOUBLE_EQ(showing(scale, 9999, 10000, 101).first, 9899);
 }
 
+TEST(FrameScale, turnsThePageWithPlayback) {
+  const FrameScale scale{1000, 1};  // frames 1000 to 1100
+  const struct {
+    double before, now, first;
+  } cases[] = {{1099, 1100, 1000},  // still in sight
+               {1099, 1110, 1105},  // forwards
+               {1005, 995, 900},    // back by winding
+               {1090, 990, 985},    // back by a loop
+               {1200, 1210, 1000},  // scrolled away by hand
+               {1099, 9990, 9899},  // the end of the file
+               {1010, 2, 0}};
+  for (const auto& [before, now, first] : cases) {
+    EXPECT_DOUBLE_EQ(following(scale, before, now, 10000, 101).first, first) << before << " to " << now;
+  }
+}
+
 TEST(FrameScale, findsTheNearerEdge) {
   const FrameScale scale{0, 10};
   EXPECT_EQ(edgeAt(scale, 100, 500, 12, 4), RangeEdge::lower);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Opens a file in the real window on a virtual display, cuts everything, undoes it, saves and leaves, all by
-# keys, comes back to it, and holds the saved samples against the original ones. Call: window_smoke.sh PROGRAM
+# Opens a file in the real window on a virtual display, cuts everything, undoes it, saves, wants to play without a
+# sound server and leaves, all by keys, comes back to it, and holds the saved samples against the original ones. Call: window_smoke.sh PROGRAM
 # Exit status 77: the tools for it are missing.
 set -u
 
@@ -42,6 +42,7 @@ window_names() {
   done
 }
 title_is() { window_names | grep -qxF -- "$1 – Plumetta"; }
+box_is_up() { window_names | grep -qxF "Plumetta"; }
 has_ended() { ! kill -0 "$program_pid" 2>/dev/null; }
 press() { xdotool key --clearmodifiers "$@"; }
 
@@ -50,6 +51,7 @@ Xvfb -displayfd 3 -screen 0 1200x800x24 -nolisten tcp 3>"$folder/display" 2>/dev
 xvfb_pid=$!
 wait_for 20 test -s "$folder/display" || fail "no virtual display"
 export DISPLAY=:$(cat "$folder/display") GDK_BACKEND=x11 NO_AT_BRIDGE=1
+export PULSE_SERVER=unix:$folder/none  # playing ends in the same message everywhere
 if command -v openbox >/dev/null; then
   openbox >/dev/null 2>&1 &
   manager_pid=$!
@@ -84,6 +86,11 @@ fi
 press ctrl+z
 press ctrl+s
 wait_for 20 title_is "tone.wav" || fail "still marked as changed after saving"
+press space
+wait_for 20 box_is_up || fail "nothing tells that there is no sound server"
+press Return
+sleep 1
+xdotool windowfocus --sync "$window" 2>/dev/null
 press ctrl+q
 wait_for 20 has_ended || fail "the window did not close"
 wait "$program_pid"; status=$?

@@ -10,6 +10,7 @@
 #include "ui/number_text.h"
 #include "ui/recent_files.h"
 #include "ui/statistics_dialog.h"
+#include "ui/transport_bar.h"
 
 namespace plumetta {
 namespace {
@@ -57,6 +58,13 @@ TEST(StatisticsReport, StandsInColumns) {
       "    Average value (DC offset) :     -1.00%    (x)\n"
       "    Format:                         PCM\n"
       "    \xC2\xB5                               end");
+}
+
+TEST(GeneralVolume, IsToldInDecibels) {
+  EXPECT_EQ(volumeText(1), "+0.0 dB");
+  EXPECT_EQ(volumeText(2), "+6.0 dB");
+  EXPECT_EQ(volumeText(0.1f), "-20.0 dB");
+  EXPECT_EQ(volumeText(0), "silent");
 }
 
 class Profile : public testing::Test {
