@@ -9,6 +9,8 @@
 namespace plumetta {
 
 inline constexpr int kOutputChannels = 16;
+// What the engine lets through: just below full scale, so that no converter behind reaches its ends.
+inline constexpr float kOutputCeiling = 0.999f;
 
 enum class WindMode { none = 0, rewind = 1, forward = 2 };
 
