@@ -9,6 +9,9 @@
 
 namespace plumetta {
 
+// What the engine lets through: just below full scale, so that no converter behind reaches its ends.
+inline constexpr float kOutputCeiling = 0.999f;
+
 enum class WindMode { none = 0, rewind = 1, forward = 2 };
 
 // What the UI thread sets and the audio thread obeys, each field by itself and without a lock. `source` alone

@@ -12,14 +12,12 @@ namespace plumetta {
 namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
-// Just below full scale, so that no converter behind reaches its ends.
-constexpr float kCeiling = 0.999f;
 
 // What is not a number is silence: plug-ins and meters would never get rid of it.
 PLUMETTA_WIDE_VECTORS void limit(float* samples, int frames) {
   for (int i = 0; i < frames; ++i) {
     const float sound = samples[i] == samples[i] ? samples[i] : 0.0f;
-    samples[i] = std::min(std::max(sound, -kCeiling), kCeiling);
+    samples[i] = std::min(std::max(sound, -kOutputCeiling), kOutputCeiling);
   }
 }
 

@@ -54,7 +54,8 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       prompter_(prompter),
       profile_(app),
       recent_(profile_, app.settings().files.recentFiles),
-      sides_(new wxSplitterWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+      displays_(new LiveDisplays(this, app, profile_)),
+      sides_(new wxSplitterWindow(displays_, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                                   wxSP_LIVE_UPDATE | wxSP_NOBORDER | wxSP_THIN_SASH)),
       pages_(new wxSimplebook(sides_)),
       startPage_(new StartPage(pages_)),
@@ -75,6 +76,12 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   sides_->SetSashGravity(1.0);
   sides_->SetMinimumPaneSize(FromDIP(kNarrowestHistory));
   history_->Hide();
+  displays_->restingTime = [this]() -> std::optional<PlayTime> {
+    const CPlumettaDoc* doc = tabs_->active();
+    if (doc == nullptr) return std::nullopt;
+    return PlayTime{static_cast<double>(doc->view().cursor), doc->wave().sampleRate()};
+  };
+  displays_->surround(*sides_);
   place_.restore();
   sides_->Initialize(pages_);
   buildStatusBar();
@@ -309,6 +316,7 @@ void MainFrame::onClose(wxCloseEvent& event) {
   place_.store();
   if (spectrum_ != nullptr && spectrum_->IsShown()) spectrum_->storePlace();
   storeHistoryWidth();
+  displays_->storeLayout();
   // Without a veto the documents end with their windows, which look at them to the last.
   for (CPlumettaDoc* doc : tabs_->documents()) tabs_->remove(*doc);
   Destroy();

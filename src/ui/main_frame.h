@@ -15,6 +15,7 @@
 #include "ui/document_tabs.h"
 #include "ui/file_commands.h"
 #include "ui/history_pane.h"
+#include "ui/live_displays.h"
 #include "ui/recent_files.h"
 #include "ui/sound_control.h"
 #include "ui/spectrum_dialog.h"
@@ -108,6 +109,7 @@ class MainFrame : public wxFrame {
   WindowPrompter& prompter_;
   WindowProfile profile_;
   RecentFiles recent_;
+  LiveDisplays* displays_;
   wxSplitterWindow* sides_;
   wxSimplebook* pages_;
   StartPage* startPage_;

@@ -211,6 +211,8 @@ MenuPlan MainFrame::viewMenu() {
                    showHistory();
                  }};
   history.checked = [this] { return historyWanted_; };
+  Action displays{"displays", "&Displays", "", "What can be seen of the sound while it plays", nullptr};
+  displays.actions = displays_->actions();
   return {
       "&View",
       {viewAction("zoom-in", "Zoom &in", "Ctrl++", "Show less of the file, larger", &Panel::zoomIn),
@@ -229,7 +231,7 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc& doc) { showStatistics(doc); }),
        documentAction("spectrum", "S&pectrum…", "F9", "Levels along frequency, peaks and their notes",
                       [this](CPlumettaDoc&) { showSpectrum(); }),
-       kSeparator, history, toolbar, transport, status}};
+       kSeparator, history, displays, toolbar, transport, status}};
 }
 
 MenuPlan MainFrame::markerMenu() {

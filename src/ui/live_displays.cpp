@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/live_displays.h"
+
+#include <algorithm>
+#include <array>
+
+#include "audio/input_capture.h"
+#include "ui/flat_dock_art.h"
+#include "ui/text.h"
+
+namespace plumetta {
+namespace {
+
+constexpr const char* kSection = "Window";
+constexpr const char* kLayoutKey = "Displays";
+constexpr int kPeriodMilliseconds = 40;
+// After a longer pause of the program things go on from where they are.
+constexpr double kLongestStep = 0.5;
+constexpr int kSoundSeat = 0;
+// Twice the longest time of the oscilloscope up to 96 kHz, and more than the others look back.
+constexpr size_t kTrailFrames = 19200;
+const wxSize kUsualSize(1000, 700);
+const wxSize kSmallest(40, 24);
+
+}  // namespace
+
+LiveDisplays::LiveDisplays(wxWindow* parent, Application& app, WindowProfile& profile)
+    : wxPanel(parent),
+      app_(app),
+      profile_(profile),
+      trail_(kTrailFrames),
+      meters_(new MeterView(this)),
+      time_(new ClockView(this)),
+      pan_(new PanView(this)),
+      scope_(new ScopeView(this, trail_, profile)),
+      spectrum_(new LiveSpectrumView(this)),
+      goniometer_(new GoniometerView(this, trail_)),
+      displays_(makeDisplays()),
+      timer_(this),
+      panes_(this, 0) {
+  panes_.SetArtProvider(new FlatDockArt(*this));
+  // Panes have the size that they ask for, whatever this window's is when they first appear.
+  SetSize(FromDIP(kUsualSize));
+  panes_.SetDockSizeConstraint(1.0, 1.0);
+  Bind(wxEVT_IDLE, &LiveDisplays::onIdle, this);
+  Bind(wxEVT_TIMER, &LiveDisplays::onTimer, this);
+  Bind(wxEVT_AUI_PANE_CLOSE, [this](wxAuiManagerEvent& event) {
+    event.Skip();
+    CallAfter([this] {
+      connect();
+      storeLayout();
+    });
+  });
+}
+
+LiveDisplays::~LiveDisplays() {
+  app_.playbackEngine().setWidget(kSoundSeat, nullptr);
+  app_.playbackEngine().setWidget(PlaybackEngine::kPositionWidget, nullptr);
+  panes_.UnInit();
+}
+
+// ---- Panes ----------------------------------------------------------------------------------------------
+
+std::vector<LiveDisplays::Display> LiveDisplays::makeDisplays() {
+  return {{"time", "Time", "&Time", time_, 0, 0, {230, 64}, 23, true},
+          {"meters", "Levels", "&Level meters", meters_, 0, 1, {480, 64}, 60, true},
+          {"pan", "MIDI pan", "MIDI &pan", pan_, 0, 2, {130, 64}, 13, false},
+          {"scope", "Oscilloscope", "&Oscilloscope", scope_, 1, 0, {340, 190}, 35, false},
+          {"spectrum", "Live spectrum", "&Spectrum", spectrum_, 1, 1, {420, 190}, 42, false},
+          {"goniometer", "Goniometer", "&Goniometer", goniometer_, 1, 2, {200, 190}, 20, false}};
+}
+
+void LiveDisplays::surround(wxWindow& middle) {
+  panes_.AddPane(&middle, wxAuiPaneInfo().Name("middle").CenterPane());
+  addPanes();
+  const wxString layout = toWx(profile_.text(kSection, kLayoutKey, ""));
+  if (!layout.empty() && !panes_.LoadPerspective(layout, false)) {
+    for (const Display& display : displays_) panes_.DetachPane(display.view);
+    panes_.GetPane("middle").Show();
+    addPanes();
+  }
+  panes_.Update();
+  connect();
+}
+
+void LiveDisplays::addPanes() {
+  for (const Display& display : displays_) {
+    wxAuiPaneInfo pane;
+    pane.Name(display.id).Caption(display.title).Bottom().Row(display.row).Position(display.position);
+    pane.BestSize(FromDIP(display.size)).MinSize(FromDIP(kSmallest)).Floatable(false).Show(display.shown);
+    pane.dock_proportion = display.share * 1000;
+    panes_.AddPane(display.view, pane);
+  }
+}
+
+bool LiveDisplays::isShown(const wxWindow* view) {
+  return panes_.GetPane(const_cast<wxWindow*>(view)).IsShown();
+}
+
+void LiveDisplays::show(const Display& display, bool show) {
+  panes_.GetPane(display.view).Show(show);
+  panes_.Update();
+  connect();
+  storeLayout();
+}
+
+void LiveDisplays::storeLayout() { profile_.setText(kSection, kLayoutKey, fromWx(panes_.SavePerspective())); }
+
+std::vector<Action> LiveDisplays::actions() {
+  std::vector<Action> actions;
+  for (const Display& display : displays_) {
+    Action action{std::string("display-") + display.id, display.entry, "", "",
+                  [this, &display] { show(display, !isShown(display.view)); }};
+    action.checked = [this, &display] { return isShown(display.view); };
+    actions.push_back(action);
+  }
+  return actions;
+}
+
+void LiveDisplays::connect() {
+  PlaybackEngine& engine = app_.playbackEngine();
+  engine.setWidget(kSoundSeat, soundWanted() ? &tap_ : nullptr);
+  engine.setWidget(PlaybackEngine::kPositionWidget, isShown(time_) ? &clock_ : nullptr);
+}
+
+// ---- What goes on ---------------------------------------------------------------------------------------
+
+bool LiveDisplays::soundWanted() { return isShown(scope_) || isShown(spectrum_) || isShown(goniometer_); }
+
+bool LiveDisplays::anythingMoves() {
+  if (playing() || inputRuns()) return true;
+  if (isShown(meters_) && meters_->falling()) return true;
+  return soundWanted() && (!trail_.silent() || (isShown(spectrum_) && spectrum_->falling()));
+}
+
+void LiveDisplays::onIdle(wxIdleEvent& event) {
+  const bool anyShown = std::any_of(displays_.begin(), displays_.end(),
+                                    [this](const Display& display) { return isShown(display.view); });
+  if (!timer_.IsRunning() && anyShown && (playing() || inputRuns())) {
+    sinceTick_.Start();
+    timer_.Start(kPeriodMilliseconds);
+  }
+  if (!timer_.IsRunning()) followTime();
+  pan_->show(app_.midi().firstPanGain(), app_.midi().secondPanGain());
+  event.Skip();
+}
+
+void LiveDisplays::onTimer(wxTimerEvent&) {
+  const double seconds =
+      std::min(1e-6 * static_cast<double>(sinceTick_.TimeInMicro().GetValue()), kLongestStep);
+  sinceTick_.Start();
+  followMeters(seconds);
+  if (soundWanted()) followSound(seconds);
+  followTime();
+  if (!anythingMoves()) timer_.Stop();
+}
+
+size_t LiveDisplays::outputChannels() {
+  if (app_.output().running()) outputChannels_ = static_cast<size_t>(app_.output().channelCount());
+  return std::clamp<size_t>(outputChannels_, 1, kOutputChannels);
+}
+
+void LiveDisplays::followMeters(double seconds) {
+  std::array<float, kOutputChannels> outputs{};
+  auto& peaks = app_.transport().controls().outputPeaks;
+  for (size_t c = 0; c < peaks.size(); ++c) outputs[c] = peaks[c].exchange(0.0f);
+  std::array<float, kInputChannels> inputs{};
+  const size_t inputChannels = inputRuns() ? inputs.size() : 0;
+  for (size_t c = 0; c < inputChannels; ++c) inputs[c] = takeInputPeak(static_cast<int>(c));
+  if (!isShown(meters_)) return;
+  meters_->advance(std::span(outputs).first(outputChannels()), std::span(inputs).first(inputChannels),
+                   seconds);
+}
+
+// Without an output there is silence.
+void LiveDisplays::followSound(double seconds) {
+  const int rate = app_.transport().controls().outputRate;
+  if (tap_.readInto(trail_) == 0 && !playing()) trail_.appendSilence(static_cast<size_t>(rate * seconds));
+  if (isShown(scope_)) scope_->follow(rate);
+  if (isShown(goniometer_)) goniometer_->follow();
+  if (isShown(spectrum_)) spectrum_->advance(trail_, rate, seconds);
+}
+
+void LiveDisplays::followTime() {
+  if (!isShown(time_)) return;
+  // A place that playing has left behind is no news later.
+  const std::optional<PlayTime> played = clock_.take();
+  const std::optional<PlayTime> time = playing() ? played : restingTime();
+  if (time) {
+    time_->show(*time, static_cast<TimeFormat>(app_.settings().display.timeFormat));
+  } else if (!playing()) {
+    time_->showNothing();
+  }
+}
+
+}  // namespace plumetta
