@@ -157,11 +157,11 @@ void LiveDisplays::onTimer(wxTimerEvent&) {
 
 size_t LiveDisplays::outputChannels() {
   if (app_.output().running()) outputChannels_ = static_cast<size_t>(app_.output().channelCount());
-  return std::clamp<size_t>(outputChannels_, 1, kOutputChannels);
+  return std::clamp<size_t>(outputChannels_, 1, kMaxOutputChannels);
 }
 
 void LiveDisplays::followMeters(double seconds) {
-  std::array<float, kOutputChannels> outputs{};
+  std::array<float, kMaxOutputChannels> outputs{};
   auto& peaks = app_.transport().controls().outputPeaks;
   for (size_t c = 0; c < peaks.size(); ++c) outputs[c] = peaks[c].exchange(0.0f);
   std::array<float, kInputChannels> inputs{};
