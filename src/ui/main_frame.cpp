@@ -97,7 +97,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   transportBar_ = new TransportBar(this, menus_, app.generalVolume());
   transportBar_->Show(profile_.integer(kWindow, "Transport", 1) != 0);
   auto* rows = new wxBoxSizer(wxVERTICAL);
-  rows->Add(sides_, 1, wxEXPAND);
+  rows->Add(displays_, 1, wxEXPAND);
   rows->Add(transportBar_, 0, wxEXPAND);
   SetSizer(rows);
   Layout();
