@@ -94,13 +94,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   menus_.addKey("Ctrl+Tab", "next-window");
   menus_.addKey("Ctrl+Shift+Tab", "previous-window");
   if (profile_.integer(kWindow, "Toolbar", 1) != 0) buildToolBar();
-  transportBar_ = new TransportBar(this, menus_, app.generalVolume());
-  transportBar_->Show(profile_.integer(kWindow, "Transport", 1) != 0);
-  auto* rows = new wxBoxSizer(wxVERTICAL);
-  rows->Add(displays_, 1, wxEXPAND);
-  rows->Add(transportBar_, 0, wxEXPAND);
-  SetSizer(rows);
-  Layout();
+  layOut();
 
   startPage_->onOpen = [this] { files_.open(); };
   startPage_->onNew = [this] { files_.createNew(); };
@@ -149,6 +143,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     event.Skip();
   });
   onActivated();
+  followSound();
 }
 
 MainFrame::~MainFrame() {
@@ -217,6 +212,20 @@ void MainFrame::showToolBar(bool show) {
     bar->Destroy();
   }
   SendSizeEvent();
+}
+
+void MainFrame::layOut() {
+  transportBar_ = new TransportBar(this, menus_, app_.generalVolume());
+  auto* rows = new wxBoxSizer(wxVERTICAL);
+  rows->Add(displays_, 1, wxEXPAND);
+  rows->Add(transportBar_, 0, wxEXPAND);
+  SetSizer(rows);
+  transportBar_->Hide();
+  // A window that is just opening has not got its size yet, and some toolkits complain of buttons without room.
+  CallAfter([this] {
+    transportBar_->Show(profile_.integer(kWindow, "Transport", 1) != 0);
+    Layout();
+  });
 }
 
 void MainFrame::showTransportBar(bool show) {

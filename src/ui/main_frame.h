@@ -90,6 +90,8 @@ class MainFrame : public wxFrame {
   void showAbout();
 
   void buildToolBar();
+  // Documents and what stands beside and below them.
+  void layOut();
   void buildStatusBar();
   void showTransportBar(bool show);
   // Title, buttons and status line follow what goes on at the devices.

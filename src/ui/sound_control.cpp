@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/sound_control.h"
 
+#include <utility>
+
 #include "doc/ruler_ticks.h"
 #include "ui/form_dialog.h"
 #include "ui/text.h"
@@ -167,8 +169,8 @@ wxString SoundControl::status() const {
 
 void SoundControl::changed() {
   const bool watch = app_.output().running() || recorder_.busy();
-  if (watch != watchTimer_.IsRunning())
-    watch ? void(watchTimer_.Start(kWatchMilliseconds)) : watchTimer_.Stop();
+  if (watch && !watchTimer_.IsRunning()) watchTimer_.Start(kWatchMilliseconds);
+  if (!watch) watchTimer_.Stop();
   if (recorder_.recording() && !secondTimer_.IsRunning()) {
     secondTimer_.Start(1000);  // anew with each recording, whose seconds it counts
   } else if (!recorder_.recording() && secondTimer_.IsRunning()) {

@@ -4,7 +4,9 @@
 #include <wx/settings.h>
 #include <wx/stattext.h>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "ui/text.h"
 #include "ui/theme.h"
