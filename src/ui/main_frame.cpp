@@ -108,6 +108,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     acceptFiles(*window);
   }
   Bind(wxEVT_CHAR_HOOK, &MainFrame::onMediaKey, this);
+  e.Skip();
   Bind(wxEVT_CLOSE_WINDOW, &MainFrame::onClose, this);
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
     menus_.refresh();
