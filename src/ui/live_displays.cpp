@@ -20,6 +20,7 @@ constexpr int kSoundSeat = 0;
 // Twice the longest time of the oscilloscope up to 96 kHz, and more than the others look back.
 constexpr size_t kTrailFrames = 19200;
 const wxSize kUsualSize(1000, 700);
+const wxSize kLeastMiddle(200, 180);
 const wxSize kSmallest(40, 24);
 
 }  // namespace
@@ -44,12 +45,19 @@ LiveDisplays::LiveDisplays(wxWindow* parent, Application& app, WindowProfile& pr
   panes_.SetDockSizeConstraint(1.0, 1.0);
   Bind(wxEVT_IDLE, &LiveDisplays::onIdle, this);
   Bind(wxEVT_TIMER, &LiveDisplays::onTimer, this);
-  Bind(wxEVT_AUI_PANE_CLOSE, [this](wxAuiManagerEvent& event) {
-    event.Skip();
-    CallAfter([this] {
-      connect();
-      storeLayout();
+  Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    const bool allShown = std::all_of(displays_.begin(), displays_.end(), [this](const Display& display) {
+      return !display.wanted || isShown(display.view);
     });
+    if (middle_ != nullptr && !(allShown && middleHasRoom())) fit();
+    event.Skip();
+  });
+  Bind(wxEVT_AUI_PANE_CLOSE, [this](wxAuiManagerEvent& event) {
+    for (Display& display : displays_) {
+      if (display.view != event.GetPane()->window) continue;
+      event.Veto();
+      CallAfter([this, &display] { want(display, false); });
+    }
   });
 }
 
@@ -71,23 +79,29 @@ std::vector<LiveDisplays::Display> LiveDisplays::makeDisplays() {
 }
 
 void LiveDisplays::surround(wxWindow& middle) {
-  panes_.AddPane(&middle, wxAuiPaneInfo().Name("middle").CenterPane());
+  middle_ = &middle;
+  panes_.AddPane(middle_, wxAuiPaneInfo().Name("middle").CenterPane().MinSize(1, 1));
   addPanes();
   const wxString layout = toWx(profile_.text(kSection, kLayoutKey, ""));
   if (!layout.empty() && !panes_.LoadPerspective(layout, false)) {
     for (const Display& display : displays_) panes_.DetachPane(display.view);
-    panes_.GetPane("middle").Show();
     addPanes();
   }
-  panes_.Update();
-  connect();
+  // The layout says where panes are, not what they are.
+  panes_.GetPane(middle_).CenterPane().MinSize(1, 1).Show();
+  for (Display& display : displays_) {
+    wxAuiPaneInfo& pane = panes_.GetPane(display.view);
+    pane.Caption(display.title).MinSize(FromDIP(kSmallest)).Dock().Floatable(false);
+    display.wanted = pane.IsShown();
+  }
+  fit();
 }
 
 void LiveDisplays::addPanes() {
   for (const Display& display : displays_) {
     wxAuiPaneInfo pane;
     pane.Name(display.id).Caption(display.title).Bottom().Row(display.row).Position(display.position);
-    pane.BestSize(FromDIP(display.size)).MinSize(FromDIP(kSmallest)).Floatable(false).Show(display.shown);
+    pane.BestSize(FromDIP(display.size)).MinSize(FromDIP(kSmallest)).Floatable(false).Show(display.wanted);
     pane.dock_proportion = display.share * 1000;
     panes_.AddPane(display.view, pane);
   }
@@ -97,21 +111,45 @@ bool LiveDisplays::isShown(const wxWindow* view) {
   return panes_.GetPane(const_cast<wxWindow*>(view)).IsShown();
 }
 
-void LiveDisplays::show(const Display& display, bool show) {
-  panes_.GetPane(display.view).Show(show);
-  panes_.Update();
-  connect();
+void LiveDisplays::want(Display& display, bool wanted) {
+  display.wanted = wanted;
+  fit();
   storeLayout();
 }
 
-void LiveDisplays::storeLayout() { profile_.setText(kSection, kLayoutKey, fromWx(panes_.SavePerspective())); }
+bool LiveDisplays::middleHasRoom() const {
+  const wxSize least = FromDIP(kLeastMiddle), size = middle_->GetSize();
+  return size.x >= least.x && size.y >= least.y;
+}
+
+void LiveDisplays::fit() {
+  for (const Display& display : displays_) panes_.GetPane(display.view).Show(display.wanted);
+  panes_.Update();
+  for (auto display = displays_.rbegin(); display != displays_.rend() && !middleHasRoom(); ++display) {
+    if (!display->wanted) continue;
+    panes_.GetPane(display->view).Hide();
+    panes_.Update();
+  }
+  connect();
+}
+
+void LiveDisplays::storeLayout() {
+  std::vector<bool> shown;
+  for (const Display& display : displays_) {
+    wxAuiPaneInfo& pane = panes_.GetPane(display.view);
+    shown.push_back(pane.IsShown());
+    pane.Show(display.wanted);
+  }
+  profile_.setText(kSection, kLayoutKey, fromWx(panes_.SavePerspective()));
+  for (size_t i = 0; i < displays_.size(); ++i) panes_.GetPane(displays_[i].view).Show(shown[i]);
+}
 
 std::vector<Action> LiveDisplays::actions() {
   std::vector<Action> actions;
-  for (const Display& display : displays_) {
+  for (Display& display : displays_) {
     Action action{std::string("display-") + display.id, display.entry, "", "",
-                  [this, &display] { show(display, !isShown(display.view)); }};
-    action.checked = [this, &display] { return isShown(display.view); };
+                  [this, &display] { want(display, !display.wanted); }};
+    action.checked = [&display] { return display.wanted; };
     actions.push_back(action);
   }
   return actions;

@@ -53,13 +53,16 @@ class LiveDisplays : public wxPanel {
     int row, position;  // at the bottom; row 0 is the lowest
     wxSize size;        // at first, independent of the display's scale
     int share;          // of its row's width
-    bool shown;         // at first
+    bool wanted;        // by the person; shown as far as there is room
   };
 
   std::vector<Display> makeDisplays();
   void addPanes();
   bool isShown(const wxWindow* view);
-  void show(const Display& display, bool show);
+  void want(Display& display, bool wanted);
+  // Shows all that is wanted, but for the last ones of the list where the middle would get too small.
+  void fit();
+  bool middleHasRoom() const;
   // The engine feeds only what is to be seen.
   void connect();
 
@@ -84,8 +87,9 @@ class LiveDisplays : public wxPanel {
   ScopeView* scope_;
   LiveSpectrumView* spectrum_;
   GoniometerView* goniometer_;
-  std::vector<Display> displays_;
-  size_t outputChannels_ = 2;  // of the device that ran last
+  wxWindow* middle_ = nullptr;
+  std::vector<Display> displays_;  // the most useful first
+  size_t outputChannels_ = 2;      // of the device that ran last
   wxTimer timer_;
   wxStopWatch sinceTick_;
   wxAuiManager panes_;
