@@ -81,6 +81,8 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     if (doc == nullptr) return std::nullopt;
     return PlayTime{static_cast<double>(doc->view().cursor), doc->wave().sampleRate()};
   };
+  displays_->inputRuns = [this] { return sound_.recorder().busy(); };
+  displays_->takeInputPeak = [this](int channel) { return sound_.takeInputPeak(channel); };
   displays_->surround(*sides_);
   place_.restore();
   sides_->Initialize(pages_);
@@ -124,7 +126,6 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     acceptFiles(*window);
   }
   Bind(wxEVT_CHAR_HOOK, &MainFrame::onMediaKey, this);
-  e.Skip();
   Bind(wxEVT_CLOSE_WINDOW, &MainFrame::onClose, this);
   SetExtraStyle(GetExtraStyle() | wxWS_EX_PROCESS_IDLE);
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
@@ -222,7 +223,8 @@ void MainFrame::layOut() {
   rows->Add(transportBar_, 0, wxEXPAND);
   SetSizer(rows);
   transportBar_->Hide();
-  // A window that is just opening has not got its size yet, and some toolkits complain of buttons without room.
+  // A window that is just opening has not got its size yet, and some toolkits complain of buttons without
+  // room.
   CallAfter([this] {
     transportBar_->Show(profile_.integer(kWindow, "Transport", 1) != 0);
     Layout();
