@@ -43,6 +43,7 @@ LiveDisplays::LiveDisplays(wxWindow* parent, Application& app, WindowProfile& pr
   // Panes have the size that they ask for, whatever this window's is when they first appear.
   SetSize(FromDIP(kUsualSize));
   panes_.SetDockSizeConstraint(1.0, 1.0);
+  SetExtraStyle(GetExtraStyle() | wxWS_EX_PROCESS_IDLE);
   Bind(wxEVT_IDLE, &LiveDisplays::onIdle, this);
   Bind(wxEVT_TIMER, &LiveDisplays::onTimer, this);
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {

@@ -67,8 +67,9 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       menus_(*this, [this] { return !prompter_.working(); }),
       place_(*this, profile_) {
   SetIcons(programIcons());
-  for (wxWindow* window : {static_cast<wxWindow*>(this), static_cast<wxWindow*>(sides_),
-                           static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
+  for (wxWindow* window :
+       {static_cast<wxWindow*>(this), static_cast<wxWindow*>(displays_), static_cast<wxWindow*>(sides_),
+        static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
     easeRepainting(*window);
   }
   pages_->AddPage(startPage_, wxString());
@@ -81,6 +82,8 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     if (doc == nullptr) return std::nullopt;
     return PlayTime{static_cast<double>(doc->view().cursor), doc->wave().sampleRate()};
   };
+  displays_->inputRuns = [this] { return sound_.recorder().monitoring(); };
+  displays_->takeInputPeak = [this](int channel) { return sound_.takeInputPeak(channel); };
   displays_->surround(*sides_);
   place_.restore();
   sides_->Initialize(pages_);
@@ -222,7 +225,8 @@ void MainFrame::layOut() {
   rows->Add(transportBar_, 0, wxEXPAND);
   SetSizer(rows);
   transportBar_->Hide();
-  // A window that is just opening has not got its size yet, and some toolkits complain of buttons without room.
+  // A window that is just opening has not got its size yet, and some toolkits complain of buttons without
+  // room.
   CallAfter([this] {
     transportBar_->Show(profile_.integer(kWindow, "Transport", 1) != 0);
     Layout();
