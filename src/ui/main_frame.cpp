@@ -127,7 +127,6 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     acceptFiles(*window);
   }
   Bind(wxEVT_CHAR_HOOK, &MainFrame::onMediaKey, this);
-  e.Skip();
   Bind(wxEVT_CLOSE_WINDOW, &MainFrame::onClose, this);
   SetExtraStyle(GetExtraStyle() | wxWS_EX_PROCESS_IDLE);
   Bind(wxEVT_IDLE, [this](wxIdleEvent& event) {
