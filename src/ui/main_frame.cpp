@@ -67,8 +67,9 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       menus_(*this, [this] { return !prompter_.working(); }),
       place_(*this, profile_) {
   SetIcons(programIcons());
-  for (wxWindow* window : {static_cast<wxWindow*>(this), static_cast<wxWindow*>(sides_),
-                           static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
+  for (wxWindow* window :
+       {static_cast<wxWindow*>(this), static_cast<wxWindow*>(displays_), static_cast<wxWindow*>(sides_),
+        static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
     easeRepainting(*window);
   }
   pages_->AddPage(startPage_, wxString());
@@ -240,7 +241,7 @@ void MainFrame::showTransportBar(bool show) {
 void MainFrame::buildStatusBar() {
   wxStatusBar* bar = CreateStatusBar(kStatusFields, wxSTB_DEFAULT_STYLE);
   // Shares of the width, so that in a narrow window every field keeps some room; what is cut has a tooltip.
-  const int widths[kStatusFields] = {-4, -4, -4, -5, -3, -5};
+  const int widths[kStatusFields] = {-3, -5, -4, -5, -3, -5};
   int styles[kStatusFields];
   for (int& style : styles) style = wxSB_FLAT;
   bar->SetStatusWidths(kStatusFields, widths);
