@@ -67,8 +67,9 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       menus_(*this, [this] { return !prompter_.working(); }),
       place_(*this, profile_) {
   SetIcons(programIcons());
-  for (wxWindow* window : {static_cast<wxWindow*>(this), static_cast<wxWindow*>(sides_),
-                           static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
+  for (wxWindow* window :
+       {static_cast<wxWindow*>(this), static_cast<wxWindow*>(displays_), static_cast<wxWindow*>(sides_),
+        static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
     easeRepainting(*window);
   }
   pages_->AddPage(startPage_, wxString());
