@@ -89,6 +89,7 @@ class LiveDisplays : public wxPanel {
   GoniometerView* goniometer_;
   wxWindow* middle_ = nullptr;
   std::vector<Display> displays_;  // the most useful first
+  wxString wholeLayout_;           // with all that is wanted, while some of it is not shown; else empty
   size_t outputChannels_ = 2;      // of the device that ran last
   wxTimer timer_;
   wxStopWatch sinceTick_;
