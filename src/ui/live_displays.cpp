@@ -221,14 +221,24 @@ void LiveDisplays::followSound(double seconds) {
 
 void LiveDisplays::followTime() {
   if (!isShown(time_)) return;
-  // A place that playing has left behind is no news later.
-  const std::optional<PlayTime> played = clock_.take();
-  const std::optional<PlayTime> time = playing() ? played : restingTime();
-  if (time) {
-    time_->show(*time, static_cast<TimeFormat>(app_.settings().display.timeFormat));
-  } else if (!playing()) {
-    time_->showNothing();
+  const auto format = static_cast<TimeFormat>(app_.settings().display.timeFormat);
+  // Always taken: a place that playing has left behind is no news later.
+  const std::optional<PlayTime> given = clock_.take();
+  if (!playing()) {
+    playedRate_ = 0;
+    const std::optional<PlayTime> time = restingTime();
+    time ? time_->show(*time, format) : time_->showNothing();
+    return;
   }
+  const double now = 1e-6 * static_cast<double>(sinceStart_.TimeInMicro().GetValue());
+  if (given && given->sampleRate != playedRate_) {
+    playedRate_ = given->sampleRate;
+    // The device's queue has been filled at once, with what comes after the place where playing began.
+    const double latency = app_.output().latency();
+    heard_.begin(now, std::max(given->frame - latency * playedRate_, 0.0), latency);
+  }
+  if (given) heard_.note(now, given->frame);
+  if (playedRate_ > 0) time_->show({heard_.at(now), playedRate_}, format);
 }
 
 }  // namespace plumetta

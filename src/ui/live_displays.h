@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/application.h"
+#include "audio/heard_position.h"
 #include "audio/play_clock.h"
 #include "audio/sound_tap.h"
 #include "ui/action_menus.h"
@@ -93,6 +94,9 @@ class LiveDisplays : public wxPanel {
   size_t outputChannels_ = 2;      // of the device that ran last
   wxTimer timer_;
   wxStopWatch sinceTick_;
+  wxStopWatch sinceStart_;
+  HeardPosition heard_;
+  uint32_t playedRate_ = 0;  // of what `heard_` follows; 0 while nothing plays
   wxAuiManager panes_;
 };
 
