@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "audio/input_capture.h"
+#include "ui/dock_layout.h"
 #include "ui/flat_dock_art.h"
 #include "ui/text.h"
 
@@ -13,6 +15,7 @@ namespace {
 
 constexpr const char* kSection = "Window";
 constexpr const char* kLayoutKey = "Displays";
+constexpr const char* kMiddle = "middle";
 constexpr int kPeriodMilliseconds = 40;
 // After a longer pause of the program things go on from where they are.
 constexpr double kLongestStep = 0.5;
@@ -81,13 +84,12 @@ std::vector<LiveDisplays::Display> LiveDisplays::makeDisplays() {
 
 void LiveDisplays::surround(wxWindow& middle) {
   middle_ = &middle;
-  panes_.AddPane(middle_, wxAuiPaneInfo().Name("middle").CenterPane().MinSize(1, 1));
+  panes_.AddPane(middle_, wxAuiPaneInfo().Name(kMiddle).CenterPane().MinSize(1, 1));
   addPanes();
-  const wxString layout = toWx(profile_.text(kSection, kLayoutKey, ""));
-  if (!layout.empty() && !panes_.LoadPerspective(layout, false)) {
-    for (const Display& display : displays_) panes_.DetachPane(display.view);
-    addPanes();
-  }
+  std::vector<std::string> names{kMiddle};
+  for (const Display& display : displays_) names.emplace_back(display.id);
+  const std::string layout = profile_.text(kSection, kLayoutKey, "");
+  if (isDockLayout(layout, names)) panes_.LoadPerspective(toWx(layout), false);
   // The layout says where panes are, not what they are.
   panes_.GetPane(middle_).CenterPane().MinSize(1, 1).Show();
   for (Display& display : displays_) {
@@ -124,8 +126,11 @@ bool LiveDisplays::middleHasRoom() const {
 }
 
 void LiveDisplays::fit() {
+  // Docks without a pane forget their sizes.
+  if (!wholeLayout_.empty()) panes_.LoadPerspective(std::exchange(wholeLayout_, {}), false);
   for (const Display& display : displays_) panes_.GetPane(display.view).Show(display.wanted);
   panes_.Update();
+  if (!middleHasRoom()) wholeLayout_ = panes_.SavePerspective();
   for (auto display = displays_.rbegin(); display != displays_.rend() && !middleHasRoom(); ++display) {
     if (!display->wanted) continue;
     panes_.GetPane(display->view).Hide();
@@ -135,14 +140,8 @@ void LiveDisplays::fit() {
 }
 
 void LiveDisplays::storeLayout() {
-  std::vector<bool> shown;
-  for (const Display& display : displays_) {
-    wxAuiPaneInfo& pane = panes_.GetPane(display.view);
-    shown.push_back(pane.IsShown());
-    pane.Show(display.wanted);
-  }
-  profile_.setText(kSection, kLayoutKey, fromWx(panes_.SavePerspective()));
-  for (size_t i = 0; i < displays_.size(); ++i) panes_.GetPane(displays_[i].view).Show(shown[i]);
+  const wxString layout = wholeLayout_.empty() ? panes_.SavePerspective() : wholeLayout_;
+  profile_.setText(kSection, kLayoutKey, fromWx(layout));
 }
 
 std::vector<Action> LiveDisplays::actions() {
@@ -222,14 +221,24 @@ void LiveDisplays::followSound(double seconds) {
 
 void LiveDisplays::followTime() {
   if (!isShown(time_)) return;
-  // A place that playing has left behind is no news later.
-  const std::optional<PlayTime> played = clock_.take();
-  const std::optional<PlayTime> time = playing() ? played : restingTime();
-  if (time) {
-    time_->show(*time, static_cast<TimeFormat>(app_.settings().display.timeFormat));
-  } else if (!playing()) {
-    time_->showNothing();
+  const auto format = static_cast<TimeFormat>(app_.settings().display.timeFormat);
+  // Always taken: a place that playing has left behind is no news later.
+  const std::optional<PlayTime> given = clock_.take();
+  if (!playing()) {
+    playedRate_ = 0;
+    const std::optional<PlayTime> time = restingTime();
+    time ? time_->show(*time, format) : time_->showNothing();
+    return;
   }
+  const double now = 1e-6 * static_cast<double>(sinceStart_.TimeInMicro().GetValue());
+  if (given && given->sampleRate != playedRate_) {
+    playedRate_ = given->sampleRate;
+    // The device's queue has been filled at once, with what comes after the place where playing began.
+    const double latency = app_.output().latency();
+    heard_.begin(now, std::max(given->frame - latency * playedRate_, 0.0), latency);
+  }
+  if (given) heard_.note(now, given->frame);
+  if (playedRate_ > 0) time_->show({heard_.at(now), playedRate_}, format);
 }
 
 }  // namespace plumetta

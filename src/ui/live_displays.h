@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/application.h"
+#include "audio/heard_position.h"
 #include "audio/play_clock.h"
 #include "audio/sound_tap.h"
 #include "ui/action_menus.h"
@@ -89,9 +90,13 @@ class LiveDisplays : public wxPanel {
   GoniometerView* goniometer_;
   wxWindow* middle_ = nullptr;
   std::vector<Display> displays_;  // the most useful first
+  wxString wholeLayout_;           // with all that is wanted, while some of it is not shown; else empty
   size_t outputChannels_ = 2;      // of the device that ran last
   wxTimer timer_;
   wxStopWatch sinceTick_;
+  wxStopWatch sinceStart_;
+  HeardPosition heard_;
+  uint32_t playedRate_ = 0;  // of what `heard_` follows; 0 while nothing plays
   wxAuiManager panes_;
 };
 

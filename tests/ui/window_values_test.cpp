@@ -6,6 +6,7 @@
 #include "platform/private_profile.h"
 #include "support/recording_prompter.h"
 #include "support/temporary_folder.h"
+#include "ui/dock_layout.h"
 #include "ui/file_filters.h"
 #include "ui/number_text.h"
 #include "ui/recent_files.h"
@@ -65,6 +66,39 @@ TEST(GeneralVolume, IsToldInDecibels) {
   EXPECT_EQ(volumeText(2), "+6.0 dB");
   EXPECT_EQ(volumeText(0.1f), "-20.0 dB");
   EXPECT_EQ(volumeText(0), "silent");
+}
+
+TEST(DockLayout, TakesWhatTheToolkitWroteAndNothingDamaged) {
+  const std::string middle =
+      "name=middle;caption=;state=768;dir=5;layer=0;row=0;pos=0;prop=100000;bestw=20;besth=20;"
+      "minw=-1;minh=-1;maxw=-1;maxh=-1;floatx=-1;floaty=-1;floatw=-1;floath=-1|";
+  std::string pane = middle;
+  pane.replace(pane.find("middle;caption="), 15, "pan;caption=MIDI pan");
+  const std::string whole = "layout2|" + middle + pane + "dock_size(5,0,0)=20|dock_size(3,0,1)=206|";
+  const std::vector<std::string> names{"middle", "pan"};
+  EXPECT_TRUE(isDockLayout(whole, names));
+  EXPECT_FALSE(isDockLayout(whole, {"middle"}));
+  for (size_t size = 0; size < whole.size(); ++size) {
+    // Between two parts: what is missing is not shown, or as large as it likes.
+    const bool wholeParts = size > whole.find("name") && whole[size - 1] == '|';
+    EXPECT_EQ(isDockLayout(whole.substr(0, size), names), wholeParts) << size;
+  }
+  const struct {
+    const char *part, *damaged;
+  } cases[] = {{"layout2", "layout1"},
+               {"dir=5", "dir=9"},
+               {"besth=20", "besth=99999999"},
+               {"row=0", "row=-1"},
+               {"state=768", "state=x"},
+               {"(3,0,1)=206", "(3,0,1)=-9"},
+               {"MIDI", "a=b;c"},
+               {"(5,0,0)=20", "(5,0,0)=20000"}};
+  for (const auto& [part, damaged] : cases) {
+    std::string text = whole;
+    text.replace(text.find(part), std::string(part).size(), damaged);
+    EXPECT_FALSE(isDockLayout(text, names)) << damaged;
+  }
+  EXPECT_FALSE(isDockLayout(std::string(5000, 'x'), names));
 }
 
 class Profile : public testing::Test {
