@@ -104,6 +104,7 @@ class ChannelRun {
 
 // Filters the frames from `first` to before `end` of every channel.
 bool runRecursion(CWave& wave, const RecursiveFilter& filter, int64_t first, int64_t end) {
+  if (first >= end) return true;
   std::vector<ChannelRun> channels;
   for (int c = 0; c < wave.channels(); ++c) {
     channels.emplace_back(filter, wave, c);
