@@ -18,6 +18,9 @@ template <class... Kinds>
 struct Overloaded : Kinds... {
   using Kinds::operator()...;
 };
+// Clang before 17 doesn't find this by itself.
+template <class... Kinds>
+Overloaded(Kinds...) -> Overloaded<Kinds...>;
 
 std::string realText(double value) {
   char text[400];

@@ -8,8 +8,8 @@
 
 namespace plumetta {
 
-// The ends of a selection, in either order; equal ends are none.
-struct SelectionEnds {
+// The ends of a selection, in either order; equal ends are none. Aligned for one access to both.
+struct alignas(8) SelectionEnds {
   int32_t start = 0;
   int32_t end = 0;
 };

@@ -126,7 +126,8 @@ class Cli(unittest.TestCase):
                       "listen --seconds", "listen --seconds nan", "listen --seconds -1"]:
             self.call("midi", *words.split(), status=2)
         self.call("midi", "listen", "--device", "250", "--seconds", "0", status=1)
-        self.assertEqual(self.err.strip(), "message: Unable to start midi in driver")
+        # Sound libraries below may have something to say of their own before.
+        self.assertTrue(self.err.strip().endswith("message: Unable to start midi in driver"), self.err)
 
     def test_whole_call_is_parsed_before_the_first_step_runs(self):
         for chain in ["open a.wav save b.wav bogus", "open a.wav save b.wav select 1", "open a.wav save b.wav cursor x",

@@ -125,7 +125,9 @@ std::string withEntries(const std::string& text, const std::vector<ProfileEntry>
       const bool first = std::ranges::none_of(edits, [&](const Edit& e) { return e.end == *end && open; });
       edits.push_back({*end, *end, open && first ? lineEnd + line : line});
     } else {
-      const auto same = [&](const auto& own) { return sameProfileName(own.first, name.section); };
+      const auto same = [&section = name.section](const auto& own) {
+        return sameProfileName(own.first, section);
+      };
       auto own = std::ranges::find_if(newSections, same);
       if (own == newSections.end()) {
         own = newSections.insert(own, {name.section, "[" + name.section + "]" + lineEnd});
