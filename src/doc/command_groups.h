@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdio>
+#include <string>
 #include <vector>
 
 #include "doc/command.h"
@@ -29,6 +31,14 @@ std::optional<UndoKind> undoAs(CommandCall&) {
 }
 template <int effectNumber>
 std::string effectName(CommandCall&);
+
+// A history name or message with its numbers, at most 95 bytes.
+template <class... Values>
+std::string formatted(const char* format, Values... values) {
+  char text[96];
+  std::snprintf(text, sizeof text, format, values...);
+  return text;
+}
 
 inline constexpr const char* kNoMemory = "There is not enough memory for this.";
 

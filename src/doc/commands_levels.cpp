@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Commands with a level in dB, and the bit depth converter.
 #include <bit>
-#include <cstdio>
 
 #include "doc/command_groups.h"
 #include "dsp/amplitude.h"
@@ -19,13 +18,6 @@ constexpr double kHighestDb = 200.0;
 std::vector<Parameter> levelParameter(double fallback) {
   return {{"Level", "Level", "dB", ParameterType::real, true, fallback, kLowestDb, kHighestDb,
            "The level must lie between -200 and 200 dB"}};
-}
-
-template <size_t size, class... Values>
-std::string formatted(const char (&format)[size], Values... values) {
-  char text[64];
-  std::snprintf(text, sizeof text, format, values...);
-  return text;
 }
 
 std::optional<UndoKind> selectionOrFile(CommandCall& call) {

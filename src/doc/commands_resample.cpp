@@ -4,7 +4,6 @@
 #include <cfloat>
 #include <climits>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 
 #include "doc/command_groups.h"
@@ -24,13 +23,6 @@ constexpr double kSmallestPositive = DBL_MIN;
 constexpr const char* kNotFinite = "The samples contain values that are not finite: nothing was changed.";
 constexpr const char* kRateError = "Sample rate error!";
 constexpr double kHighestRate = 4294967295.0;  // what the rate's 32-bit field holds
-
-template <class... Values>
-std::string formatted(const char* format, Values... values) {
-  char text[96];
-  std::snprintf(text, sizeof text, format, values...);
-  return text;
-}
 
 // ---- Resampling -----------------------------------------------------------------------------------------
 
