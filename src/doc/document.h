@@ -86,9 +86,9 @@ class CPlumettaDoc : public DisplayState, public PlaybackSource {
   std::optional<int> selectedMarker;
 
   bool createNew(uint32_t sampleRate, int channels, int bits, int64_t frames, uint16_t formatTag);
-  FileOutcome load(const std::string& path);
+  FileOutcome load(const std::string& path, const OpenOptions& options = {});
   // Saves by the name's extension; the document then carries that name.
-  FileOutcome save(const std::string& path);
+  FileOutcome save(const std::string& path, const SaveOptions& options = {});
   FileOutcome saveRange(int32_t from, int32_t to, const std::string& path);
   FileOutcome split(const std::string& prefix);
   FileOutcome exportText(const std::string& path);

@@ -40,14 +40,14 @@ FileOutcome CPlumettaDoc::refuseUnknownContent(const std::string& path) {
   return FileOutcome::fileError;
 }
 
-FileOutcome CPlumettaDoc::load(const std::string& path) {
+FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& options) {
   const BusyScope busy(prompter());
   const Format* format = formatOfContent(services_.files, path);
   if (format == nullptr) return refuseUnknownContent(path);
   LoadResult result;
   {
     const ProgressOnWave progress(wave_, prompter(), "Opening " + fileNameOf(path));
-    result = format->read(services_.files, path, wave_);
+    result = format->read(services_.files, path, options, wave_);
   }
   if (result.status == LoadStatus::cancelled) return FileOutcome::cancelled;
   if (result.status != LoadStatus::loaded) {
@@ -82,13 +82,13 @@ FileOutcome CPlumettaDoc::writeWithProgress(const std::string& path, const std::
   return report(result, path);
 }
 
-FileOutcome CPlumettaDoc::save(const std::string& path) {
+FileOutcome CPlumettaDoc::save(const std::string& path, const SaveOptions& options) {
   const Format* format = writableFormatOfName(path);
   if (format == nullptr) {
     return report(SaveResult::failure("The extension names no format that can be written."), path);
   }
   const auto outcome = writeWithProgress(path, "Saving " + fileNameOf(path), [&] {
-    return format->write(services_.files, path, wave_, SyncToDisk::yes);
+    return format->write(services_.files, path, wave_, options);
   });
   if (outcome != FileOutcome::done) return outcome;
   if (wave_.needsEvenFrame()) {

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "core/wave.h"
 #include "formats/atomic_file.h"
+#include "formats/sample_codec.h"
 #include "platform/file_system.h"
 
 namespace plumetta {
@@ -19,10 +22,11 @@ enum class LoadStatus {
 
 struct LoadResult {
   LoadStatus status = LoadStatus::loaded;
-  std::string reason;                 // one sentence, when the load failed
-  std::vector<std::string> warnings;  // what the person should know about a file that did load
+  std::string reason;                  // one sentence, when the load failed
+  std::vector<std::string> warnings;   // what the person should know about a file that did load
+  std::vector<std::string> textKinds;  // text information that the buffer doesn't keep, "ID3"
 
-  static LoadResult failure(std::string why) { return {LoadStatus::failed, std::move(why), {}}; }
+  static LoadResult failure(std::string why) { return {LoadStatus::failed, std::move(why), {}, {}}; }
 };
 
 struct SaveResult {
@@ -34,13 +38,54 @@ struct SaveResult {
   static SaveResult from(std::error_code error);
 };
 
-// A kind of audio file: how it is recognised, read and written.
+// How a file without a header stores its samples.
+struct RawLayout {
+  uint32_t sampleRate = 44100;
+  int channels = 1;
+  SampleFormat sample;
+  uint64_t fileOffset = 0;  // bytes ahead of the first sample
+};
+
+struct OpenOptions {
+  std::optional<RawLayout> raw;    // set: the file is read as raw samples, whatever is in it
+  bool keepForeignChunks = false;  // unknown chunks of a WAV stay with the buffer as extra chunks
+};
+
+struct SaveOptions {
+  SyncToDisk sync = SyncToDisk::yes;
+  int bitRateKbits = 128;  // of formats that have one
+};
+
+// What a probe can tell from the beginning of a file.
+struct FileHead {
+  static constexpr size_t kBytes = 4096;
+
+  std::vector<uint8_t> bytes;  // the first kBytes, fewer of a shorter file
+  uint64_t size = 0;           // of the whole file
+  std::string extension;       // lower case
+
+  bool has(size_t offset, std::string_view text) const;
+};
+
+enum class Likeness {
+  none,
+  byName,    // nothing in the content tells; taken when only the extension speaks
+  possible,  // the content may be this; among several the extension decides
+  certain,
+};
+
+// A kind of audio file: how it is recognised, read and written. Readers and writers report to the buffer's
+// progress and answer a request to stop within 200 ms.
 struct Format {
   const char* name;                     // as dialogs show it
   std::vector<const char*> extensions;  // lower case, the usual one first
-  bool (*probe)(FileSystem& files, const std::string& path);
-  LoadResult (*read)(FileSystem& files, const std::string& path, CWave& wave);
-  SaveResult (*write)(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync);
+  Likeness (*probe)(const FileHead& head);
+  LoadResult (*read)(FileSystem& files, const std::string& path, const OpenOptions& options, CWave& wave);
+  SaveResult (*write)(FileSystem& files, const std::string& path, const CWave& wave,
+                      const SaveOptions& options);
+  // What a saved file would not hold of the buffer, each in a few words ("markers", "24 bits: 16 are kept");
+  // null when it holds everything.
+  std::vector<std::string> (*losses)(const CWave& wave);
 
   bool hasExtension(const std::string& extension) const;
 };

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
+#include <string_view>
 
 #include "formats/format.h"
 #include "formats/wav_reader.h"
@@ -18,18 +19,58 @@ bool Format::hasExtension(const std::string& extension) const {
   return std::any_of(extensions.begin(), extensions.end(), [&](const char* own) { return extension == own; });
 }
 
+bool FileHead::has(size_t offset, std::string_view text) const {
+  return bytes.size() >= offset + text.size() &&
+         std::equal(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+namespace {
+
+LoadResult readWavFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
+  return loadWav(files, path, wave);
+}
+
+SaveResult writeWavFile(FileSystem& files, const std::string& path, const CWave& wave,
+                        const SaveOptions& options) {
+  return saveWav(files, path, wave, options.sync);
+}
+
+std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
+  std::error_code error;
+  const auto file = files.openForReading(path, error);
+  if (!file) return std::nullopt;
+  FileHead head{std::vector<uint8_t>(FileHead::kBytes), file->size(), extensionOf(path)};
+  head.bytes.resize(file->read(head.bytes.data(), head.bytes.size(), error));
+  return head;
+}
+
+}  // namespace
+
 const std::vector<Format>& formatTable() {
   static const std::vector<Format> table{
-      {"WAV audio", {"wav", "wave"}, probeWav, loadWav, saveWav},
+      {"WAV audio", {"wav", "wave"}, probeWav, readWavFile, writeWavFile, nullptr},
   };
   return table;
 }
 
 const Format* formatOfContent(FileSystem& files, const std::string& path) {
+  const auto head = headOf(files, path);
+  if (!head) return nullptr;
+  // Twice the likeness, and one more where the extension agrees; of equals the first of the table.
+  const Format* best = nullptr;
+  int bestScore = 0;
   for (const Format& format : formatTable()) {
-    if (format.read != nullptr && format.probe(files, path)) return &format;
+    if (format.read == nullptr) continue;
+    const Likeness likeness = format.probe(*head);
+    const bool named = format.hasExtension(head->extension);
+    if (likeness == Likeness::none || (likeness == Likeness::byName && !named)) continue;
+    const int score = 2 * static_cast<int>(likeness) + (named ? 1 : 0);
+    if (score > bestScore) {
+      best = &format;
+      bestScore = score;
+    }
   }
-  return nullptr;
+  return best;
 }
 
 const Format* writableFormatOfName(const std::string& path) {

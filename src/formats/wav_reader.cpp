@@ -136,7 +136,7 @@ LoadResult readSamples(InputStream& in, const ChunkPlace& chunk, const WavFormat
     in.seek(chunk.body);
     const auto decoded =
         decodeSamples(in, *encoding, wave.samples(), frames, format.channels, wave.progress, framesRead);
-    if (decoded == CodecResult::cancelled) return {LoadStatus::cancelled, {}, {}};
+    if (decoded == CodecResult::cancelled) return {LoadStatus::cancelled, {}, {}, {}};
   } else {
     std::fill_n(wave.samples(), frames * format.channels, 0.0f);
     result.warnings.push_back("The encoding of this file is not known: its samples are shown as silence.");
@@ -239,12 +239,8 @@ const ChunkPlace* firstNamed(const std::vector<ChunkPlace>& chunks, const char* 
 
 }  // namespace
 
-bool probeWav(FileSystem& files, const std::string& path) {
-  std::error_code error;
-  const auto file = files.openForReading(path, error);
-  char header[kRiffHeaderBytes];
-  return file && file->read(header, sizeof header, error) == sizeof header &&
-         std::memcmp(header, "RIFF", 4) == 0 && std::memcmp(header + 8, "WAVE", 4) == 0;
+Likeness probeWav(const FileHead& head) {
+  return head.has(0, "RIFF") && head.has(8, "WAVE") ? Likeness::certain : Likeness::none;
 }
 
 LoadResult loadWav(FileSystem& files, const std::string& path, CWave& wave) {
@@ -266,7 +262,7 @@ LoadResult readWav(File& file, CWave& wave) {
   const auto format = readFormatChunk(in, *formatChunk);
   if (!format || !isSupported(*format)) {
     wave.setFormatTag(kFormatPcm);
-    if (format && format->tag == kFormatMpegLayer3) return {LoadStatus::mpegInside, {}, {}};
+    if (format && format->tag == kFormatMpegLayer3) return {LoadStatus::mpegInside, {}, {}, {}};
     return LoadResult::failure("The format of this WAV file is not supported.");
   }
   LoadResult result;

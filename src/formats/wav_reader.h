@@ -6,7 +6,7 @@
 namespace plumetta {
 
 // RIFF WAVE by its first twelve bytes.
-bool probeWav(FileSystem& files, const std::string& path);
+Likeness probeWav(const FileHead& head);
 
 // Fills `wave` from a WAV file: samples, loops ("smpl"), markers ("cue ") and envelope ("otom"). Sizes that
 // reach beyond the file are taken for what is there, and damaged annotations never cost the audio.

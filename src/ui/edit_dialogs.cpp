@@ -14,16 +14,16 @@ namespace {
 
 constexpr const char* kNewFile = "New file";
 
-struct Encoding {
+struct DepthChoice {
   const char* name;
   int bits;
   uint16_t formatTag;
 };
-constexpr Encoding kEncodings[] = {{"8-bit PCM", 8, kFormatPcm},
-                                   {"16-bit PCM", 16, kFormatPcm},
-                                   {"24-bit PCM", 24, kFormatPcm},
-                                   {"32-bit PCM", 32, kFormatPcm},
-                                   {"32-bit float", 32, kFormatFloat}};
+constexpr DepthChoice kEncodings[] = {{"8-bit PCM", 8, kFormatPcm},
+                                      {"16-bit PCM", 16, kFormatPcm},
+                                      {"24-bit PCM", 24, kFormatPcm},
+                                      {"32-bit PCM", 32, kFormatPcm},
+                                      {"32-bit float", 32, kFormatFloat}};
 constexpr int kEncodingCount = static_cast<int>(std::size(kEncodings));
 constexpr double kMaxRate = 4294967295.0;  // what the rate's 32-bit field holds
 
@@ -95,9 +95,9 @@ std::optional<NewFileChoice> askNewFile(wxWindow* parent, WindowProfile& profile
   wxChoice* channels = form.addChoice("Channels", channelCounts(),
                                       within(profile.integer(kNewFile, "Channels", 2), 1, kMaxChannels) - 1);
   wxArrayString encodings;
-  for (const Encoding& encoding : kEncodings) encodings.Add(encoding.name);
+  for (const DepthChoice& encoding : kEncodings) encodings.Add(encoding.name);
   wxChoice* encoding = form.addChoice(
-      "Samples", encodings, within(profile.integer(kNewFile, "Encoding", 1), 0, kEncodingCount - 1));
+      "Samples", encodings, within(profile.integer(kNewFile, "DepthChoice", 1), 0, kEncodingCount - 1));
   const auto checkLength = [rate](const std::string& text) -> std::string {
     const auto seconds = parseNumber(text);
     if (!seconds || *seconds < 0) return seconds ? "A length is never negative." : "This is not a number.";
@@ -115,7 +115,7 @@ std::optional<NewFileChoice> askNewFile(wxWindow* parent, WindowProfile& profile
   choice.frames = framesOf(checkedNumber(*length), choice.sampleRate);
   profile.setText(kNewFile, "Rate", numberText(choice.sampleRate));
   profile.setInteger(kNewFile, "Channels", choice.channels);
-  profile.setInteger(kNewFile, "Encoding", encoding->GetSelection());
+  profile.setInteger(kNewFile, "DepthChoice", encoding->GetSelection());
   profile.setReal(kNewFile, "Length", checkedNumber(*length));
   return choice;
 }

@@ -80,7 +80,7 @@ TEST_F(Wav, WhatIsNotSupportedSaysSo) {
     EXPECT_FALSE(result.reason.empty());
   }
   EXPECT_EQ(load(riff(chunk("data", "abcd"))).status, LoadStatus::failed);
-  EXPECT_FALSE(probeWav(nativeFileSystem(), folder_.path()));
+  EXPECT_EQ(formatOfContent(nativeFileSystem(), folder_.path()), nullptr);
   EXPECT_EQ(loadWav(nativeFileSystem(), folder_.file("none"), wave_).status, LoadStatus::failed);
 }
 
