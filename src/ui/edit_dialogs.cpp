@@ -97,7 +97,7 @@ std::optional<NewFileChoice> askNewFile(wxWindow* parent, WindowProfile& profile
   wxArrayString encodings;
   for (const DepthChoice& encoding : kEncodings) encodings.Add(encoding.name);
   wxChoice* encoding = form.addChoice(
-      "Samples", encodings, within(profile.integer(kNewFile, "DepthChoice", 1), 0, kEncodingCount - 1));
+      "Samples", encodings, within(profile.integer(kNewFile, "Encoding", 1), 0, kEncodingCount - 1));
   const auto checkLength = [rate](const std::string& text) -> std::string {
     const auto seconds = parseNumber(text);
     if (!seconds || *seconds < 0) return seconds ? "A length is never negative." : "This is not a number.";
@@ -115,7 +115,7 @@ std::optional<NewFileChoice> askNewFile(wxWindow* parent, WindowProfile& profile
   choice.frames = framesOf(checkedNumber(*length), choice.sampleRate);
   profile.setText(kNewFile, "Rate", numberText(choice.sampleRate));
   profile.setInteger(kNewFile, "Channels", choice.channels);
-  profile.setInteger(kNewFile, "DepthChoice", encoding->GetSelection());
+  profile.setInteger(kNewFile, "Encoding", encoding->GetSelection());
   profile.setReal(kNewFile, "Length", checkedNumber(*length));
   return choice;
 }
