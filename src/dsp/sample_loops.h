@@ -7,11 +7,11 @@
 namespace plumetta {
 
 // Calls `work(samples, frames)` piece by piece over a range that lies in the buffer, with a turn for others
-// in between.
+// in between; work that is slow on a sample asks for fewer of them a turn.
 template <class Work>
-void forPieces(CWave& wave, FrameRange range, Work work) {
+void forPieces(CWave& wave, FrameRange range, Work work, size_t samplesPerTurn = CWave::kSamplesPerTurn) {
   const auto channels = static_cast<size_t>(wave.channels());
-  const size_t framesPerTurn = CWave::kSamplesPerTurn / channels;
+  const size_t framesPerTurn = samplesPerTurn / channels;
   const auto end = static_cast<size_t>(range.last) + 1;
   for (auto frame = static_cast<size_t>(range.first); frame < end; frame += framesPerTurn) {
     work(wave.samples() + frame * channels, std::min(framesPerTurn, end - frame));

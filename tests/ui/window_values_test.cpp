@@ -36,12 +36,14 @@ TEST(NumberText, WritesPlainDigitsThatReadBack) {
 }
 
 TEST(FileFilters, AreReadOffTheFormats) {
-  const auto probe = [](FileSystem&, const std::string&) { return false; };
-  const auto read = [](FileSystem&, const std::string&, CWave&) { return LoadResult{}; };
-  const auto write = [](FileSystem&, const std::string&, const CWave&, SyncToDisk) { return SaveResult{}; };
-  const std::vector<Format> formats{{"Alpha", {"a", "al"}, probe, read, write},
-                                    {"Beta", {"b"}, probe, read, nullptr},
-                                    {"Gamma", {"g"}, probe, nullptr, write}};
+  const auto probe = [](const FileHead&) { return Likeness::none; };
+  const auto read = [](FileSystem&, const std::string&, const OpenOptions&, CWave&) { return LoadResult{}; };
+  const auto write = [](FileSystem&, const std::string&, const CWave&, const SaveOptions&) {
+    return SaveResult{};
+  };
+  const std::vector<Format> formats{{"Alpha", {"a", "al"}, probe, read, write, nullptr},
+                                    {"Beta", {"b"}, probe, read, nullptr, nullptr},
+                                    {"Gamma", {"g"}, probe, nullptr, write, nullptr}};
   EXPECT_EQ(openFilter(formats),
             "All audio files|*.a;*.al;*.b|Alpha (*.a, *.al)|*.a;*.al|Beta (*.b)|*.b|All files|*");
   const auto writable = writableFormats(formats);
