@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Plays through a sound server of its own into a sink that leads nowhere, listens to that sink's monitor, and takes
-sink and server away in mid-play: play_through_pulse.py PLAY_SIGNAL CLI.  Ends with 77 where there is no server."""
+sink and server away in mid-play: play_through_pulse.py PLAY_SIGNAL CLI PLAY_WHILE_EDITING.  Ends with 77 where there is no server."""
 import os
 import shutil
 import signal
@@ -13,7 +13,7 @@ import unittest
 
 from pulse_server import Server
 
-PLAY, CLI = sys.argv[1:3]
+PLAY, CLI, EDIT = sys.argv[1:4]
 # Two seconds are what a person is promised; a loaded machine gets some grace, a hang does not.
 PATIENCE = 5
 
@@ -138,6 +138,11 @@ class Pulse(unittest.TestCase):
         player.wait(timeout=30)
         self.assertEqual((player.returncode, self.words(player)["stopped"]), (0, "1"))
 
+    def test_editing_what_is_played_leaves_no_gap(self):
+        done = self.server.call(EDIT, "6")
+        print(done.stdout.replace("\n", "  "), file=sys.stderr)
+        self.assertEqual(done.returncode, 0, done.stdout)
+
     def test_devices_are_listed_by_what_people_call_them(self):
         self.assertIn("  0  Nowhere\n", self.server.call(CLI, "devices").stdout)
         self.server.call("pactl", "load-module", "module-null-sink", "sink_name=second",
@@ -150,4 +155,4 @@ class Pulse(unittest.TestCase):
 if __name__ == "__main__":
     if not all(shutil.which(tool) for tool in ("pulseaudio", "pactl", "parec")):
         sys.exit(77)
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
