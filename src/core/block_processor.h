@@ -1,7 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
+
+#include "core/wave_progress.h"
+
 namespace plumetta {
+
+class AudioLock;
+class CWave;
 
 // A chain of plug-ins, as playback sees it.
 class BlockProcessor {
@@ -17,6 +24,26 @@ class BlockProcessor {
   virtual void setPlaying(bool playing) noexcept = 0;
   // Works in place on `channelCount` buffers of `frames` floats each.
   virtual void process(float** channels, int channelCount, int frames) noexcept = 0;
+};
+
+enum class ChainResult {
+  done,       // also where there was nothing to do
+  cancelled,  // through the progress
+  failed,     // a plug-in did not come back, or there was no memory
+};
+
+// A chain of plug-ins, as commands and batches see it. UI thread.
+class ChainProcessor {
+ public:
+  virtual ~ChainProcessor() = default;
+
+  virtual bool hasActivePlugin() const = 0;
+  // Replaces the frames from the smaller end up to, but without, the larger one by what the chain makes of
+  // them, or all frames when both are the same. Does nothing for a negative end. The lock is held only for
+  // the moments in which samples are taken and given back. After anything but `done` samples are partly
+  // changed.
+  virtual ChainResult applyTo(CWave& wave, AudioLock& lock, int64_t start, int64_t end,
+                              const WaveProgress& progress) = 0;
 };
 
 }  // namespace plumetta
