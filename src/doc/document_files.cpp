@@ -52,7 +52,7 @@ FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& optio
   if (result.status == LoadStatus::cancelled) return FileOutcome::cancelled;
   if (result.status != LoadStatus::loaded) {
     if (result.reason.empty()) result.reason = "MPEG audio inside a WAV file is not supported.";
-    prompter().message(unableTo("open", path, result.reason));
+    prompter().message(result.reasonIsMessage ? result.reason : unableTo("open", path, result.reason));
     return FileOutcome::fileError;
   }
   view_ = {};

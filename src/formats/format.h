@@ -18,6 +18,7 @@ enum class LoadStatus {
   failed = -1,      // can't be opened, not supported, or no memory; `reason` says which
   mpegInside = -2,  // MPEG layer 3 inside RIFF: for another decoder
   cancelled = -3,
+  noMemory = -4,  // for the samples
 };
 
 struct LoadResult {
@@ -26,7 +27,12 @@ struct LoadResult {
   std::vector<std::string> warnings;   // what the person should know about a file that did load
   std::vector<std::string> textKinds;  // text information that the buffer doesn't keep, "ID3"
 
+  bool reasonIsMessage = false;  // the reason is shown as it stands, without the name of the file
+
   static LoadResult failure(std::string why) { return {LoadStatus::failed, std::move(why), {}, {}}; }
+  static LoadResult message(std::string text) { return {LoadStatus::failed, std::move(text), {}, {}, true}; }
+  static LoadResult outOfMemory();
+  static LoadResult tooLong();
 };
 
 struct SaveResult {

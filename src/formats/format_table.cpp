@@ -3,11 +3,19 @@
 #include <string_view>
 
 #include "formats/format.h"
+#include "formats/vorbis_reader.h"
 #include "formats/wav_reader.h"
 #include "formats/wav_writer.h"
+#include "formats/wavpack_reader.h"
 #include "platform/paths.h"
 
 namespace plumetta {
+
+LoadResult LoadResult::outOfMemory() {
+  return {LoadStatus::noMemory, "There is not enough memory for the audio of this file.", {}, {}};
+}
+
+LoadResult LoadResult::tooLong() { return failure("The file has more frames than a document can hold."); }
 
 SaveResult SaveResult::from(std::error_code error) {
   if (!error) return {};
@@ -30,6 +38,14 @@ LoadResult readWavFile(FileSystem& files, const std::string& path, const OpenOpt
   return loadWav(files, path, wave);
 }
 
+LoadResult readVorbisFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
+  return loadVorbis(files, path, wave);
+}
+
+LoadResult readWavpackFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
+  return loadWavpack(files, path, wave);
+}
+
 SaveResult writeWavFile(FileSystem& files, const std::string& path, const CWave& wave,
                         const SaveOptions& options) {
   return saveWav(files, path, wave, options.sync);
@@ -49,6 +65,8 @@ std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
 const std::vector<Format>& formatTable() {
   static const std::vector<Format> table{
       {"WAV audio", {"wav", "wave"}, probeWav, readWavFile, writeWavFile, nullptr},
+      {"Ogg Vorbis audio", {"ogg", "oga"}, probeVorbis, readVorbisFile, nullptr, nullptr},
+      {"WavPack audio", {"wv"}, probeWavpack, readWavpackFile, nullptr, nullptr},
   };
   return table;
 }
