@@ -29,6 +29,12 @@ class SharedLibrary {
   Function* function(const char* name) const {
     return reinterpret_cast<Function*>(symbol(name));
   }
+  // The same into a variable; false when there is no such symbol.
+  template <class Function>
+  bool resolve(const char* name, Function*& target) const {
+    target = function<Function>(name);
+    return target != nullptr;
+  }
 
  private:
   using AnyFunction = void (*)();
