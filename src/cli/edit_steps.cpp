@@ -76,8 +76,12 @@ StepOutcome makeCurrent(EditSession& session, const StepArguments& arguments) {
   return StepOutcome::done;
 }
 
+constexpr int64_t kLargestBitRate = 1000000;  // far beyond any format's: the writer makes something of it
+
 StepOutcome save(EditSession& session, const StepArguments& arguments) {
-  return outcomeOf(session.doc->save(pathOf(arguments, 0)));
+  SaveOptions options;
+  options.bitRateKbits = static_cast<int>(std::clamp<int64_t>(integerOf(arguments, 1), 0, kLargestBitRate));
+  return outcomeOf(session.doc->save(pathOf(arguments, 0), options));
 }
 
 StepOutcome saveRange(EditSession& session, const StepArguments& arguments) {
@@ -280,6 +284,8 @@ Parameter frame(const char* key) { return positional(key, ParameterType::frame, 
 std::vector<EditStep> ownSteps() {
   const Parameter tag{"tag", "", "", ParameterType::integer, false, int64_t{kFormatPcm}, 0, 0, ""};
   const Parameter index{"index", "", "", ParameterType::integer, false, int64_t{0}, 0, 0, ""};
+  const Parameter bitRate{
+      "bitrate", "", "", ParameterType::integer, false, int64_t{SaveOptions{}.bitRateKbits}, 0, 0, ""};
   const Parameter levels{"levels", "", "", ParameterType::boolean, false, true, 0, 0, ""};
   return {
       {"open", {file()}, false, open, nullptr},
@@ -289,7 +295,7 @@ std::vector<EditStep> ownSteps() {
        makeNew,
        nullptr},
       {"doc", {integer("n")}, false, makeCurrent, nullptr},
-      {"save", {file()}, true, save, nullptr},
+      {"save", {file(), bitRate}, true, save, nullptr},
       {"save-range", {frame("from"), frame("to"), file()}, true, saveRange, nullptr},
       {"split", {positional("prefix", ParameterType::text, std::string{})}, true, split, nullptr},
       {"export-text", {file()}, true, exportText, nullptr},

@@ -51,7 +51,6 @@ FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& optio
   }
   if (result.status == LoadStatus::cancelled) return FileOutcome::cancelled;
   if (result.status != LoadStatus::loaded) {
-    if (result.reason.empty()) result.reason = "MPEG audio inside a WAV file is not supported.";
     prompter().message(result.reasonIsMessage ? result.reason : unableTo("open", path, result.reason));
     return FileOutcome::fileError;
   }
@@ -67,6 +66,10 @@ FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& optio
 FileOutcome CPlumettaDoc::report(const SaveResult& result, const std::string& path) {
   if (result.saved) return FileOutcome::done;
   if (result.cancelled) return FileOutcome::cancelled;
+  if (!result.message.empty()) {
+    prompter().message(result.message);
+    return FileOutcome::refused;
+  }
   prompter().message(unableTo("save", path, result.reason));
   return FileOutcome::fileError;
 }
@@ -87,11 +90,14 @@ FileOutcome CPlumettaDoc::save(const std::string& path, const SaveOptions& optio
   if (format == nullptr) {
     return report(SaveResult::failure("The extension names no format that can be written."), path);
   }
+  bool addedEvenFrame = false;
   const auto outcome = writeWithProgress(path, "Saving " + fileNameOf(path), [&] {
-    return format->write(services_.files, path, wave_, options);
+    const SaveResult result = format->write(services_.files, path, wave_, options);
+    addedEvenFrame = result.addedEvenFrame;
+    return result;
   });
   if (outcome != FileOutcome::done) return outcome;
-  if (wave_.needsEvenFrame()) {
+  if (addedEvenFrame) {
     const AudioLockHeld lock(services_.audioLock);
     wave_.appendEvenFrame();
   }
@@ -130,7 +136,7 @@ FileOutcome CPlumettaDoc::saveSpectrum(const std::string& path, SpectrumSettings
   const Range range = selectionOrAll();
   return writeWithProgress(path, "Computing the spectrum", [&]() -> SaveResult {
     const auto record = averagedSpectrum(wave_, {range.first, range.last}, settings, wave_.progress);
-    if (!record) return {false, true, {}};
+    if (!record) return SaveResult::givenUp();
     return plumetta::saveSpectrum(services_.files, path, *record);
   });
 }

@@ -10,6 +10,7 @@ namespace plumetta {
 namespace {
 
 using Produce = std::function<bool(OutputStream&)>;
+using Complete = std::function<std::error_code(const std::string&)>;
 
 // Files that the system offers under these names (a shell's own output, a device) are never replaced.
 bool isDevicePath(const std::string& path) { return path.starts_with("/dev/") || path.starts_with("/proc/"); }
@@ -41,6 +42,18 @@ std::error_code produceInto(File& file, SyncToDisk sync, const Produce& produce)
   return error ? error : closeError;
 }
 
+// `complete` has its own ways of writing to the file, so that the disk is waited for after it.
+std::error_code completeFile(FileSystem& files, const std::string& path, SyncToDisk sync,
+                             const Complete& complete) {
+  std::error_code error = complete(path);
+  if (error || sync == SyncToDisk::no) return error;
+  const auto file = files.openSpecialForWriting(path, error);
+  if (!file) return error;
+  error = file->sync();
+  const std::error_code closeError = file->close();
+  return error ? error : closeError;
+}
+
 std::error_code writeInPlace(FileSystem& files, const std::string& path, const Produce& produce) {
   std::error_code error;
   auto file = files.openSpecialForWriting(path, error);
@@ -50,7 +63,7 @@ std::error_code writeInPlace(FileSystem& files, const std::string& path, const P
 }  // namespace
 
 std::error_code writeAtomically(FileSystem& files, const std::string& path, SyncToDisk sync,
-                                const Produce& produce) {
+                                const Produce& produce, const Complete& complete) {
   if (isDevicePath(path)) return writeInPlace(files, path, produce);
   const std::string target = files.resolveLinks(path);
   switch (files.kind(target)) {
@@ -68,8 +81,9 @@ std::error_code writeAtomically(FileSystem& files, const std::string& path, Sync
   std::error_code error;
   auto file = createBeside(files, target, temporary, error);
   if (!file) return error;
-  error = produceInto(*file, sync, produce);
+  error = produceInto(*file, complete ? SyncToDisk::no : sync, produce);
   file.reset();
+  if (!error && complete) error = completeFile(files, temporary, sync, complete);
   if (!error) error = files.adoptAccess(temporary, target);
   if (!error) error = files.replace(temporary, target, sync == SyncToDisk::yes);
   if (error) files.remove(temporary);

@@ -38,9 +38,12 @@ struct LoadResult {
 struct SaveResult {
   bool saved = true;
   bool cancelled = false;
-  std::string reason;  // one sentence, when it failed
+  std::string reason;           // one sentence, when it failed
+  std::string message;          // set where the failure has a message of its own, shown instead of the reason
+  bool addedEvenFrame = false;  // the file has one silent frame more than the buffer
 
-  static SaveResult failure(std::string why) { return {false, false, std::move(why)}; }
+  static SaveResult failure(std::string why) { return {false, false, std::move(why), {}, false}; }
+  static SaveResult givenUp() { return {false, true, {}, {}, false}; }
   static SaveResult from(std::error_code error);
 };
 
@@ -92,6 +95,7 @@ struct Format {
   // What a saved file would not hold of the buffer, each in a few words ("markers", "24 bits: 16 are kept");
   // null when it holds everything.
   std::vector<std::string> (*losses)(const CWave& wave);
+  bool hasBitRate = false;  // a person chooses SaveOptions::bitRateKbits
 
   bool hasExtension(const std::string& extension) const;
 };

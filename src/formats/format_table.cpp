@@ -3,6 +3,8 @@
 #include <string_view>
 
 #include "formats/format.h"
+#include "formats/mp3_reader.h"
+#include "formats/mp3_writer.h"
 #include "formats/vorbis_reader.h"
 #include "formats/wav_reader.h"
 #include "formats/wav_writer.h"
@@ -19,7 +21,7 @@ LoadResult LoadResult::tooLong() { return failure("The file has more frames than
 
 SaveResult SaveResult::from(std::error_code error) {
   if (!error) return {};
-  if (error == std::errc::operation_canceled) return {false, true, {}};
+  if (error == std::errc::operation_canceled) return givenUp();
   return failure(error.message());
 }
 
@@ -35,7 +37,8 @@ bool FileHead::has(size_t offset, std::string_view text) const {
 namespace {
 
 LoadResult readWavFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
-  return loadWav(files, path, wave);
+  LoadResult result = loadWav(files, path, wave);
+  return result.status == LoadStatus::mpegInside ? loadMp3(files, path, wave) : result;
 }
 
 LoadResult readVorbisFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
@@ -49,6 +52,15 @@ LoadResult readWavpackFile(FileSystem& files, const std::string& path, const Ope
 SaveResult writeWavFile(FileSystem& files, const std::string& path, const CWave& wave,
                         const SaveOptions& options) {
   return saveWav(files, path, wave, options.sync);
+}
+
+LoadResult readMp3File(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
+  return loadMp3(files, path, wave);
+}
+
+SaveResult writeMp3File(FileSystem& files, const std::string& path, const CWave& wave,
+                        const SaveOptions& options) {
+  return saveMp3(files, path, wave, options);
 }
 
 std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
@@ -65,6 +77,7 @@ std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
 const std::vector<Format>& formatTable() {
   static const std::vector<Format> table{
       {"WAV audio", {"wav", "wave"}, probeWav, readWavFile, writeWavFile, nullptr},
+      {"MP3 audio", {"mp3"}, probeMp3, readMp3File, writeMp3File, lossesOfMp3, true},
       {"Ogg Vorbis audio", {"ogg", "oga"}, probeVorbis, readVorbisFile, nullptr, nullptr},
       {"WavPack audio", {"wv"}, probeWavpack, readWavpackFile, nullptr, nullptr},
   };

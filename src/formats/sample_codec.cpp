@@ -308,4 +308,8 @@ CodecResult encodeSamples(OutputStream& out, const SampleFormat& format, const f
   return CodecResult::done;
 }
 
+void toPcm16(const float* floats, int16_t* integers, size_t count) {
+  encodePcm16Signed(floats, reinterpret_cast<uint8_t*>(integers), count);
+}
+
 }  // namespace plumetta

@@ -38,4 +38,7 @@ CodecResult decodeSamples(InputStream& in, const SampleFormat& format, float* fl
 CodecResult encodeSamples(OutputStream& out, const SampleFormat& format, const float* floats, int64_t frames,
                           int channels, const WaveProgress& progress);
 
+// The same conversion in memory: samples at ±1.0 to 16-bit integers.
+void toPcm16(const float* floats, int16_t* integers, size_t count);
+
 }  // namespace plumetta

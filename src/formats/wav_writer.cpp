@@ -213,7 +213,9 @@ SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave
                  wave.loops,    wave.markers,
                  wave.envelope, false};
   if (image.silentFrames > 0) image.envelope.setLength(wave.frames() + 1);
-  return saveImage(files, path, image, sync);
+  SaveResult result = saveImage(files, path, image, sync);
+  result.addedEvenFrame = result.saved && image.silentFrames > 0;
+  return result;
 }
 
 SaveResult saveWavRange(FileSystem& files, const std::string& path, const CWave& wave, int32_t from,

@@ -7,7 +7,7 @@ namespace plumetta {
 
 // Writes the whole buffer as RIFF WAVE with its loops, markers, envelope and extra chunks. With an odd number
 // of channels and frames at 8 or 24 bits the file gets one silent frame more, to keep the data chunk even;
-// the caller gives it to the buffer as well once the save has succeeded (`CWave::appendEvenFrame`).
+// the result says so, and the caller gives it to the buffer as well (`CWave::appendEvenFrame`).
 SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync);
 
 // Writes the frames between the two, both included, with the markers and loops that lie inside.
