@@ -18,6 +18,7 @@ enum class LoadStatus {
   failed = -1,      // can't be opened, not supported, or no memory; `reason` says which
   mpegInside = -2,  // MPEG layer 3 inside RIFF: for another decoder
   cancelled = -3,
+  noMemory = -4,  // for the samples
 };
 
 struct LoadResult {
@@ -27,6 +28,8 @@ struct LoadResult {
   std::vector<std::string> textKinds;  // text information that the buffer doesn't keep, "ID3"
 
   static LoadResult failure(std::string why) { return {LoadStatus::failed, std::move(why), {}, {}}; }
+  static LoadResult outOfMemory();
+  static LoadResult tooLong();
 };
 
 struct SaveResult {

@@ -3,11 +3,18 @@
 #include <string_view>
 
 #include "formats/format.h"
+#include "formats/sndfile_formats.h"
 #include "formats/wav_reader.h"
 #include "formats/wav_writer.h"
 #include "platform/paths.h"
 
 namespace plumetta {
+
+LoadResult LoadResult::outOfMemory() {
+  return {LoadStatus::noMemory, "There is not enough memory for the audio of this file.", {}, {}};
+}
+
+LoadResult LoadResult::tooLong() { return failure("The file has more frames than a document can hold."); }
 
 SaveResult SaveResult::from(std::error_code error) {
   if (!error) return {};
@@ -49,6 +56,31 @@ std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
 const std::vector<Format>& formatTable() {
   static const std::vector<Format> table{
       {"WAV audio", {"wav", "wave"}, probeWav, readWavFile, writeWavFile, nullptr},
+      {"AIFF audio",
+       {"aiff", "aif", "aifc"},
+       probeAiff,
+       readSndfile<kAiff>,
+       writeSndfile<kAiff>,
+       sndfileLosses<kAiff>},
+      {"Amiga IFF audio",
+       {"iff", "8svx", "16sv", "svx"},
+       probeAmigaIff,
+       readSndfile<kAmigaIff>,
+       writeSndfile<kAmigaIff>,
+       sndfileLosses<kAmigaIff>},
+      {"Sun/NeXT audio", {"au", "snd"}, probeAu, readSndfile<kAu>, writeSndfile<kAu>, sndfileLosses<kAu>},
+      {"Creative VOC audio", {"voc"}, probeVoc, readSndfile<kVoc>, writeSndfile<kVoc>, sndfileLosses<kVoc>},
+      {"CAF audio", {"caf"}, probeCaf, readSndfile<kCaf>, writeSndfile<kCaf>, sndfileLosses<kCaf>},
+      {"Wave64 audio", {"w64"}, probeW64, readSndfile<kW64>, writeSndfile<kW64>, sndfileLosses<kW64>},
+      {"FLAC audio", {"flac"}, probeFlac, readSndfile<kFlac>, writeSndfile<kFlac>, sndfileLosses<kFlac>},
+      {"Ogg Vorbis audio",
+       {"ogg", "oga"},
+       probeVorbis,
+       nullptr,
+       writeSndfile<kVorbis>,
+       sndfileLosses<kVorbis>},
+      {"Opus audio", {"opus"}, probeOpus, readSndfile<kOpus>, writeSndfile<kOpus>, sndfileLosses<kOpus>},
+      {"Ogg FLAC audio", {"oga"}, probeOggFlac, readSndfile<kOggFlac>, nullptr, nullptr},
   };
   return table;
 }

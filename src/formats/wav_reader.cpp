@@ -125,10 +125,8 @@ LoadResult readSamples(InputStream& in, const ChunkPlace& chunk, const WavFormat
                        LoadResult result) {
   const int64_t frames = frameCount(format, chunk.size);
   wave.setLayout(wave.channels(), 0);
-  if (frames > kMaxFrames) return LoadResult::failure("The file has more frames than a document can hold.");
-  if (!wave.resize(frames, format.channels)) {
-    return LoadResult::failure("There is not enough memory for the audio of this file.");
-  }
+  if (frames > kMaxFrames) return LoadResult::tooLong();
+  if (!wave.resize(frames, format.channels)) return LoadResult::outOfMemory();
   const auto encoding = wavEncoding(format.bits, format.tag);
   int64_t framesRead = frames;
   if (encoding) {
