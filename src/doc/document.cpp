@@ -13,7 +13,7 @@ constexpr size_t kVersionChunkBytes = 32;
 void addVersionChunk(CWave& wave) {
   std::array<uint8_t, kVersionChunkBytes> body{};
   std::memcpy(body.data(), kVersion, std::strlen(kVersion));
-  wave.extraChunks.add("ETTA", body);
+  wave.extraChunks.add(kVersionChunkId, body);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "formats/format.h"
 #include "formats/mp3_reader.h"
 #include "formats/mp3_writer.h"
+#include "formats/sndfile_formats.h"
 #include "formats/vorbis_reader.h"
 #include "formats/wav_reader.h"
 #include "formats/wav_writer.h"
@@ -78,8 +79,32 @@ const std::vector<Format>& formatTable() {
   static const std::vector<Format> table{
       {"WAV audio", {"wav", "wave"}, probeWav, readWavFile, writeWavFile, nullptr},
       {"MP3 audio", {"mp3"}, probeMp3, readMp3File, writeMp3File, lossesOfMp3, true},
-      {"Ogg Vorbis audio", {"ogg", "oga"}, probeVorbis, readVorbisFile, nullptr, nullptr},
+      {"Ogg Vorbis audio",
+       {"ogg", "oga"},
+       probeVorbis,
+       readVorbisFile,
+       writeSndfile<kVorbis>,
+       sndfileLosses<kVorbis>},
       {"WavPack audio", {"wv"}, probeWavpack, readWavpackFile, nullptr, nullptr},
+      {"AIFF audio",
+       {"aiff", "aif", "aifc"},
+       probeAiff,
+       readSndfile<kAiff>,
+       writeSndfile<kAiff>,
+       sndfileLosses<kAiff>},
+      {"Amiga IFF audio",
+       {"iff", "8svx", "16sv", "svx"},
+       probeAmigaIff,
+       readSndfile<kAmigaIff>,
+       writeSndfile<kAmigaIff>,
+       sndfileLosses<kAmigaIff>},
+      {"Sun/NeXT audio", {"au", "snd"}, probeAu, readSndfile<kAu>, writeSndfile<kAu>, sndfileLosses<kAu>},
+      {"Creative VOC audio", {"voc"}, probeVoc, readSndfile<kVoc>, writeSndfile<kVoc>, sndfileLosses<kVoc>},
+      {"CAF audio", {"caf"}, probeCaf, readSndfile<kCaf>, writeSndfile<kCaf>, sndfileLosses<kCaf>},
+      {"Wave64 audio", {"w64"}, probeW64, readSndfile<kW64>, writeSndfile<kW64>, sndfileLosses<kW64>},
+      {"FLAC audio", {"flac"}, probeFlac, readSndfile<kFlac>, writeSndfile<kFlac>, sndfileLosses<kFlac>},
+      {"Opus audio", {"opus"}, probeOpus, readSndfile<kOpus>, writeSndfile<kOpus>, sndfileLosses<kOpus>},
+      {"Ogg FLAC audio", {"oga"}, probeOggFlac, readSndfile<kOggFlac>, nullptr, nullptr},
   };
   return table;
 }

@@ -29,6 +29,11 @@ class OutputStream {
   }
   void writeFloat(float value);
 
+  // The offset from the start at which the next byte goes. What stands at an offset that was moved back to is
+  // overwritten.
+  uint64_t position() const { return position_; }
+  void seek(uint64_t offset);
+
   bool failed() const { return static_cast<bool>(error_); }
   // Hands the rest to the file and tells how it all went.
   std::error_code flush();
@@ -38,6 +43,7 @@ class OutputStream {
 
   File& file_;
   std::vector<uint8_t> buffer_;
+  uint64_t position_ = 0;
   std::error_code error_;
 };
 

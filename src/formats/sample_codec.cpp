@@ -21,10 +21,6 @@ static_assert(std::endian::native == std::endian::little, "the codecs work on li
 constexpr int64_t kBlockFrames = 512;
 constexpr double kInt32Scale = 4.656612873077393e-10;  // 2^-31
 
-// A block of raw samples, as many as `count`, in little-endian order, to floats.
-using BlockDecoder = void (*)(const uint8_t* raw, float* floats, size_t count);
-using BlockEncoder = void (*)(const float* floats, uint8_t* raw, size_t count);
-
 template <class T>
 T load(const uint8_t* raw, size_t i) {
   T value;
@@ -186,9 +182,9 @@ struct Codec {
   BlockEncoder encode;
 };
 
-Codec codecFor(const SampleFormat& format) {
-  const bool isUnsigned = format.signType == SignType::isUnsigned;
-  switch (format.encoding) {
+Codec codecFor(Encoding encoding, SignType signType) {
+  const bool isUnsigned = signType == SignType::isUnsigned;
+  switch (encoding) {
     case Encoding::adpcm4:
       return {nullptr, nullptr};  // keeps state between blocks; see decodeAdpcm
     case Encoding::pcm8:
@@ -243,6 +239,14 @@ CodecResult decodeAdpcm(InputStream& in, float* floats, int64_t frames, int chan
 
 }  // namespace
 
+BlockDecoder blockDecoder(Encoding encoding, SignType signType) {
+  return codecFor(encoding, signType).decode;
+}
+
+BlockEncoder blockEncoder(Encoding encoding, SignType signType) {
+  return codecFor(encoding, signType).encode;
+}
+
 int bytesPerSample(Encoding encoding) {
   switch (encoding) {
     case Encoding::adpcm4:
@@ -272,7 +276,7 @@ CodecResult decodeSamples(InputStream& in, const SampleFormat& format, float* fl
   }
   const auto width = static_cast<size_t>(bytesPerSample(format.encoding));
   const size_t frameBytes = width * static_cast<size_t>(channels);
-  const BlockDecoder decode = codecFor(format).decode;
+  const BlockDecoder decode = blockDecoder(format.encoding, format.signType);
   std::vector<uint8_t> raw(frameBytes * static_cast<size_t>(kBlockFrames));
   while (framesRead < frames) {
     const int64_t wanted = std::min(kBlockFrames, frames - framesRead);
@@ -290,7 +294,7 @@ CodecResult decodeSamples(InputStream& in, const SampleFormat& format, float* fl
 
 CodecResult encodeSamples(OutputStream& out, const SampleFormat& format, const float* floats, int64_t frames,
                           int channels, const WaveProgress& progress) {
-  const BlockEncoder encode = codecFor(format).encode;
+  const BlockEncoder encode = blockEncoder(format.encoding, format.signType);
   if (encode == nullptr) return CodecResult::writeFailed;
   const auto width = static_cast<size_t>(bytesPerSample(format.encoding));
   std::vector<uint8_t> raw(width * static_cast<size_t>(channels * kBlockFrames));

@@ -25,6 +25,13 @@ struct SampleFormat {
 // Bytes of one stored sample; 0 for ADPCM, of which one byte holds two.
 int bytesPerSample(Encoding encoding);
 
+// Samples in the machine's own byte order to floats and back, `count` at a time; the scales, rounding and
+// clamping of every file. Null for ADPCM, which keeps a state between blocks.
+using BlockDecoder = void (*)(const uint8_t* raw, float* floats, size_t count);
+using BlockEncoder = void (*)(const float* floats, uint8_t* raw, size_t count);
+BlockDecoder blockDecoder(Encoding encoding, SignType signType);
+BlockEncoder blockEncoder(Encoding encoding, SignType signType);
+
 enum class CodecResult { done, shortRead, writeFailed, cancelled };
 
 // Reads frames × channels samples from the stream into interleaved floats, in blocks of 512 frames, reporting

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "formats/sndfile_probes.h"
+
+#include <string_view>
+
+namespace plumetta {
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr uint64_t kUnknownSize32 = 0xFFFFFFFF;  // written ahead of a length that nobody knew yet
+constexpr size_t kOggPacket = 28;                // of the first page, which holds one packet alone
+constexpr size_t kId3HeaderBytes = 10;
+
+Likeness certainIf(bool condition) { return condition ? Likeness::certain : Likeness::none; }
+
+// An unsigned number of `count` bytes; 0 beyond the head.
+uint64_t number(const FileHead& head, size_t offset, size_t count, bool bigEndian) {
+  if (head.bytes.size() < offset + count) return 0;
+  uint64_t value = 0;
+  for (size_t i = 0; i < count; ++i) {
+    value = value << 8 | head.bytes[offset + (bigEndian ? i : count - 1 - i)];
+  }
+  return value;
+}
+
+// Where the stream begins behind an ID3v2 tag, which some programs put ahead of it.
+size_t behindId3(const FileHead& head) {
+  if (!head.has(0, "ID3") || head.bytes.size() < kId3HeaderBytes) return 0;
+  size_t size = 0;
+  for (size_t i = 6; i < kId3HeaderBytes; ++i) size = size << 7 | (head.bytes[i] & 0x7F);
+  return kId3HeaderBytes + size;
+}
+
+}  // namespace
+
+Likeness probeAiff(const FileHead& head) {
+  return certainIf(head.has(0, "FORM") && (head.has(8, "AIFF") || head.has(8, "AIFC")));
+}
+
+Likeness probeAmigaIff(const FileHead& head) {
+  return certainIf(head.has(0, "FORM") && (head.has(8, "8SVX") || head.has(8, "16SV")));
+}
+
+Likeness probeAu(const FileHead& head) { return certainIf(head.has(0, ".snd") || head.has(0, "dns.")); }
+
+Likeness probeVoc(const FileHead& head) { return certainIf(head.has(0, "Creative Voice File\x1A")); }
+
+Likeness probeCaf(const FileHead& head) { return certainIf(head.has(0, "caff\0\1"sv)); }
+
+Likeness probeW64(const FileHead& head) {
+  return certainIf(head.has(0, "riff\x2E\x91\xCF\x11\xA5\xD6\x28\xDB\x04\xC1\0\0"sv));
+}
+
+Likeness probeFlac(const FileHead& head) {
+  if (head.has(behindId3(head), "fLaC")) return Likeness::certain;
+  // The tag may be longer than the head that is looked at.
+  const bool mayFollow = head.has(0, "ID3") && behindId3(head) >= head.bytes.size();
+  return mayFollow && head.extension == "flac" ? Likeness::possible : Likeness::none;
+}
+
+Likeness probeOggFlac(const FileHead& head) {
+  return certainIf(head.has(0, "OggS") && head.has(kOggPacket,
+                                                   "\x7F"
+                                                   "FLAC"));
+}
+
+Likeness probeOpus(const FileHead& head) {
+  return certainIf(head.has(0, "OggS") && head.has(kOggPacket, "OpusHead"));
+}
+
+uint64_t formBytes(const FileHead& head) {
+  const uint64_t size = number(head, 4, 4, true);
+  return size == 0 || size == kUnknownSize32 ? 0 : 8 + size;
+}
+
+uint64_t auBytes(const FileHead& head) {
+  const bool big = head.has(0, ".snd");
+  const uint64_t size = number(head, 8, 4, big);
+  return size == 0 || size == kUnknownSize32 ? 0 : number(head, 4, 4, big) + size;
+}
+
+uint64_t vocBytes(const FileHead& head) {
+  const uint64_t block = number(head, 20, 2, false);
+  const uint64_t size = number(head, block + 1, 3, false);
+  return size == 0 ? 0 : block + 4 + size;
+}
+
+uint64_t cafBytes(const FileHead& head) {
+  constexpr uint64_t kFileHeader = 8, kChunkHeader = 12;
+  for (uint64_t chunk = kFileHeader; chunk + kChunkHeader <= head.bytes.size();) {
+    const uint64_t size = number(head, chunk + 4, 8, true);
+    if (size >= uint64_t{1} << 62) return 0;  // -1: up to the end of the file
+    if (head.has(chunk, "data")) return chunk + kChunkHeader + size;
+    chunk += kChunkHeader + size;
+  }
+  return 0;
+}
+
+uint64_t w64Bytes(const FileHead& head) { return number(head, 16, 8, false); }
+
+}  // namespace plumetta
