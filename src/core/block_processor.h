@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "core/wave_progress.h"
 
@@ -32,12 +34,14 @@ enum class ChainResult {
   failed,     // a plug-in did not come back, or there was no memory
 };
 
-// A chain of plug-ins, as commands and batches see it. UI thread.
+// A chain of plug-ins, as commands and batches see it. Any thread; one piece of work at a time, others wait.
 class ChainProcessor {
  public:
   virtual ~ChainProcessor() = default;
 
   virtual bool hasActivePlugin() const = 0;
+  // What plug-ins have done wrong since the last call, a text for a person each.
+  virtual std::vector<std::string> takeFaultTexts() = 0;
   // Replaces the frames from the smaller end up to, but without, the larger one by what the chain makes of
   // them, or all frames when both are the same. Does nothing for a negative end. The lock is held only for
   // the moments in which samples are taken and given back. After anything but `done` samples are partly

@@ -4,11 +4,12 @@
 #include <array>
 #include <atomic>
 #include <functional>
-#include <optional>
+#include <mutex>
 #include <string>
 #include <vector>
 
 #include "core/block_processor.h"
+#include "core/wave.h"
 #include "vst/pin_buffers.h"
 #include "vst/vst_host.h"
 
@@ -24,7 +25,7 @@ struct RackAddition {
 inline constexpr const char* kRackFull = "Rack full";
 inline constexpr const char* kNoVstGui = "No VST GUI";
 inline constexpr const char* kNoActivePlugin = "There is no active plug-in in the rack.";
-inline constexpr const char* kReplaceQuestion = "There is a plug-in at this position. Replace it?";
+
 inline constexpr const char* kEmptyLine = "-----";
 std::string unableToLoad(const std::string& path);
 
@@ -34,7 +35,7 @@ class Rack final : public BlockProcessor, public ChainProcessor {
  public:
   static constexpr int kPositions = VstHost::kSlots;
   static constexpr int kOfflineBlockFrames = 2048;
-  static constexpr int kBufferFrames = 4096;
+  static constexpr int kBufferFrames = 4096;  // no block is longer
 
   explicit Rack(VstHost& host);
   Rack(const Rack&) = delete;
@@ -99,14 +100,15 @@ class Rack final : public BlockProcessor, public ChainProcessor {
   void process(float** channels, int channelCount, int frames) noexcept override;
 
   bool hasActivePlugin() const override;
+  std::vector<std::string> takeFaultTexts() override;
   ChainResult applyTo(CWave& wave, AudioLock& lock, int64_t start, int64_t end,
                       const WaveProgress& progress) override;
 
-  // One block of `frames` x `channels` interleaved samples, at most kBufferFrames, replaced by what the chain
-  // makes of them, but for channels whose flag is not set. Any one thread at a time for each pair of buffers;
-  // waits for plug-ins that process elsewhere. False when one of them was given up.
+  // One block of frames x channels interleaved samples, at most kBufferFrames frames, replaced by what the
+  // chain makes of them but for channels whose flag is not set. False when a plug-in was given up in it. One
+  // thread at a time for a pair of buffers; waits for plug-ins that process elsewhere.
   bool processInterleaved(PinBuffers& inputs, PinBuffers& outputs, float* samples, int frames, int channels,
-                          const std::array<bool, 16>& channelFlags) noexcept;
+                          const std::array<bool, kMaxChannels>& channelFlags) noexcept;
 
  private:
   struct SlotEntry {
@@ -114,14 +116,17 @@ class Rack final : public BlockProcessor, public ChainProcessor {
     int program = -1;
   };
 
-  void runPosition(int position, PinBuffers& pins, int channelCount, int frames) noexcept;
+  bool runInPlace(int slot, int channelCount, int frames) noexcept;
+  bool runOffline(int slot, PinBuffers& inputs, PinBuffers& outputs, int channels, int frames) noexcept;
   void notify(int position) const;
 
   VstHost& host_;
   std::array<std::atomic<int>, kPositions> positions_;
   std::array<SlotEntry, VstHost::kSlots> slots_;
-  PinBuffers pins_;                  // of the audio thread
-  std::atomic<int> offlineUses_{0};  // while the chain is applied, playing goes without it
+  PinBuffers pins_;                   // of the audio thread
+  std::mutex offline_;                // held while the chain is applied
+  std::atomic<int> offlineUses_{0};   // playing goes without the chain meanwhile
+  std::atomic<int> offlineSlot_{-1};  // the last one that went to work there
 };
 
 }  // namespace plumetta

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -55,13 +56,14 @@ class VstHost {
   VstPlugin* plugin(int slot) const noexcept;
   // -1 when no slot holds it. Any thread.
   int slotOf(const AEffect* effect) const noexcept;
-  // A plug-in has been abandoned: threads may be in it for ever, so that whatever they reach has to stay.
+  // A plug-in has been given up: a thread may be in it for ever, so that whatever that reaches has to stay.
   bool hasAbandoned() const noexcept { return abandoned_; }
 
   // ---- What plug-ins hear -------------------------------------------------------------------------------
   // Any thread may ask for these.
   VstTimeInfo& timeInfo() noexcept { return timeInfo_; }
-  float sampleRate() const noexcept;
+  float sampleRate() noexcept;
+  double tempo() noexcept;
   int blockSize() const noexcept { return blockSize_; }
   const std::string& product() const { return product_; }
   const std::string& vendor() const { return vendor_; }
@@ -93,14 +95,16 @@ class VstHost {
   // being closed, has been given up or is processing elsewhere. Audio thread; neither allocates nor waits.
   VstPlugin* beginProcessing(int slot) noexcept;
   void endProcessing(int slot) noexcept;
+  // Like beginProcessing, but waits while it processes elsewhere. Not for the audio thread.
+  VstPlugin* waitToProcess(int slot) noexcept;
   // Notes that samples were silenced. Audio thread.
   void noteNotANumber(int slot) noexcept;
-  // Faults that were not told yet. Several times a second while there is sound; this is what notices that a
-  // plug-in hangs.
-  std::vector<PluginFault> takeFaults();
-  // Bypasses a plug-in for good, of which somebody else knows that it hangs.
-  void giveUp(int slot) noexcept;
+  // Bypasses for good what has been in one call for two seconds. Several times a second while there is sound;
+  // any thread, as the next two.
+  void watchForHangs();
   bool isGivenUp(int slot) const noexcept;
+  // Faults that were not told yet; watches for hangs too.
+  std::vector<PluginFault> takeFaults();
 
  private:
   // What may happen to a slot from two threads at once.
@@ -115,8 +119,9 @@ class VstHost {
   };
 
   int firstFreeSlot() const;
-  bool waitUntilIdle(Gate& gate) const;
-  bool hangs(Gate& gate) const;
+  bool waitUntilIdle(const Gate& gate) const;
+  void giveUp(int slot) noexcept;
+  void watchForHang(int slot);
   template <class Call>
   void forEachPlugin(Call call);
 
@@ -128,7 +133,10 @@ class VstHost {
   std::array<std::atomic<VstPlugin*>, kSlots> table_{};
   std::array<std::atomic<AEffect*>, kSlots> effects_{};
   std::array<Gate, kSlots> gates_;
+  std::mutex watch_;                 // over what the gates remember of being watched, and the faults
+  std::vector<PluginFault> faults_;  // of plug-ins that have gone
   std::atomic<bool> abandoned_{false};
+  bool lastPlaying_ = false;  // audio thread
 };
 
 // What plug-ins call: those in slots the first, those that are only looked at the second. Any thread.

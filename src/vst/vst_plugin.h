@@ -13,9 +13,7 @@
 
 namespace plumetta {
 
-class VstHost;
-
-// The most channels of a plug-in that are backed by memory of their own, and the most that it may claim.
+// A plug-in's channels: so many are backed by memory of their own, and so many are taken seriously.
 inline constexpr int kBackedPins = 64;
 inline constexpr int kMostPins = 256;
 // More parameters or programs than this are nobody's; a plug-in that claims them is taken at this number.
@@ -26,7 +24,7 @@ inline constexpr int kMostParameters = 1 << 16;
 // not guarded against one that never comes back.
 class VstPlugin {
  public:
-  explicit VstPlugin(VstHost& host);
+  VstPlugin();
   // Closes it.
   ~VstPlugin() { close(); }
   VstPlugin(const VstPlugin&) = delete;
@@ -39,8 +37,6 @@ class VstPlugin {
   int probe(const std::string& path);
   // Tells the plug-in to close, where it is open, and unloads the library.
   void close();
-  // Leaves the library and all that the plug-in may still reach where they are, for good.
-  void abandon();
 
   bool loaded() const { return effect_ != nullptr; }
   AEffect* effect() const { return effect_; }
@@ -111,19 +107,17 @@ class VstPlugin {
 
  private:
   bool hasFlag(int32_t flag) const { return loaded() && (effect_->flags & flag) != 0; }
-  AEffect* callEntry(const std::string& path);
+  AEffect* callEntry();
 
-  VstHost& host_;
   SharedLibrary library_;
   std::string path_;
   std::string directory_;
   std::string effectName_, productName_, vendorName_;
-  std::string noteName_;  // what a crash note calls it
+  std::string noteName_;  // what a crash is put down to
   std::array<VstMidiEvent, kMostMidiEvents> midiQueue_{};
   VstEvents midiEvents_{};
   int32_t pendingMidi_ = 0;
   bool infoValid_ = false;
-  bool opened_ = false;
   bool probing_ = false;
   int32_t category_ = 0, initialDelay_ = 0, vstVersion_ = 0, vendorVersion_ = 0;
   AEffect* effect_ = nullptr;

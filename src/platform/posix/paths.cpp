@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "platform/current_folder.h"
+
 namespace plumetta {
 
 bool isPathSeparator(char c) { return c == '/'; }
@@ -26,9 +28,7 @@ std::string userConfigFolder() {
 }
 
 std::string absolutePath(const std::string& path) {
-  std::error_code error;
-  const auto absolute = std::filesystem::absolute(path, error);
-  return error ? path : absolute.string();
+  return path.empty() ? path : (std::filesystem::path(startFolder()) / path).string();
 }
 
 }  // namespace plumetta

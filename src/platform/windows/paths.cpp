@@ -5,6 +5,9 @@
 
 #include <shlobj.h>
 
+#include <filesystem>
+
+#include "platform/current_folder.h"
 #include "platform/windows/wide.h"
 
 namespace plumetta {
@@ -43,6 +46,10 @@ std::string personalFolder() { return narrow(knownFolder(L"USERPROFILE", CSIDL_P
 
 std::string userConfigFolder() { return narrow(knownFolder(L"APPDATA", CSIDL_APPDATA)) + "\\Plumetta"; }
 
-std::string absolutePath(const std::string& path) { return narrow(fullPath(path)); }
+std::string absolutePath(const std::string& path) {
+  // Names of devices mean something only as they stand.
+  if (path.empty() || !leftStartFolder()) return narrow(fullPath(path));
+  return narrow(fullPath(narrow((std::filesystem::path(wide(startFolder())) / wide(path)).wstring())));
+}
 
 }  // namespace plumetta
