@@ -6,18 +6,11 @@
 #include <system_error>
 
 #include "formats/output_stream.h"
-#include "platform/file_system.h"
+#include "platform/replace_file.h"
 
 namespace plumetta {
 
-enum class SyncToDisk { no, yes };
-
-// Writes a file so that at every moment the path names the whole old file or the whole new one: `produce`
-// writes beside the target, and one atomic replace puts the result in its place. On failure the old file is
-// untouched and nothing is left behind. The permissions of an existing file stay. Devices and pipes, which
-// can't be replaced, are written as they stand. `produce` returns false to give up
-// (cancelled). `complete`, where given, works on the whole file, closed, before it takes its place; devices
-// and pipes do without it.
+// As `replaceFile`, through a buffer. `produce` returns false to give up (cancelled).
 std::error_code writeAtomically(FileSystem& files, const std::string& path, SyncToDisk sync,
                                 const std::function<bool(OutputStream&)>& produce,
                                 const std::function<std::error_code(const std::string& path)>& complete = {});

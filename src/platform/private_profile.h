@@ -25,6 +25,8 @@ struct ProfileEntry {
 // The values of many keys, in the order of `names`; none for a key that is missing.
 std::vector<std::optional<std::string>> readProfileStrings(const std::string& path,
                                                            const std::vector<ProfileName>& names);
+// The names of all sections, in the order of the file.
+std::vector<std::string> profileSections(const std::string& path);
 std::string readProfileString(const std::string& path, const std::string& section, const std::string& key,
                               const std::string& fallback);
 // Leading blanks and a sign are taken, then digits up to the first other character; hexadecimal after "0x".

@@ -6,6 +6,7 @@
 
 #include "platform/file_system.h"
 #include "platform/lock_file.h"
+#include "platform/replace_file.h"
 
 namespace plumetta {
 namespace {
@@ -30,12 +31,9 @@ std::string folded(std::string_view name) {
 // The whole file; nothing when there is one that can't be read to its end. A missing one is empty.
 std::optional<std::string> contentOf(const std::string& path) {
   std::error_code error;
-  const auto file = nativeFileSystem().openForReading(path, error);
+  std::string text = readWholeFile(nativeFileSystem(), path, kLargestProfile, error);
   if (error == std::errc::no_such_file_or_directory) return std::string();
-  if (!file || file->size() > kLargestProfile) return std::nullopt;
-  std::string text(static_cast<size_t>(file->size()), '\0');
-  text.resize(file->read(text.data(), text.size(), error));
-  return error ? std::nullopt : std::optional(text);
+  return error ? std::nullopt : std::optional(std::move(text));
 }
 
 // Where the wanted keys stand in a text, found in one walk over it whatever it holds.
@@ -185,6 +183,22 @@ std::vector<std::optional<std::string>> readProfileStrings(const std::string& pa
     value = profileValueOf(whole.substr(whole.find('=') + 1));
   }
   return values;
+}
+
+std::vector<std::string> profileSections(const std::string& path) {
+  const std::string text = contentOf(path).value_or("");
+  std::vector<std::string> sections;
+  size_t start = text.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  while (start < text.size()) {
+    const size_t end = std::min(text.find('\n', start), text.size());
+    const std::string_view line = trimmed(std::string_view(text).substr(start, end - start));
+    const size_t close = line.find(']');
+    if (line.starts_with('[') && close != std::string_view::npos) {
+      sections.emplace_back(trimmed(line.substr(1, close - 1)));
+    }
+    start = end + 1;
+  }
+  return sections;
 }
 
 bool writeProfileStrings(const std::string& path, const std::vector<ProfileEntry>& entries) {

@@ -5,6 +5,7 @@
 
 #include "platform/file_system.h"
 #include "platform/lock_file.h"
+#include "platform/replace_file.h"
 #include "platform/windows/wide.h"
 
 // The functions for narrow strings: the executables' manifest makes the active code page UTF-8, so that names
@@ -15,6 +16,8 @@ namespace {
 
 // Beyond this no profile holds a value; the system's functions cut it off.
 constexpr size_t kLongestValue = size_t{1} << 20;
+constexpr uint64_t kLargestProfile = uint64_t{16} << 20;
+constexpr size_t kLongestSections = size_t{1} << 24;
 
 std::string systemName(const std::string& path) { return narrow(systemPath(path)); }
 
@@ -46,10 +49,7 @@ bool copyTo(const std::string& passing, const std::string& path) {
   std::error_code error;
   std::string text;
   if (files.kind(path) != FileKind::missing) {
-    const auto file = files.openForReading(path, error);
-    if (!file) return false;
-    text.resize(static_cast<size_t>(file->size()));
-    text.resize(file->read(text.data(), text.size(), error));
+    text = readWholeFile(files, path, kLargestProfile, error);
     if (error) return false;
   }
   const auto copy = files.createNew(passing, error);
@@ -74,6 +74,27 @@ std::vector<std::optional<std::string>> readProfileStrings(const std::string& pa
   std::vector<std::optional<std::string>> values;
   for (const ProfileName& name : names) values.push_back(readValue(systemName(path), name));
   return values;
+}
+
+std::vector<std::string> profileSections(const std::string& path) {
+  std::string names(4096, '\0');
+  const std::string file = systemName(path);
+  for (;;) {
+    const DWORD length =
+        GetPrivateProfileSectionNamesA(names.data(), static_cast<DWORD>(names.size()), file.c_str());
+    // Two less than the room means that names were cut off there.
+    if (length + 2 < names.size() || names.size() >= kLongestSections) {
+      names.resize(length);
+      break;
+    }
+    names.resize(names.size() * 4);
+  }
+  std::vector<std::string> sections;
+  for (size_t start = 0; start < names.size();) {
+    sections.emplace_back(names.c_str() + start);
+    start += sections.back().size() + 1;
+  }
+  return sections;
 }
 
 // The system's function rewrites a file in its place; it is given a copy, which then replaces the file.
