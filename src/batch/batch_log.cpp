@@ -83,6 +83,18 @@ void count(const std::string& stretch, BatchSummary& summary) {
 
 }  // namespace
 
+BatchSummary& BatchSummary::operator+=(const BatchSummary& other) {
+  done += other.done;
+  unsupported += other.unsupported;
+  notSaved += other.notSaved;
+  notApplied += other.notApplied;
+  cancelled += other.cancelled;
+  links += other.links;
+  unfinished += other.unfinished;
+  closed = closed && other.closed;
+  return *this;
+}
+
 MergedBatchLog mergeBatchLogs(const std::vector<std::string>& logs) {
   MergedBatchLog merged;
   std::vector<std::vector<std::string>> parts;

@@ -56,6 +56,7 @@ struct BatchSummary {
   size_t unfinished = 0;  // begun, but the log ends before it tells how that went
   bool closed = false;    // the banner was written
 
+  BatchSummary& operator+=(const BatchSummary& other);
   size_t entries() const {
     return done + unsupported + notSaved + notApplied + cancelled + links + unfinished;
   }

@@ -103,4 +103,12 @@ bool outputLiesInInput(const BatchSettings& settings) {
   return liesInFolder(realPath(settings.output), realPath(settings.input));
 }
 
+std::string overwriteQuestion(const BatchSettings& settings) {
+  if (realPath(settings.output) == realPath(settings.input)) {
+    return "The output folder is the input folder: results take the place of files that they are made from. "
+           "Go on?";
+  }
+  return "The output folder lies inside the input folder. Its own files are left out. Go on?";
+}
+
 }  // namespace plumetta

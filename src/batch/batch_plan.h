@@ -46,5 +46,9 @@ BatchPlan planBatch(FileSystem& files, const BatchSettings& settings, const std:
 
 // Whether results would land in the input folder: it is the output folder, or holds it.
 bool outputLiesInInput(const BatchSettings& settings);
+// What is asked then, before the batch starts.
+std::string overwriteQuestion(const BatchSettings& settings);
+// What is said when a folder is missing.
+inline constexpr const char* kSelectDirectories = "Select directories first";
 
 }  // namespace plumetta
