@@ -39,14 +39,7 @@ void BatchWorker::process(const BatchFolder& folder, const BatchEntry& entry, co
 }
 
 void BatchWorker::processLoaded(const std::string& resultPath, const BatchEntry& entry, const Log& log) {
-  const BatchFunction& function = batchFunctions()[static_cast<size_t>(settings_.function)];
-  bool applied = true;
-  if (function.usesChain) {
-    applied = chain_ && chain_(wave_);
-  } else if (function.apply != nullptr) {
-    applied = function.apply(wave_);
-  }
-  if (!applied && !cancelled()) return log(batch_text::kNotApplied);
+  if (!apply() && !cancelled()) return log(batch_text::kNotApplied);
   const bool saved = !cancelled() && save(resultPath);
   if (cancelled() && !saved) return log(batch_text::kCancelled);
   if (!saved) {
@@ -55,6 +48,13 @@ void BatchWorker::processLoaded(const std::string& resultPath, const BatchEntry&
     log(batch_text::savedAs(entry.resultName));
   }
   log(batch_text::kApplied);
+}
+
+bool BatchWorker::apply() {
+  const BatchFunction& function = batchFunctions()[static_cast<size_t>(settings_.function)];
+  if (!function.usesChain) return function.apply == nullptr || function.apply(wave_);
+  // Equal ends mean all frames.
+  return chain_ && chain_->applyTo(wave_, lock_, 0, 0, wave_.progress) == ChainResult::done;
 }
 
 bool BatchWorker::save(const std::string& path) {

@@ -3,18 +3,21 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "batch/batch_plan.h"
+#include "core/audio_lock.h"
+#include "core/block_processor.h"
 #include "core/wave.h"
 
 namespace plumetta {
 
 enum class BatchStop { no, afterFile, atOnce };
 
-// Runs the plug-in chain over a whole buffer, reporting to the buffer's progress. False when it could not.
-using BatchChain = std::function<bool(CWave& wave)>;
+// The chain of plug-ins that one job uses; jobs that are given the same one wait for each other in it.
+using BatchChain = std::shared_ptr<ChainProcessor>;
 using BatchChainMaker = std::function<BatchChain()>;
 
 // Works on one file after another: a working document of its own, and nothing that another one uses. One
@@ -36,6 +39,7 @@ class BatchWorker {
   static bool goOn(float fractionDone, void* self);
   bool cancelled() const { return stop_ == BatchStop::atOnce; }
   void processLoaded(const std::string& resultPath, const BatchEntry& entry, const Log& log);
+  bool apply();
   bool save(const std::string& path);
   bool mayBeWritten(const std::string& path) const;
   void releaseWave();
@@ -45,6 +49,7 @@ class BatchWorker {
   const std::atomic<BatchStop>& stop_;
   const BatchChain chain_;
   const std::string realInput_;
+  AudioLock lock_;  // nobody else has these samples; the chain asks for one
   CWave wave_;
 };
 
