@@ -15,6 +15,13 @@ constexpr CliCommand kCommands[] = {
     {"info", "info FILE... [--json]", "what files hold", runInfo},
     {"stats", "stats FILE [--select FROM TO] [--no-levels] [--out FILE]", "the statistics report of a file",
      runStats},
+    {"batch",
+     "batch FUNCTION IN OUT [--recurse] [--chain FILE.sor] [--log FILE] [--jobs N] [--shard K/N] | batch "
+     "--list | "
+     "batch --merge-logs LOG...",
+     "one function over every file of a folder; FUNCTION is a number or text of the list. Shard K of N takes "
+     "every N-th file; the logs of shards 0, 1 ... merge into the one of the whole batch",
+     runBatch},
     {"spectrum",
      "spectrum FILE [--select FROM TO] [--size N] [--window KIND] --out FILE.fft | spectrum --show FILE.fft",
      "saves an averaged spectrum (N 4096, KIND Hanning unless told otherwise), or prints a saved one as JSON",

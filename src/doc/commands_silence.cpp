@@ -92,11 +92,9 @@ std::optional<Refusal> runSilenceRemover(CommandCall& call) {
 
 std::optional<Refusal> runAutoTrim(CommandCall& call) {
   CPlumettaDoc& doc = call.doc;
-  const FrameRange range{0, doc.lastFrame()};
-  // No silence inside is as long as this, so all sound is one stretch.
-  const auto sound = findSound(doc.wave(), range, call.real(kLevel), kMaxFrames);
-  if (sound.empty()) return Refusal{kAllSilent};
-  removeAndShow(doc, silenceAround(sound, range, 1));
+  const auto silence = silentEnds(doc.wave(), call.real(kLevel));
+  if (!silence) return Refusal{kAllSilent};
+  removeAndShow(doc, *silence);
   return std::nullopt;
 }
 

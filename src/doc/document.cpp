@@ -2,21 +2,10 @@
 #include "doc/document.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
+
+#include "doc/version_chunk.h"
 
 namespace plumetta {
-namespace {
-
-constexpr size_t kVersionChunkBytes = 32;
-
-void addVersionChunk(CWave& wave) {
-  std::array<uint8_t, kVersionChunkBytes> body{};
-  std::memcpy(body.data(), kVersion, std::strlen(kVersion));
-  wave.extraChunks.add(kVersionChunkId, body);
-}
-
-}  // namespace
 
 CPlumettaDoc::CPlumettaDoc(DocumentServices& services)
     : services_(services), journal_(services.files, services.undoFolder, services.audioLock) {

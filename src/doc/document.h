@@ -10,13 +10,12 @@
 #include "core/wave.h"
 #include "doc/document_services.h"
 #include "doc/peak_pyramid.h"
+#include "doc/version_chunk.h"
 #include "dsp/spectrum.h"
 #include "formats/format.h"
 
 namespace plumetta {
 
-// The version that every written file names in its "ETTA" chunk.
-inline constexpr const char* kVersion = "1.5.0.1";
 inline constexpr const char* kUntitled = "Untitled";
 
 // Told what of a document has changed, so that views can follow. UI thread.

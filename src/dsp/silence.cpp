@@ -53,4 +53,12 @@ std::vector<FrameRange> silenceAround(const std::vector<FrameRange>& sound, Fram
   return silence;
 }
 
+std::optional<std::vector<FrameRange>> silentEnds(const CWave& wave, double levelDb) {
+  const FrameRange whole{0, wave.frames() - 1};
+  // No silence inside is as long as this, so all sound is one stretch.
+  const auto sound = findSound(wave, whole, levelDb, kMaxFrames);
+  if (sound.empty()) return std::nullopt;
+  return silenceAround(sound, whole, 1);
+}
+
 }  // namespace plumetta

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "core/wave.h"
@@ -19,5 +20,8 @@ std::vector<FrameRange> findSound(const CWave& wave, FrameRange range, double le
 // What lies in the range before, between and behind such stretches, where it has at least `gapFrames` frames.
 std::vector<FrameRange> silenceAround(const std::vector<FrameRange>& sound, FrameRange range,
                                       int64_t gapFrames);
+
+// The silence at both ends of the buffer; nothing when there is no sound in it.
+std::optional<std::vector<FrameRange>> silentEnds(const CWave& wave, double levelDb);
 
 }  // namespace plumetta

@@ -109,24 +109,29 @@ const std::vector<Format>& formatTable() {
   return table;
 }
 
-const Format* formatOfContent(FileSystem& files, const std::string& path) {
+std::vector<const Format*> formatsOfContent(FileSystem& files, const std::string& path) {
+  std::vector<const Format*> formats;
   const auto head = headOf(files, path);
-  if (!head) return nullptr;
+  if (!head) return formats;
   // Twice the likeness, and one more where the extension agrees; of equals the first of the table.
-  const Format* best = nullptr;
-  int bestScore = 0;
+  std::vector<int> scores;
   for (const Format& format : formatTable()) {
     if (format.read == nullptr) continue;
     const Likeness likeness = format.probe(*head);
     const bool named = format.hasExtension(head->extension);
     if (likeness == Likeness::none || (likeness == Likeness::byName && !named)) continue;
     const int score = 2 * static_cast<int>(likeness) + (named ? 1 : 0);
-    if (score > bestScore) {
-      best = &format;
-      bestScore = score;
-    }
+    const auto place =
+        std::ranges::find_if(scores, [=](int other) { return other < score; }) - scores.begin();
+    scores.insert(scores.begin() + place, score);
+    formats.insert(formats.begin() + place, &format);
   }
-  return best;
+  return formats;
+}
+
+const Format* formatOfContent(FileSystem& files, const std::string& path) {
+  const auto formats = formatsOfContent(files, path);
+  return formats.empty() ? nullptr : formats.front();
 }
 
 const Format* writableFormatOfName(const std::string& path) {

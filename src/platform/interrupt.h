@@ -13,6 +13,8 @@ class InterruptWatch {
   InterruptWatch& operator=(const InterruptWatch&) = delete;
 
   bool interrupted() const;
+  // From now on one more is only noted.
+  void watchAgain();
 };
 
 }  // namespace plumetta

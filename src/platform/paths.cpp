@@ -34,7 +34,8 @@ std::string folderOf(const std::string& path) {
 
 std::string joinPath(const std::string& folder, const std::string& name) {
   if (folder.empty()) return name;
-  return isPathSeparator(folder.back()) ? folder + name : folder + "/" + name;
+  if (isPathSeparator(folder.back())) return folder + name;
+  return folder + (isPathSeparator('\\') ? '\\' : '/') + name;
 }
 
 std::string extensionOf(const std::string& path) {

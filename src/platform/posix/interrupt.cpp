@@ -20,13 +20,15 @@ void handle(void (*handler)(int)) {
 
 }  // namespace
 
-InterruptWatch::InterruptWatch() {
-  interruptedFlag = 0;
-  handle(noteInterrupt);
-}
+InterruptWatch::InterruptWatch() { watchAgain(); }
 
 InterruptWatch::~InterruptWatch() { handle(SIG_DFL); }
 
 bool InterruptWatch::interrupted() const { return interruptedFlag != 0; }
+
+void InterruptWatch::watchAgain() {
+  interruptedFlag = 0;
+  handle(noteInterrupt);
+}
 
 }  // namespace plumetta

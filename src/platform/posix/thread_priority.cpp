@@ -9,4 +9,9 @@ namespace plumetta {
 // the thread stays as it is.
 void raiseThreadPriority() noexcept { setpriority(PRIO_PROCESS, 0, getpriority(PRIO_PROCESS, 0) - 1); }
 
+void lowerThreadPriority() noexcept {
+  constexpr int kLeastFavourable = 19;
+  setpriority(PRIO_PROCESS, 0, kLeastFavourable);
+}
+
 }  // namespace plumetta

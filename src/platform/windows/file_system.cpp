@@ -127,12 +127,6 @@ std::error_code makeFolder(const std::wstring& path) {
   return check(CreateDirectoryW(path.c_str(), nullptr));
 }
 
-// The usual spelling of a path that the system spells with its prefix.
-std::wstring withoutPrefix(const std::wstring& path) {
-  if (path.starts_with(L"\\\\?\\UNC\\")) return L"\\" + path.substr(7);
-  return path.starts_with(L"\\\\?\\") ? path.substr(4) : path;
-}
-
 class WindowsFileSystem : public FileSystem {
  public:
   std::unique_ptr<File> openForReading(const std::string& path, std::error_code& error) override {
@@ -212,9 +206,8 @@ class WindowsFileSystem : public FileSystem {
     if (!has(attributesOf(name), FILE_ATTRIBUTE_REPARSE_POINT)) return path;
     const Handle target = openExisting(name, 0, FILE_FLAG_BACKUP_SEMANTICS);
     if (!target.valid()) return path;
-    std::wstring final(GetFinalPathNameByHandleW(target.get(), nullptr, 0, 0), L'\0');
-    final.resize(GetFinalPathNameByHandleW(target.get(), final.data(), static_cast<DWORD>(final.size()), 0));
-    return final.empty() ? path : narrow(withoutPrefix(final));
+    const std::wstring final = finalPath(target.get());
+    return final.empty() ? path : narrow(final);
   }
 
   std::vector<std::string> list(const std::string& folder) override {

@@ -24,4 +24,6 @@ InterruptWatch::~InterruptWatch() { SetConsoleCtrlHandler(noteInterrupt, FALSE);
 
 bool InterruptWatch::interrupted() const { return interruptedFlag; }
 
+void InterruptWatch::watchAgain() { interruptedFlag = false; }
+
 }  // namespace plumetta

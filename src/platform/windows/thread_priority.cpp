@@ -7,4 +7,6 @@ namespace plumetta {
 
 void raiseThreadPriority() noexcept { SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_ABOVE_NORMAL); }
 
+void lowerThreadPriority() noexcept { SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_LOWEST); }
+
 }  // namespace plumetta

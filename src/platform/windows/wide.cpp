@@ -49,6 +49,13 @@ std::wstring systemPath(const std::string& path) {
   return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
 }
 
+std::wstring finalPath(void* handle) {
+  std::wstring path(GetFinalPathNameByHandleW(handle, nullptr, 0, 0), L'\0');
+  path.resize(GetFinalPathNameByHandleW(handle, path.data(), static_cast<DWORD>(path.size()), 0));
+  if (path.starts_with(L"\\\\?\\UNC\\")) return L"\\" + path.substr(7);
+  return path.starts_with(L"\\\\?\\") ? path.substr(4) : path;
+}
+
 std::error_code lastSystemError() { return systemError(GetLastError()); }
 
 std::error_code systemError(unsigned long code) { return {static_cast<int>(code), std::system_category()}; }

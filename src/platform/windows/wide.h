@@ -17,6 +17,9 @@ std::wstring fullPath(const std::string& path);
 // What the system's own functions are given: absolute, and free of the limit on a path's length.
 std::wstring systemPath(const std::string& path);
 
+// What an open file or folder is finally called, in the usual spelling; empty when the system can't tell.
+std::wstring finalPath(void* handle);
+
 // What the system says about the call that has just failed.
 std::error_code lastSystemError();
 std::error_code systemError(unsigned long code);
