@@ -14,14 +14,14 @@ constexpr const char* kPastedName = "paste.wav";
 }  // namespace
 
 Application::Application(Prompter& prompter, FileSystem& files, const std::string& home,
-                         WaveOutSystem& waveOut)
+                         WaveOutSystem& waveOut, AsioSystem& asio)
     : home_(programFolder(home)),
       settingsFile_(joinPath(home_, "plumetta.cfg")),
       undoFolder_(files, home_),
       services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr},
       transport_(audioLock_, [this] { return startOutput(); }),
       playbackEngine_(audioLock_, transport_.controls(), AudioPlayer::kBufferFrames),
-      output_(prompter, playbackEngine_, transport_, waveOut),
+      output_(prompter, playbackEngine_, transport_, waveOut, asio),
       midi_(nativeMidiInSystem(), transport_.controls().generalVolume) {
   if (!home.empty()) {
     if (const auto error = files.makeFolders(home_)) {

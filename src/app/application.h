@@ -26,7 +26,7 @@ class Application {
  public:
   // `home` overrides the program's own folder; it is made when missing. Empty means the usual one.
   Application(Prompter& prompter, FileSystem& files, const std::string& home,
-              WaveOutSystem& waveOut = nativeWaveOut());
+              WaveOutSystem& waveOut = nativeWaveOut(), AsioSystem& asio = nativeAsio());
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
 

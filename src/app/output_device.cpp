@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/output_device.h"
 
+#include "formats/text_export.h"
+
 namespace plumetta {
 namespace {
 
@@ -12,7 +14,7 @@ std::string withReason(const char* what, const std::string& reason) {
 
 AudioPlayer& OutputDevice::player() {
   if (!player_) {
-    player_ = std::make_unique<AudioPlayer>(PlaybackEngine::callback, &engine_, system_);
+    player_ = std::make_unique<AudioPlayer>(PlaybackEngine::callback, &engine_, waveOut_, asio_);
     std::array<float*, kMaxOutputChannels> buffers{};
     for (int c = 0; c < kMaxOutputChannels; ++c) buffers[static_cast<size_t>(c)] = player_->channelBuffer(c);
     engine_.setBuffers(buffers);
@@ -20,15 +22,25 @@ AudioPlayer& OutputDevice::player() {
   return *player_;
 }
 
-bool OutputDevice::start(const OutputSettings& settings) {
+void OutputDevice::choose(const OutputSettings& settings) {
   AudioPlayer& output = player();
-  if (output.running() && !output.deviceLost()) return true;
   output.SelectDriver(settings.asio ? 1 : 0);
   output.SetOutput(settings.deviceId, settings.bufferFrames, settings.sampleRate);
   output.SetBitDepth(settings.bitDepth);
+}
+
+bool OutputDevice::start(const OutputSettings& settings) {
+  AudioPlayer& output = player();
+  if (output.running() && !output.deviceLost()) return true;
+  choose(settings);
   transport_.controls().outputRate = output.sampleRate();
-  if (output.Start()) return true;
-  prompter_.message(withReason("Unable to start the audio output", output.errorText()));
+  const bool started = output.Start();
+  const std::string reason = output.errorText();
+  transport_.controls().outputRate = output.playedRate();
+  if (started && reason.empty()) return true;
+  // A driver that has started and yet won't sound has said all there is to say.
+  prompter_.message(started ? reason : withReason("Unable to start the audio output", reason));
+  output.Stop();
   return false;
 }
 
@@ -44,13 +56,7 @@ void OutputDevice::watch() {
   prompter_.message(withReason("The audio output was lost", reason));
 }
 
-double OutputDevice::latency() const {
-  constexpr int kBuffers = 4;
-  if (!player_) return 0.0;
-  int device = 0, frames = 0, rate = 1;
-  player_->GetOutput(device, frames, rate);
-  return static_cast<double>(kBuffers) * frames / rate;
-}
+double OutputDevice::latency() const { return player_ ? player_->latency() : 0.0; }
 
 std::vector<std::string> OutputDevice::waveOutNames() {
   CWaveOut& driver = player().waveOut();
@@ -60,12 +66,40 @@ std::vector<std::string> OutputDevice::waveOutNames() {
   return names;
 }
 
-std::vector<std::string> OutputDevice::asioNames() {
-  CAudioDriver& driver = player().asio();
-  std::vector<std::string> names;
-  const int count = driver.GetDeviceCount();
-  for (int i = 0; i < count; ++i) names.push_back(driver.GetName(i));
-  return names;
+std::vector<std::string> OutputDevice::asioNames() { return player().asio().driverNames(); }
+
+int OutputDevice::channelCount(const OutputSettings& settings) {
+  if (!running()) choose(settings);
+  return player().channelCount();
+}
+
+// A panel stays open for as long as the person likes, who may also leave one behind that doesn't come back.
+void OutputDevice::openAsioControlPanel(int driver) {
+  stop();
+  CASIOInterface& asio = player().asio();
+  const ProgressScope scope(prompter_, "The driver's control panel is open");
+  const auto goOn = [&] { return scope.progress().report(0.0f); };
+  if (!asio.OpenControlPanel(driver, goOn)) {
+    prompter_.message(withReason("Unable to open the control panel", asio.errorText()));
+  }
+}
+
+OutputDevice::ReportOutcome OutputDevice::writeAsioReport(FileSystem& files, int driver,
+                                                          const OutputSettings& settings,
+                                                          const std::string& path) {
+  stop();
+  choose(settings);
+  CASIOInterface& asio = player().asio();
+  const std::string text = player().asioReport(driver);
+  const std::string failure = asio.errorText();
+  if (!failure.empty()) prompter_.message(failure);
+  if (driver < 0 || driver >= asio.GetDeviceCount()) return ReportOutcome::driverFailed;
+  const SaveResult result = writeTextFile(files, path, text);
+  if (!result.saved) {
+    prompter_.message(withReason(("Unable to save " + path).c_str(), result.reason));
+    return ReportOutcome::fileError;
+  }
+  return failure.empty() ? ReportOutcome::complete : ReportOutcome::driverFailed;
 }
 
 }  // namespace plumetta

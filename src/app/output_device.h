@@ -10,6 +10,7 @@
 #include "audio/playback_engine.h"
 #include "audio/transport.h"
 #include "core/prompter.h"
+#include "platform/file_system.h"
 
 namespace plumetta {
 
@@ -17,8 +18,9 @@ namespace plumetta {
 // looking for devices can take a moment. UI thread.
 class OutputDevice {
  public:
-  OutputDevice(Prompter& prompter, PlaybackEngine& engine, Transport& transport, WaveOutSystem& system)
-      : prompter_(prompter), engine_(engine), transport_(transport), system_(system) {}
+  OutputDevice(Prompter& prompter, PlaybackEngine& engine, Transport& transport, WaveOutSystem& waveOut,
+               AsioSystem& asio)
+      : prompter_(prompter), engine_(engine), transport_(transport), waveOut_(waveOut), asio_(asio) {}
 
   // Does nothing while it runs. False, after a message, when nothing will sound.
   bool start(const OutputSettings& settings);
@@ -35,17 +37,27 @@ class OutputDevice {
 
   // Asked of the system afresh.
   std::vector<std::string> waveOutNames();
+  // As they were when the program began.
   std::vector<std::string> asioNames();
-  // The channels of the chosen driver.
-  int channelCount() { return player().activeDriver().GetChannelCount(); }
+  // The channels of the chosen driver. An ASIO driver that doesn't play is loaded for the question.
+  int channelCount(const OutputSettings& settings);
+
+  // Each stops what plays. A message tells of each failure.
+  void openAsioControlPanel(int driver);
+  // A report of a driver that fails is written as far as it came.
+  enum class ReportOutcome { complete, driverFailed, fileError };
+  ReportOutcome writeAsioReport(FileSystem& files, int driver, const OutputSettings& settings,
+                                const std::string& path);
 
  private:
   AudioPlayer& player();
+  void choose(const OutputSettings& settings);
 
   Prompter& prompter_;
   PlaybackEngine& engine_;
   Transport& transport_;
-  WaveOutSystem& system_;
+  WaveOutSystem& waveOut_;
+  AsioSystem& asio_;
   std::unique_ptr<AudioPlayer> player_;
 };
 

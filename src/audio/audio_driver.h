@@ -11,7 +11,9 @@ namespace plumetta {
 // thread; never allocates, never waits but for the audio lock.
 using AudioCallback = bool (*)(void* context, float** channels, int* frames, int* channelCount) noexcept;
 
+// What one call of it is asked for at most.
 constexpr int kMaxOutputChannels = 16;
+constexpr int kMaxOutputFrames = 4096;
 
 // What every sound leaves through: it owns a device, the device's buffers and the thread that fills them. As
 // it stands it has no device at all; drivers derive from it. UI thread.
@@ -45,6 +47,11 @@ class CAudioDriver {
   virtual std::string errorText() const { return {}; }
   // How often the device ran out of sound since Start.
   virtual int underruns() const noexcept { return 0; }
+
+  // Hz at which the callback is really played, which need not be what was asked for. Once started.
+  virtual int playedRate() const { return sampleRate_; }
+  // Frames from the callback to what is heard. Once started.
+  virtual int latencyFrames() const { return 0; }
 
   // Only while the driver is stopped.
   void SetCallback(AudioCallback function, void* context);

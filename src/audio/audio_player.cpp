@@ -10,9 +10,8 @@ int fittingBuffer(int frames) {
 
 }  // namespace
 
-AudioPlayer::AudioPlayer(AudioCallback callback, void* context, WaveOutSystem& system,
-                         std::unique_ptr<CAudioDriver> asio)
-    : waveOut_(system), asio_(std::move(asio)), callback_(callback), context_(context) {
+AudioPlayer::AudioPlayer(AudioCallback callback, void* context, WaveOutSystem& system, AsioSystem& asio)
+    : waveOut_(system), asio_(asio), callback_(callback), context_(context) {
   for (auto& buffer : buffers_) buffer.resize(kBufferFrames);
 }
 
@@ -21,10 +20,24 @@ bool AudioPlayer::Start() {
   if (running_) return true;
   if (callback_ == nullptr) return false;
   active_->SetCallback(callback_, context_);
-  active_->SetParams(sampleRate_, bufferFrames_, bufferCount_, pollMs_, deviceIndex_, bitDepth_);
+  handOver(*active_);
   // A failed start leaves the player stopped, so that the next one tries again.
   running_ = active_->Start();
   return running_;
+}
+
+void AudioPlayer::handOver(CAudioDriver& driver) {
+  driver.SetParams(sampleRate_, bufferFrames_, bufferCount_, pollMs_, deviceIndex_, bitDepth_);
+}
+
+int AudioPlayer::channelCount() {
+  if (!running_) handOver(*active_);
+  return active_->GetChannelCount();
+}
+
+std::string AudioPlayer::asioReport(int driverIndex) {
+  handOver(asio_);
+  return asio_.testReport(driverIndex);
 }
 
 bool AudioPlayer::Stop() {
@@ -33,7 +46,7 @@ bool AudioPlayer::Stop() {
 }
 
 void AudioPlayer::SelectDriver(int useAsio) {
-  CAudioDriver* chosen = useAsio == 1 ? asio_.get() : &waveOut_;
+  CAudioDriver* chosen = useAsio == 1 ? static_cast<CAudioDriver*>(&asio_) : &waveOut_;
   if (chosen == active_) return;
   Stop();
   active_ = chosen;

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <array>
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "audio/asio_interface.h"
 #include "audio/audio_driver.h"
 #include "audio/wave_out.h"
 
@@ -16,11 +16,11 @@ namespace plumetta {
 class AudioPlayer {
  public:
   // The frames that a channel buffer holds, and so the longest device buffer.
-  static constexpr int kBufferFrames = 4096;
+  static constexpr int kBufferFrames = kMaxOutputFrames;
 
   // `callback` may be null: such a player never starts.
   AudioPlayer(AudioCallback callback, void* context, WaveOutSystem& system = nativeWaveOut(),
-              std::unique_ptr<CAudioDriver> asio = std::make_unique<CAudioDriver>());
+              AsioSystem& asio = nativeAsio());
   ~AudioPlayer() { Stop(); }
   AudioPlayer(const AudioPlayer&) = delete;
   AudioPlayer& operator=(const AudioPlayer&) = delete;
@@ -36,12 +36,20 @@ class AudioPlayer {
   bool deviceLost() const { return running_ && active_->deviceLost(); }
   std::string errorText() const { return active_->errorText(); }
   int underruns() const { return active_->underruns(); }
+  // Of the device as it plays; what is set while it doesn't.
+  int playedRate() const { return running_ ? active_->playedRate() : sampleRate_; }
+  // Seconds from the callback to what is heard.
+  double latency() const { return static_cast<double>(active_->latencyFrames()) / playedRate(); }
+  // The outputs of the active driver with the present settings.
+  int channelCount();
 
   // 1 makes the ASIO driver active, anything else the wave-out driver. Stops what plays.
   void SelectDriver(int useAsio);
   CAudioDriver& activeDriver() { return *active_; }
   CWaveOut& waveOut() { return waveOut_; }
-  CAudioDriver& asio() { return *asio_; }
+  CASIOInterface& asio() { return asio_; }
+  // That driver's test report, at the sample rate that is set. Stops what plays through ASIO.
+  std::string asioReport(int driverIndex);
 
   void SetOutput(int deviceIndex, int bufferFrames, int sampleRate);
   void GetOutput(int& deviceIndex, int& bufferFrames, int& sampleRate) const;
@@ -54,8 +62,10 @@ class AudioPlayer {
   int sampleRate() const noexcept { return sampleRate_; }
 
  private:
+  void handOver(CAudioDriver& driver);
+
   CWaveOut waveOut_;
-  std::unique_ptr<CAudioDriver> asio_;
+  CASIOInterface asio_;
   CAudioDriver* active_ = &waveOut_;
   bool running_ = false;
   int sampleRate_ = 44100;

@@ -32,6 +32,7 @@ class CWaveOut : public CAudioDriver {
   bool deviceLost() const noexcept override;
   std::string errorText() const override;
   int underruns() const noexcept override;
+  int latencyFrames() const override { return bufferCount_ * bufferFrames_; }
 
   // Empty when there is no such device.
   std::string GetDeviceName(int deviceIndex);

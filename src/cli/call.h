@@ -27,6 +27,7 @@ struct CliCommand {
   int (*run)(const CallOptions& options, WordReader words);
 };
 
+int runAsio(const CallOptions& options, WordReader words);
 int runBatch(const CallOptions& options, WordReader words);
 int runEdit(const CallOptions& options, WordReader words);
 int runInfo(const CallOptions& options, WordReader words);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `plumetta-cli devices`: the devices that sound and control go through, numbered as options name them.
+#include "audio/asio_driver_list.h"
 #include "audio/input_capture.h"
 #include "cli/call.h"
 #include "cli/json.h"
@@ -41,13 +42,17 @@ DeviceList waveInDevices() {
 
 DeviceList midiInDevices() { return {nativeMidiInSystem().deviceNames(), {}}; }
 
-DeviceList noDevices() { return {}; }
+DeviceList asioDrivers() {
+  DeviceList devices;
+  for (const AsioDriverEntry& driver : listAsioDrivers(nativeAsio())) devices.names.push_back(driver.name);
+  return devices;
+}
 
 constexpr Section kSections[] = {
     {"Wave-out devices", "wave_out", waveOutDevices},
     {"Wave-in devices", "wave_in", waveInDevices},
     {"MIDI-in devices", "midi_in", midiInDevices},
-    {"ASIO devices", "asio", noDevices},
+    {"ASIO devices", "asio", asioDrivers},
 };
 
 std::string asText() {

@@ -28,6 +28,8 @@ constexpr CliCommand kCommands[] = {
      runSpectrum},
     {"window", "window KIND N", "the N coefficients of a window; KIND is its index or its name", runWindow},
     {"devices", "devices [--json]", "the devices for sound and control, numbered", runDevices},
+    {"asio", "asio report INDEX FILE",
+     "saves what an ASIO driver tells of itself; INDEX as devices numbers them", runAsio},
     {"midi", "midi listen [--device N] [--seconds S]", "prints the remote commands as they arrive", runMidi},
     {"play", "play FILE [--select FROM TO] [--loop] [--device N] [--asio] [--rate R]", "plays on a device",
      runPlay},

@@ -10,7 +10,7 @@ void addVersionChunk(CWave& wave) {
   constexpr size_t kBytes = 32;
   std::array<uint8_t, kBytes> body{};
   std::memcpy(body.data(), kVersion, std::strlen(kVersion));
-  wave.extraChunks.add("ETTA", body);
+  wave.extraChunks.add(kVersionChunkId, body);
 }
 
 }  // namespace plumetta

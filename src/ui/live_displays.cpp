@@ -194,7 +194,8 @@ void LiveDisplays::onTimer(wxTimerEvent&) {
 }
 
 size_t LiveDisplays::outputChannels() {
-  if (app_.output().running()) outputChannels_ = static_cast<size_t>(app_.output().channelCount());
+  if (app_.output().running())
+    outputChannels_ = static_cast<size_t>(app_.output().channelCount(app_.settings().output));
   return std::clamp<size_t>(outputChannels_, 1, kMaxOutputChannels);
 }
 

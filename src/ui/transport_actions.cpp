@@ -57,7 +57,7 @@ void MainFrame::configureAudio() {
 
 void MainFrame::configureRouting() {
   sound_.stopPlayer();
-  if (!askRouting(this, app_.settings().playback, app_.output().channelCount())) return;
+  if (!askRouting(this, app_.settings().playback, app_.output().channelCount(app_.settings().output))) return;
   applySettings();
   sound_.startPlayer();
 }
