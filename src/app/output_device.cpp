@@ -29,14 +29,26 @@ void OutputDevice::choose(const OutputSettings& settings) {
   output.SetBitDepth(settings.bitDepth);
 }
 
+// A driver may play at another rate than it was asked for.
+void OutputDevice::hearPlayedRate(int hz) {
+  transport_.controls().outputRate = hz;
+  BlockProcessor* rack = engine_.rack();
+  if (rack == nullptr) return;
+  engine_.setRack(nullptr);  // plug-ins hear of rates between two blocks only
+  rack->setSampleRate(hz);
+  engine_.setRack(rack);
+}
+
 bool OutputDevice::start(const OutputSettings& settings) {
   AudioPlayer& output = player();
   if (output.running() && !output.deviceLost()) return true;
   choose(settings);
   transport_.controls().outputRate = output.sampleRate();
+  BlockProcessor* rack = engine_.rack();
+  if (rack != nullptr) rack->setSampleRate(output.sampleRate());
   const bool started = output.Start();
   const std::string reason = output.errorText();
-  transport_.controls().outputRate = output.playedRate();
+  hearPlayedRate(output.playedRate());
   if (started && reason.empty()) return true;
   // A driver that has started and yet won't sound has said all there is to say.
   prompter_.message(started ? reason : withReason("Unable to start the audio output", reason));
@@ -47,6 +59,13 @@ bool OutputDevice::start(const OutputSettings& settings) {
 void OutputDevice::stop() {
   transport_.stop();
   if (player_) player_->Stop();
+}
+
+void OutputDevice::abandon() {
+  transport_.stop();
+  if (!player_ || player_->Stop()) return;
+  engine_.abandonCallback();
+  static_cast<void>(player_.release());
 }
 
 void OutputDevice::watch() {
