@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "formats/clipboard_image.h"
+#include "platform/crash_note.h"
 #include "platform/paths.h"
 
 namespace plumetta {
@@ -18,27 +19,62 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
     : home_(programFolder(home)),
       settingsFile_(joinPath(home_, "plumetta.cfg")),
       undoFolder_(files, home_),
-      services_{files, undoFolder_, audioLock_, prompter, history_, settings_.edit, clipboard_, nullptr},
-      transport_(audioLock_, [this] { return startOutput(); }),
-      playbackEngine_(audioLock_, transport_.controls(), AudioPlayer::kBufferFrames),
-      output_(prompter, playbackEngine_, transport_, waveOut),
-      midi_(nativeMidiInSystem(), transport_.controls().generalVolume) {
+      services_{files,          undoFolder_, *audioLock_, prompter, history_,
+                settings_.edit, clipboard_,  nullptr,     nullptr},
+      vstHost_(std::make_unique<VstHost>()),
+      rack_(std::make_unique<Rack>(*vstHost_)),
+      transport_(std::make_unique<Transport>(*audioLock_, [this] { return startOutput(); })),
+      playbackEngine_(
+          std::make_unique<PlaybackEngine>(*audioLock_, transport_->controls(), AudioPlayer::kBufferFrames)),
+      output_(std::make_unique<OutputDevice>(prompter, *playbackEngine_, *transport_, waveOut)),
+      midi_(nativeMidiInSystem(), transport_->controls().generalVolume) {
   if (!home.empty()) {
     if (const auto error = files.makeFolders(home_)) {
       prompter.message("Unable to make the folder " + home_ + "\n" + error.message());
     }
   }
-  startOutput = [this] { return output_.start(settings_.output); };
+  startOutput = [this] { return output_->start(settings_.output); };
   settingsFile_.load(settings_);
   generalVolume() = static_cast<float>(settings_.playback.generalVolume);
   applyPlaybackSettings();
+  setUpPlugins();
   undoFolder_.removeLeftovers();
+}
+
+Application::~Application() {
+  if (!vstHost_->hasAbandoned()) return;
+  output_->abandon();
+  static_cast<void>(output_.release());
+  static_cast<void>(playbackEngine_.release());
+  static_cast<void>(transport_.release());
+  static_cast<void>(rack_.release());
+  static_cast<void>(vstHost_.release());
+  static_cast<void>(audioLock_.release());
+}
+
+void Application::setUpPlugins() {
+  keepCrashNotes(home_);
+  vstHost_->setBlockSize(Rack::kBufferFrames);
+  vstHost_->setHostStrings("Plumetta", "Plumetta Team");
+  vstHost_->setTempo(static_cast<float>(settings_.plugins.tempo));
+  rack_->setSampleRate(settings_.output.sampleRate);
+  playbackEngine_->setRack(rack_.get());
+  services_.chain = rack_.get();
+}
+
+void Application::watchSound() {
+  output_->watch();
+  const auto faults = vstHost_->takeFaults();
+  const bool hung = std::any_of(faults.begin(), faults.end(),
+                                [](const PluginFault& fault) { return fault.kind == PluginFault::hangs; });
+  if (hung) output_->abandon();
+  for (const PluginFault& fault : faults) prompter().message(fault.text());
 }
 
 std::string Application::profilePath() const { return joinPath(home_, "plumetta.ini"); }
 
 void Application::applyPlaybackSettings() {
-  PlaybackControls& controls = transport_.controls();
+  PlaybackControls& controls = transport_->controls();
   const PlaybackSettings& playback = settings_.playback;
   controls.loop = playback.loop;
   controls.windSpeed = playback.windSpeed;
@@ -112,7 +148,7 @@ CPlumettaDoc* Application::adoptPasted(std::unique_ptr<CPlumettaDoc> document, c
 }
 
 void Application::closeDocument(CPlumettaDoc& document) {
-  transport_.release(document);
+  transport_->release(document);
   std::erase_if(documents_, [&](const auto& own) { return own.get() == &document; });
 }
 

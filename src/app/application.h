@@ -17,6 +17,8 @@
 #include "doc/document.h"
 #include "doc/document_services.h"
 #include "platform/file_system.h"
+#include "vst/rack.h"
+#include "vst/vst_host.h"
 
 namespace plumetta {
 
@@ -27,6 +29,8 @@ class Application {
   // `home` overrides the program's own folder; it is made when missing. Empty means the usual one.
   Application(Prompter& prompter, FileSystem& files, const std::string& home,
               WaveOutSystem& waveOut = nativeWaveOut());
+  // Ends at once, and leaves behind what a plug-in that hangs may still reach.
+  ~Application();
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
 
@@ -40,7 +44,7 @@ class Application {
 
   // The factor that is heard now. MIDI writes it from threads of its own; `rememberVolume` takes it over into
   // the settings. True when that has changed them.
-  std::atomic<float>& generalVolume() { return transport_.controls().generalVolume; }
+  std::atomic<float>& generalVolume() { return transport_->controls().generalVolume; }
   bool rememberVolume();
   MidiRemote& midi() { return midi_; }
 
@@ -51,9 +55,17 @@ class Application {
   void setSystemClipboard(SystemClipboard* clipboard) { services_.systemClipboard = clipboard; }
   const CWave* clipboard() const { return clipboard_.get(); }
 
-  Transport& transport() { return transport_; }
-  PlaybackEngine& playbackEngine() { return playbackEngine_; }
-  OutputDevice& output() { return output_; }
+  Transport& transport() { return *transport_; }
+  PlaybackEngine& playbackEngine() { return *playbackEngine_; }
+  OutputDevice& output() { return *output_; }
+  VstHost& vstHost() { return *vstHost_; }
+  Rack& rack() { return *rack_; }
+  // Whether playing goes through the rack; off at first.
+  void setRackOn(bool on) { transport_->controls().rackEnabled = on; }
+  bool rackOn() const { return transport_->controls().rackEnabled; }
+  // Looks after device and plug-ins: a message says what has failed, and playing stops when it can't go on.
+  // Several times a second while there is sound.
+  void watchSound();
   // Starts what pulls the engine's callback, where it isn't running yet: the output device, unless somebody
   // else pulls.
   std::function<bool()> startOutput;
@@ -76,10 +88,11 @@ class Application {
   const std::vector<std::unique_ptr<CPlumettaDoc>>& documents() const { return documents_; }
 
  private:
+  void setUpPlugins();
   CPlumettaDoc* adoptPasted(std::unique_ptr<CPlumettaDoc> document, const char* title);
 
   std::string home_;
-  AudioLock audioLock_;
+  std::unique_ptr<AudioLock> audioLock_ = std::make_unique<AudioLock>();
   HistoryList history_;
   Settings settings_;
   SettingsFile settingsFile_;
@@ -88,9 +101,11 @@ class Application {
   UndoFolder undoFolder_;
   DocumentServices services_;
   std::vector<std::unique_ptr<CPlumettaDoc>> documents_;
-  Transport transport_;
-  PlaybackEngine playbackEngine_;
-  OutputDevice output_;  // stops before the documents go
+  std::unique_ptr<VstHost> vstHost_;
+  std::unique_ptr<Rack> rack_;
+  std::unique_ptr<Transport> transport_;
+  std::unique_ptr<PlaybackEngine> playbackEngine_;
+  std::unique_ptr<OutputDevice> output_;  // stops before the documents go
   MidiRemote midi_;
 };
 

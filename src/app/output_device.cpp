@@ -27,6 +27,7 @@ bool OutputDevice::start(const OutputSettings& settings) {
   output.SetOutput(settings.deviceId, settings.bufferFrames, settings.sampleRate);
   output.SetBitDepth(settings.bitDepth);
   transport_.controls().outputRate = output.sampleRate();
+  if (BlockProcessor* rack = engine_.rack()) rack->setSampleRate(output.sampleRate());
   if (output.Start()) return true;
   prompter_.message(withReason("Unable to start the audio output", output.errorText()));
   return false;
@@ -35,6 +36,13 @@ bool OutputDevice::start(const OutputSettings& settings) {
 void OutputDevice::stop() {
   transport_.stop();
   if (player_) player_->Stop();
+}
+
+void OutputDevice::abandon() {
+  transport_.stop();
+  if (!player_ || player_->Stop()) return;
+  engine_.abandonCallback();
+  static_cast<void>(player_.release());
 }
 
 void OutputDevice::watch() {

@@ -33,6 +33,10 @@ class OutputDevice {
   // Seconds from the callback to the end of the device's queue.
   double latency() const;
 
+  // Like stop(), when the audio thread is in code that never comes back: thread, buffers and device are left
+  // behind, and the next start begins with others.
+  void abandon();
+
   // Asked of the system afresh.
   std::vector<std::string> waveOutNames();
   std::vector<std::string> asioNames();

@@ -60,13 +60,13 @@ Bounds boundsOf(SelectionEnds selection, int32_t length, bool loop, bool wholeFi
 // The callback's stay among what the UI thread may take away.
 class PlaybackEngine::Use {
  public:
-  explicit Use(std::atomic<unsigned>& turn) : turn_(turn) { ++turn_; }
+  explicit Use(Turn& turn) : turn_(turn) { ++turn_; }
   ~Use() { ++turn_; }
   Use(const Use&) = delete;
   Use& operator=(const Use&) = delete;
 
  private:
-  std::atomic<unsigned>& turn_;
+  Turn& turn_;
 };
 
 PlaybackEngine::PlaybackEngine(AudioLock& lock, PlaybackControls& controls, int mostFrames)
@@ -74,12 +74,17 @@ PlaybackEngine::PlaybackEngine(AudioLock& lock, PlaybackControls& controls, int 
       controls_(controls),
       mostFrames_(mostFrames),
       frameAt_(static_cast<size_t>(mostFrames)),
-      gains_(static_cast<size_t>(mostFrames)) {}
+      gains_(static_cast<size_t>(mostFrames)) {
+  abandonCallback();
+}
+
+void PlaybackEngine::abandonCallback() { turn_ = turns_.emplace_back(std::make_unique<Turn>(0)).get(); }
 
 // A callback that begins after the exchange sees the new pointer; one that had begun before is waited for.
 void PlaybackEngine::waitForCallback() const {
-  const unsigned turn = turn_;
-  while (turn % 2 == 1 && turn_ == turn) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  const Turn& now = *turn_;
+  const unsigned turn = now;
+  while (turn % 2 == 1 && now == turn) std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 void PlaybackEngine::setRack(BlockProcessor* rack) {
@@ -98,7 +103,7 @@ bool PlaybackEngine::callback(void* engine, float** channels, int* frames, int* 
 }
 
 void PlaybackEngine::fill(float** channels, int* frames, int* channelCount) noexcept {
-  const Use use(turn_);
+  const Use use(*turn_);
   *frames = std::clamp(*frames, 0, mostFrames_);
   *channelCount = std::clamp(*channelCount, 0, kMaxOutputChannels);
   heardFrames_ = 0;

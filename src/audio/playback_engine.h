@@ -3,6 +3,7 @@
 
 #include <array>
 #include <atomic>
+#include <memory>
 #include <vector>
 
 #include "audio/playback_controls.h"
@@ -29,7 +30,12 @@ class PlaybackEngine {
   void setBuffers(const std::array<float*, kMaxOutputChannels>& buffers) { buffers_ = buffers; }
   // UI thread, also while playing; null for none. What stood there before is not used any more on return.
   void setRack(BlockProcessor* rack);
+  BlockProcessor* rack() const noexcept { return rack_; }
   void setWidget(int index, AudioWidget* widget);
+
+  // UI thread: the callback that runs now will never end, or not in time; nobody waits for it any more.
+  // Should it end after all, it still finds the engine, which has to stay.
+  void abandonCallback();
 
   // What output drivers are given, with the engine as its context. Always true.
   static bool callback(void* engine, float** channels, int* frames, int* channelCount) noexcept;
@@ -59,7 +65,9 @@ class PlaybackEngine {
   std::array<float*, kMaxOutputChannels> buffers_{};
   std::atomic<BlockProcessor*> rack_{nullptr};
   std::array<std::atomic<AudioWidget*>, kWidgets> widgets_{};
-  std::atomic<unsigned> turn_{0};  // odd while the callback runs
+  using Turn = std::atomic<unsigned>;  // odd while the callback runs
+  std::vector<std::unique_ptr<Turn>> turns_;
+  std::atomic<Turn*> turn_{nullptr};  // the last of them; the others were left behind
 
   // Of the block that is being made; audio thread.
   std::vector<int32_t> frameAt_;  // the source frame of each output frame, -1 beyond the file

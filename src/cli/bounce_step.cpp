@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `bounce`: what playing would hand to a device, as a file.
+#include <atomic>
 #include <charconv>
 #include <cmath>
+#include <memory>
 
 #include "audio/bounce.h"
 #include "cli/edit_steps.h"
 #include "formats/wav_writer.h"
 #include "platform/paths.h"
+#include "vst/offline_worker.h"
 
 namespace plumetta {
 namespace {
@@ -85,6 +88,48 @@ StepOutcome tell(EditSession& session, const SaveResult& result, const std::stri
   return StepOutcome::fileError;
 }
 
+// What a bounce may still need when a plug-in never comes back.
+struct BounceWork {
+  PlaybackSource& source;
+  BounceOptions options;
+  CWave sound;
+  WaveProgress progress;
+  std::atomic<bool> leftBehind{false};
+
+  BounceWork(PlaybackSource& played, const BounceOptions& how, WaveProgress told)
+      : source(played), options(how), progress(told) {}
+  BounceResult run() { return bounce(source, options, sound, {&BounceWork::report, this}); }
+
+ private:
+  static bool report(float fractionDone, void* self) {
+    auto& work = *static_cast<BounceWork*>(self);
+    return !work.leftBehind && work.progress.report(fractionDone);
+  }
+};
+
+// Through the rack on a thread that can be left behind; plug-ins hear of the output's rate meanwhile.
+BounceResult bounceThroughRack(Application& app, const std::shared_ptr<BounceWork>& work) {
+  VstHost& host = app.vstHost();
+  const auto rateBefore = static_cast<int>(host.sampleRate());
+  const bool abandonedBefore = host.hasAbandoned();
+  work->options.rack = &app.rack();
+  const auto patient = [&] {
+    host.watchForHangs();
+    return abandonedBefore || !host.hasAbandoned();
+  };
+  OfflineWorker worker;
+  auto result = std::make_shared<BounceResult>(BounceResult::cancelled);
+  const auto play = [work, result] {
+    *result = work->run();
+    return true;
+  };
+  const bool ended = worker.run(play, patient);
+  if (!ended) work->leftBehind = true;
+  app.rack().setSampleRate(rateBefore);
+  app.watchSound();
+  return ended ? *result : BounceResult::cancelled;
+}
+
 StepOutcome runBounce(EditSession& session, const StepArguments& arguments) {
   const std::string path = absolutePath(std::get<std::string>(arguments[kFile]));
   BounceOptions options = optionsOf(arguments);
@@ -96,8 +141,8 @@ StepOutcome runBounce(EditSession& session, const StepArguments& arguments) {
     options.frames = static_cast<int32_t>(frames);
   }
   const ProgressScope progress(session.app.prompter(), "Writing " + fileNameOf(path));
-  CWave sound;
-  switch (bounce(*session.doc, options, sound, progress.progress())) {
+  const auto work = std::make_shared<BounceWork>(*session.doc, options, progress.progress());
+  switch (flag(arguments, kRack) ? bounceThroughRack(session.app, work) : work->run()) {
     case BounceResult::cancelled:
       return StepOutcome::refused;
     case BounceResult::tooLong:
@@ -105,7 +150,7 @@ StepOutcome runBounce(EditSession& session, const StepArguments& arguments) {
     case BounceResult::done:
       break;
   }
-  return tell(session, saveWav(session.app.files(), path, sound, SyncToDisk::yes), path);
+  return tell(session, saveWav(session.app.files(), path, work->sound, SyncToDisk::yes), path);
 }
 
 Parameter option(const char* key, ParameterType type, ParameterValue fallback) {

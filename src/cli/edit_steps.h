@@ -37,6 +37,8 @@ const std::vector<EditStep>& editSteps();
 
 // Plays the document into a file.
 EditStep bounceStep();
+// The rack of plug-ins, but for `rack-apply`, which is a command.
+std::vector<EditStep> rackSteps();
 
 StepOutcome runStep(EditSession& session, const EditStep& step, const StepArguments& arguments);
 

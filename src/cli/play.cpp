@@ -63,7 +63,7 @@ bool playToTheEnd(Application& app, CPlumettaDoc& doc, TerminalPrompter& prompte
   const double frames = std::max(doc.wave().frames(), 1);
   while (playing && !interrupt.interrupted()) {
     std::this_thread::sleep_for(kWatchInterval);
-    app.output().watch();
+    app.watchSound();
     progress.progress().report(static_cast<float>(doc.playback().playCursor / frames));
   }
   if (!app.output().running()) return false;

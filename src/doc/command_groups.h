@@ -23,6 +23,7 @@ std::vector<Command> silenceCommands();      // what a level parts from silence
 std::vector<Command> synthesisCommands();    // test signals
 std::vector<Command> rhythmCommands();       // what runs in beats: gapper, markers by tempo
 std::vector<Command> sampleCommands();       // single samples
+std::vector<Command> rackCommands();         // the chain of plug-ins
 
 // Kinds of undo step and history names for rows.
 template <UndoKind kind>

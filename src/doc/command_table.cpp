@@ -12,7 +12,7 @@ const std::vector<Command>& commandTable() {
     for (auto group :
          {editCommands(), mixCommands(), levelCommands(), quickEffectCommands(), filterCommands(),
           resampleCommands(), channelCommands(), markerCommands(), envelopeCommands(), silenceCommands(),
-          synthesisCommands(), rhythmCommands(), sampleCommands()}) {
+          synthesisCommands(), rhythmCommands(), sampleCommands(), rackCommands()}) {
       std::move(group.begin(), group.end(), std::back_inserter(all));
     }
     return all;

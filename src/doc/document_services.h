@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/audio_lock.h"
+#include "core/block_processor.h"
 #include "core/prompter.h"
 #include "core/system_clipboard.h"
 #include "core/undo_folder.h"
@@ -46,6 +47,7 @@ struct DocumentServices {
   EditSettings& settings;
   std::shared_ptr<const CWave>& clipboard;     // null until the first copy or cut; replaced, never changed
   SystemClipboard* systemClipboard = nullptr;  // null where there is none
+  ChainProcessor* chain = nullptr;             // the rack; null where there is none
 };
 
 }  // namespace plumetta

@@ -187,7 +187,7 @@ bool SoundControl::mayIntervene() const {
 void SoundControl::onWatch() {
   if (!intervening_ && !prompter_.working()) {
     intervening_ = true;
-    app_.output().watch();
+    app_.watchSound();
     intervening_ = false;
   }
   if (!playing() && !app_.output().running()) follower_.end();

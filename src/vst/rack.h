@@ -24,7 +24,6 @@ struct RackAddition {
 // The rack's texts.
 inline constexpr const char* kRackFull = "Rack full";
 inline constexpr const char* kNoVstGui = "No VST GUI";
-inline constexpr const char* kNoActivePlugin = "There is no active plug-in in the rack.";
 
 inline constexpr const char* kEmptyLine = "-----";
 std::string unableToLoad(const std::string& path);
