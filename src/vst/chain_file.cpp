@@ -146,11 +146,11 @@ bool place(Rack& rack, const ChainPlugin& stored) {
   VstHost& host = rack.host();
   const int slot = stored.slot < 0 ? host.open(stored.path) : host.openAt(stored.path, stored.slot);
   if (slot < 0) return false;
-  rack.remove(stored.position);  // the later of two records for one position counts
+  applyTo(*host.plugin(slot), stored);  // before it is heard
+  rack.remove(stored.position);         // the later of two records for one position counts
   rack.recordProgram(slot, stored.recordedProgram);
   rack.setSlotAt(stored.position, slot);
   rack.setMuted(stored.position, stored.muted);
-  applyTo(*host.plugin(slot), stored);
   return true;
 }
 

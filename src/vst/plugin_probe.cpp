@@ -129,10 +129,10 @@ class ProbeRun {
 int runPluginProbe(const std::vector<std::string>& words) {
   if (words.empty()) return 2;
   settleAsChild();
-  VstHost host;
+  const VstHost host;  // answers what plug-ins ask
   for (size_t i = 1; i < words.size(); ++i) {
     say(words[0], kBegins);
-    VstPlugin plugin(host);
+    VstPlugin plugin;
     if (plugin.probe(words[i]) != 0) {
       say(words[0], kNone);
       continue;

@@ -46,6 +46,7 @@ void PluginScan::start() {
 
 void PluginScan::run() {
   if (!options_.library.empty()) {
+    options_.again = true;
     count_ = list_.counter();
     meet(folderOf(options_.library), fileNameOf(options_.library));
     return probeWaiting();
