@@ -235,7 +235,7 @@ TEST(Mp3Writer, RoundTripThroughTheInstalledEncoder) {
     ASSERT_GE(again.frames(), wave.frames() + kShift);
     for (int32_t f = 3000; f < 8000; ++f) {
       for (int c = 0; c < channels; ++c) {
-        ASSERT_NEAR(again.sample(f + kShift, c), wave.sample(f, c), 0.02) << f;
+        ASSERT_NEAR(again.sample(f + kShift, c), wave.sample(f, c), 0.05) << f;
       }
     }
   }
