@@ -5,12 +5,6 @@
 #include <cstdio>
 #include <cstring>
 
-#ifdef _WIN32
-#define EXPORTED extern "C" __declspec(dllexport)
-#else
-#define EXPORTED extern "C" __attribute__((visibility("default")))
-#endif
-
 namespace {
 
 constexpr uint32_t kConfigurationBytes = 331;
@@ -19,7 +13,7 @@ bool first;
 
 }  // namespace
 
-EXPORTED uint32_t beInitStream(const void* given, uint32_t* samples, uint32_t* bytes, uint32_t* stream) {
+extern "C" uint32_t beInitStream(const void* given, uint32_t* samples, uint32_t* bytes, uint32_t* stream) {
   std::memcpy(configuration, given, kConfigurationBytes);
   *samples = 100;
   *bytes = 1000;
@@ -28,8 +22,8 @@ EXPORTED uint32_t beInitStream(const void* given, uint32_t* samples, uint32_t* b
   return 0;
 }
 
-EXPORTED uint32_t beEncodeChunk(uint32_t stream, uint32_t samples, const int16_t* from, uint8_t* out,
-                                uint32_t* bytes) {
+extern "C" uint32_t beEncodeChunk(uint32_t stream, uint32_t samples, const int16_t* from, uint8_t* out,
+                                  uint32_t* bytes) {
   *bytes = 0;
   if (stream != 7 || samples > 100) return 1;
   if (first) {
@@ -42,17 +36,17 @@ EXPORTED uint32_t beEncodeChunk(uint32_t stream, uint32_t samples, const int16_t
   return 0;
 }
 
-EXPORTED uint32_t beDeinitStream(uint32_t stream, uint8_t* out, uint32_t* bytes) {
+extern "C" uint32_t beDeinitStream(uint32_t stream, uint8_t* out, uint32_t* bytes) {
   std::memcpy(out, "END!", 4);
   *bytes = 4;
   return stream == 7 ? 0 : 1;
 }
 
-EXPORTED uint32_t beCloseStream(uint32_t stream) { return stream == 7 ? 0 : 1; }
+extern "C" uint32_t beCloseStream(uint32_t stream) { return stream == 7 ? 0 : 1; }
 
-EXPORTED void beVersion(void*) {}
+extern "C" void beVersion(void*) {}
 
-EXPORTED uint32_t beWriteVBRHeader(const char* path) {
+extern "C" uint32_t beWriteVBRHeader(const char* path) {
   std::FILE* file = std::fopen(path, "rb+");
   if (file == nullptr) return 1;
   std::fwrite("HEAD", 1, 4, file);
