@@ -102,6 +102,7 @@ std::optional<Mp3Scan> scanMp3Frames(std::span<const uint8_t> data, const WavePr
     at += header.bytes();
   }
   if (scan.frames == 0) {
+    scan.guessed = true;
     scan.frames = static_cast<int64_t>(data.size()) * 8 / kSmallestBitRate * kUsualRate;
   }
   return scan;

@@ -44,6 +44,7 @@ size_t id3TagBytes(std::span<const uint8_t> data);
 struct Mp3Scan {
   size_t firstFrame = 0;  // byte offset
   int64_t frames = 0;     // audio frames in all
+  bool guessed = false;   // no header was found: `frames` goes by the size of the data
   uint32_t sampleRate = 44100;
   int channels = 1;
 };

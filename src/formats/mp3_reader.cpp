@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 #include "formats/mp3_frame_scan.h"
+#include "platform/pages_ahead.h"
 
 namespace plumetta {
 namespace {
@@ -62,7 +64,9 @@ class Mp3Decoding {
       : bytes_(bytes), first_(scan.firstFrame), wave_(wave), channels_(scan.channels) {
     // What the scan says is a wish; without the memory for it, room is made as frames come.
     const int64_t wish = std::clamp<int64_t>(scan.frames, 1, kMaxFrames);
-    if (wave_.resize(wish, channels_)) room_ = wish;
+    if (!wave_.resize(wish, channels_)) return;
+    room_ = wish;
+    if (!scan.guessed) pages_.emplace(wave_.samples(), bytesFor(wish));
   }
 
   LoadResult run();
@@ -81,6 +85,9 @@ class Mp3Decoding {
 
   mad_flow hand(mad_stream& stream);
   mad_flow take(const mad_pcm& pcm);
+  size_t bytesFor(int64_t frames) const {
+    return static_cast<size_t>(frames) * static_cast<size_t>(channels_) * sizeof(float);
+  }
   bool becomeStereo();
   bool makeRoom(int frames);
   void append(const mad_pcm& pcm);
@@ -95,8 +102,9 @@ class Mp3Decoding {
   size_t first_;
   CWave& wave_;
   int channels_;
-  int64_t room_ = 0;    // frames that the buffer has memory for
-  int64_t frames_ = 0;  // written so far
+  std::optional<PagesAhead> pages_;  // must be gone before the block changes
+  int64_t room_ = 0;                 // frames that the buffer has memory for
+  int64_t frames_ = 0;               // written so far
   uint32_t rate_ = 0;
   bool rateChanged_ = false;
   bool hasStereo_ = false;
@@ -149,6 +157,7 @@ mad_flow Mp3Decoding::take(const mad_pcm& pcm) {
 // What came so far was mono: it goes to both channels.
 bool Mp3Decoding::becomeStereo() {
   if (channels_ == 2) return true;
+  pages_.reset();
   wave_.setLayout(1, static_cast<int32_t>(frames_));
   if (frames_ > 0 && !wave_.monoToStereo()) return false;
   channels_ = 2;
@@ -158,6 +167,7 @@ bool Mp3Decoding::becomeStereo() {
 
 bool Mp3Decoding::makeRoom(int frames) {
   if (frames_ + frames <= room_) return true;
+  pages_.reset();
   const int64_t wanted = std::min<int64_t>(kMaxFrames, std::max(frames_ + frames, frames_ + frames_ / 2));
   if (!wave_.resize(wanted, channels_)) return false;
   room_ = wanted;
@@ -190,6 +200,7 @@ mad_flow Mp3Decoding::goOn() {
 // What was decoded has the last word on length, channels and rate.
 LoadResult Mp3Decoding::finish() {
   if (frames_ == 0) return LoadResult::failure("There is no MPEG audio in this file that can be decoded.");
+  pages_.reset();
   wave_.setLayout(channels_, static_cast<int32_t>(frames_));
   if (!hasStereo_) wave_.mixDownToMono(0);
   wave_.resize(frames_, wave_.channels());  // giving memory back can't lose samples
@@ -226,6 +237,7 @@ LoadResult readMp3(File& file, CWave& wave) {
 
 struct FrameRun {
   int headers = 0;
+  size_t end = 0;       // of the last frame
   bool broken = false;  // ended by something that is no header of the same stream, and not by the data's end
 };
 
@@ -239,6 +251,7 @@ FrameRun frameRun(std::span<const uint8_t> data, size_t at) {
     if (!first) first = header;
     ++run.headers;
     at += header.bytes();
+    run.end = at;
   }
   return run;
 }
@@ -252,6 +265,7 @@ bool isOtherContainer(const FileHead& head, size_t at) {
 
 Likeness probeMp3(const FileHead& head) {
   constexpr int kSure = 3;
+  if (head.size == 0) return Likeness::byName;
   const size_t tag = id3TagBytes(head.bytes);
   if (head.has(0, "RIFF") && head.has(8, "RMP3"))
     return Likeness::certain;  // frames in a RIFF form of their own
@@ -259,7 +273,7 @@ Likeness probeMp3(const FileHead& head) {
   if (tag >= head.bytes.size() && tag > 0) return tag < head.size ? Likeness::possible : Likeness::byName;
   const FrameRun run = frameRun(head.bytes, tag);
   if (run.headers >= kSure || (run.headers == kSure - 1 && !run.broken)) return Likeness::certain;
-  if (tag > 0 || (run.headers > 0 && !run.broken)) return Likeness::possible;
+  if (tag > 0 || run.end == head.size) return Likeness::possible;
   for (size_t at = 1; at + Mp3FrameHeader::kBytes <= head.bytes.size(); ++at) {
     if (head.bytes[at] == 0xFF && frameRun(head.bytes, at).headers >= kSure) return Likeness::possible;
   }

@@ -10,6 +10,7 @@
 #include "platform/paths.h"
 #include "ui/edit_dialogs.h"
 #include "ui/file_filters.h"
+#include "ui/mp3_rate_dialog.h"
 #include "ui/save_question.h"
 #include "ui/text.h"
 
@@ -159,10 +160,20 @@ std::string FileCommands::askTarget(const wxString& title, const std::string& na
   return path;
 }
 
+std::optional<SaveOptions> FileCommands::saveOptionsFor(const std::string& path, bool ask) {
+  SaveOptions options;
+  const Format* format = writableFormatOfName(path);
+  if (format == nullptr || !format->hasBitRate) return options;
+  const std::optional<int> bitRate = ask ? askMp3BitRate(&parent_, profile_) : rememberedMp3BitRate(profile_);
+  if (!bitRate) return std::nullopt;
+  options.bitRateKbits = *bitRate;
+  return options;
+}
+
 bool FileCommands::save(CPlumettaDoc& doc) {
   const std::string path = doc.wave().fileName();
   if (!isNamed(doc) || writableFormatOfName(path) == nullptr) return saveAs(doc);
-  if (doc.save(path) != FileOutcome::done) return false;
+  if (doc.save(path, *saveOptionsFor(path, false)) != FileOutcome::done) return false;
   recent_.add(path);
   return true;
 }
@@ -180,7 +191,8 @@ bool FileCommands::saveAs(CPlumettaDoc& doc) {
     app_.prompter().message(path + "\nThis file is open in another window.");
     return false;
   }
-  if (doc.save(path) != FileOutcome::done) return false;
+  const auto options = saveOptionsFor(path, true);
+  if (!options || doc.save(path, *options) != FileOutcome::done) return false;
   recent_.add(path);
   return true;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,9 @@ class FileCommands {
   // Empty when the person cancelled. A name without extension gets that of the chosen filter.
   std::string askTarget(const wxString& title, const std::string& name, const std::string& filter,
                         int filterIndex, const std::vector<std::string>& extensions);
+  // How a file of this name is written: as it was chosen last or, with `ask`, as the person chooses now.
+  // Nothing when the person cancelled.
+  std::optional<SaveOptions> saveOptionsFor(const std::string& path, bool ask);
   CPlumettaDoc* documentOf(const std::string& path) const;
   // Where a dialog that writes begins.
   std::string folderFor(const CPlumettaDoc* doc) const;

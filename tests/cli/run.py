@@ -58,6 +58,18 @@ class Cli(unittest.TestCase):
         self.assertEqual(self.read("b.wav")[12:len(original)], original[12:])
         self.assertEqual(self.read("c.wav"), self.read("b.wav"))
 
+    def test_mp3_opens_by_content_and_is_saved_at_a_bit_rate(self):
+        with open(os.path.join(self.path, "wrong.wav"), "wb") as file:
+            file.write((b"\xFF\xF3\x80\xC0" + bytes(204)) * 5)  # silence, MPEG-2 at 22050 Hz
+        state = self.state("open wrong.wav")
+        self.assertEqual([state[key] for key in ("rate", "channels", "bits", "frames")], [22050, 1, 16, 5 * 576])
+        self.edit("open a.wav save b.mp3 bitrate=fast", status=2)
+        self.write("three.mp3", "old")
+        for chain in ("new 44100 3 16 100 save three.mp3", "open a.wav save three.mp3 bitrate=0"):
+            self.edit(chain, status=1)
+            self.assertIn("message: Unable to export mp3 file. Make sure lame encoder is installed", self.err)
+            self.assertEqual(self.read("three.mp3"), b"old")
+
     def test_state_tells_everything(self):
         state = self.state("open a.wav select 10 19 copy cursor 50 marker 0.1s label=x loop 5 3 "
                            "envelope-point 500 0.25 1 kind=2 active off=0 new 44100 1 16 10 doc 0")
