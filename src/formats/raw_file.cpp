@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "formats/raw_file.h"
 
+#include <algorithm>
+#include <limits>
+
 #include "formats/losses.h"
 #include "formats/plain_samples.h"
 
@@ -21,19 +24,24 @@ std::optional<SampleFormat> rawSampleFormat(int bits, ByteOrder byteOrder, RawSi
 
 Likeness probeRaw(const FileHead&) { return Likeness::byName; }
 
-LoadResult loadRaw(FileSystem& files, const std::string& path, const RawLayout& layout, CWave& wave) {
-  std::error_code error;
-  const auto file = files.openForReading(path, error);
-  if (!file) return LoadResult::failure(error.message());
-  if (layout.fileOffset > file->size()) {
+LoadResult readRaw(File& file, const RawLayout& layout, int64_t mostFrames, CWave& wave) {
+  if (layout.fileOffset > file.size()) {
     return LoadResult::failure("The file offset lies behind the end of the file.");
   }
-  InputStream in(*file);
+  InputStream in(file);
   in.seek(layout.fileOffset);
   const int frameBytes = bytesPerSample(layout.sample.encoding) * layout.channels;
   if (frameBytes < 1) return LoadResult::failure("Raw files have at least one channel of whole bytes.");
   const auto frames = static_cast<int64_t>(in.remaining() / static_cast<uint64_t>(frameBytes));
-  LoadResult result = readPlainSamples(in, {layout.sampleRate, layout.channels, layout.sample, frames}, wave);
+  return readPlainSamples(
+      in, {layout.sampleRate, layout.channels, layout.sample, std::min(frames, mostFrames)}, wave);
+}
+
+LoadResult loadRaw(FileSystem& files, const std::string& path, const RawLayout& layout, CWave& wave) {
+  std::error_code error;
+  const auto file = files.openForReading(path, error);
+  if (!file) return LoadResult::failure(error.message());
+  LoadResult result = readRaw(*file, layout, std::numeric_limits<int64_t>::max(), wave);
   wave.setFileName(path);
   return result;
 }

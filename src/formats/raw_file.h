@@ -17,6 +17,8 @@ std::optional<SampleFormat> rawSampleFormat(int bits, ByteOrder byteOrder, RawSi
 Likeness probeRaw(const FileHead& head);
 
 // What is left behind the last whole frame is no sample.
+// Of a file that is open already: no more than the first frames, for a look at it.
+LoadResult readRaw(File& file, const RawLayout& layout, int64_t mostFrames, CWave& wave);
 LoadResult loadRaw(FileSystem& files, const std::string& path, const RawLayout& layout, CWave& wave);
 
 // The samples alone, little-endian and signed, in the buffer's own width.

@@ -22,7 +22,10 @@ class FileCommands {
   void pasteAsNew();
   void pasteFromSystem();
   void open();
-  // Opens each; a file that is open already comes to the front, and one that fails doesn't stop the others.
+  // The same for files without a header, whatever is in them: asks how the samples stand in each.
+  void openRaw();
+  // Opens each, asking about those that have no header; a file that is open already comes to the front, and
+  // one that fails doesn't stop the others.
   void openPaths(const std::vector<std::string>& paths);
   // Keeps which files are open for the next start, and opens those of the last one that are still there.
   void storeOpenFiles();
@@ -46,6 +49,10 @@ class FileCommands {
   // Empty when the person cancelled. A name without extension gets that of the chosen filter.
   std::string askTarget(const wxString& title, const std::string& name, const std::string& filter,
                         int filterIndex, const std::vector<std::string>& extensions);
+  std::vector<std::string> askSources(const wxString& title, const std::string& filter);
+  // False when the person cancelled.
+  bool askLayout(const std::string& path, OpenOptions& options);
+  void openOne(const std::string& path, const OpenOptions& options);
   CPlumettaDoc* documentOf(const std::string& path) const;
   // Where a dialog that writes begins.
   std::string folderFor(const CPlumettaDoc* doc) const;
