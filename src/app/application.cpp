@@ -98,9 +98,10 @@ bool Application::saveSettings() {
   return false;
 }
 
-CPlumettaDoc* Application::openDocument(const std::string& path, FileOutcome& outcome) {
+CPlumettaDoc* Application::openDocument(const std::string& path, FileOutcome& outcome,
+                                        const OpenOptions& options) {
   auto document = std::make_unique<CPlumettaDoc>(services_);
-  outcome = document->load(path);
+  outcome = document->load(path, options);
   if (outcome != FileOutcome::done) return nullptr;
   return documents_.emplace_back(std::move(document)).get();
 }

@@ -73,7 +73,7 @@ class Application {
   void applyPlaybackSettings();
 
   // Null when the file could not be opened (a message has said so) or the person cancelled.
-  CPlumettaDoc* openDocument(const std::string& path, FileOutcome& outcome);
+  CPlumettaDoc* openDocument(const std::string& path, FileOutcome& outcome, const OpenOptions& options = {});
   // Null when no buffer can have these values.
   CPlumettaDoc* newDocument(uint32_t sampleRate, int channels, int bits, int64_t frames, uint16_t formatTag);
   // A copy of the clipboard buffer as a document of its own, "paste.wav"; null when there is nothing to

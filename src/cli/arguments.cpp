@@ -41,6 +41,11 @@ std::optional<ParameterValue> valueIn(const std::string& text, const Parameter& 
   return std::nullopt;
 }
 
+std::string wordAt(std::string_view words, int64_t place) {
+  for (; place > 0; --place) words.remove_prefix(words.find('|') + 1);
+  return std::string(words.substr(0, words.find('|')));
+}
+
 std::string placeholder(const Parameter& parameter) {
   if (*parameter.words != '\0') return parameter.words;
   std::string name = parameter.key;
@@ -48,7 +53,9 @@ std::string placeholder(const Parameter& parameter) {
   return name;
 }
 
-std::string textOf(const ParameterValue& value) {
+std::string textOf(const Parameter& parameter) {
+  const ParameterValue& value = parameter.fallback;
+  if (*parameter.words != '\0') return wordAt(parameter.words, std::get<int64_t>(value));
   if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "on" : "off";
   if (const auto* integer = std::get_if<int64_t>(&value)) return std::to_string(*integer);
   if (const auto* text = std::get_if<std::string>(&value)) return text->empty() ? "TEXT" : *text;
@@ -88,11 +95,14 @@ std::optional<FrameOrTime> readFrame(std::string_view text) {
   return FrameOrTime{*number * unit, true};
 }
 
-Arguments readArguments(WordReader& words, std::span<const Parameter> parameters, const std::string& what) {
+Arguments readArguments(WordReader& words, std::span<const Parameter> parameters, const std::string& what,
+                        std::vector<bool>& given) {
   Arguments arguments;
+  given.assign(parameters.size(), false);
   for (const Parameter& parameter : parameters) {
     arguments.push_back(parameter.fallback);
     if (!parameter.positional) continue;
+    given[arguments.size() - 1] = true;
     if (words.atEnd()) {
       words.fail(what + ": " + placeholder(parameter) + " is missing");
       return arguments;
@@ -108,7 +118,9 @@ Arguments readArguments(WordReader& words, std::span<const Parameter> parameters
     const std::string word = words.take();
     const auto value = valueIn(word.substr(word.find('=') + 1), *option);
     if (!value) words.fail(what + ": malformed '" + word + "'");
-    if (value) arguments[static_cast<size_t>(option - parameters.data())] = *value;
+    const auto place = static_cast<size_t>(option - parameters.data());
+    given[place] = true;
+    if (value) arguments[place] = *value;
   }
   return arguments;
 }
@@ -139,7 +151,7 @@ std::string usageOf(const std::string& what, std::span<const Parameter> paramete
     if (parameter.positional) {
       usage += " " + placeholder(parameter);
     } else {
-      options += (options.empty() ? "" : " ") + std::string(parameter.key) + "=" + textOf(parameter.fallback);
+      options += (options.empty() ? "" : " ") + std::string(parameter.key) + "=" + textOf(parameter);
     }
   }
   return options.empty() ? usage : usage + " [" + options + "]";

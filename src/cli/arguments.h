@@ -51,8 +51,9 @@ class WordReader {
 };
 
 // Reads the positional arguments of `what`, then its key=value options in any order. What is left out takes
-// the parameter's fallback.
-Arguments readArguments(WordReader& words, std::span<const Parameter> parameters, const std::string& what);
+// the parameter's fallback; `given` tells of each whether the call had it.
+Arguments readArguments(WordReader& words, std::span<const Parameter> parameters, const std::string& what,
+                        std::vector<bool>& given);
 
 // A position or length as a call writes it: frames ("44100") or a time ("1.5s", "250ms").
 std::optional<FrameOrTime> readFrame(std::string_view text);

@@ -39,7 +39,10 @@ std::vector<ParsedStep> parse(WordReader& words) {
     const bool wantsOption =
         name == "active" && (words.atEnd() || words.peek().find('=') == std::string::npos);
     if (wantsOption) words.fail("active: all, solo=C, off=C, on=C or toggle=C is missing");
-    chain.push_back({step, readArguments(words, step->parameters, name)});
+    ParsedStep parsed{step, {}};
+    static_cast<Arguments&>(parsed.arguments) =
+        readArguments(words, step->parameters, name, parsed.arguments.given);
+    chain.push_back(std::move(parsed));
     if (words.failed() || step->fault == nullptr) continue;
     const std::string fault = step->fault(chain.back().arguments);
     if (!fault.empty()) words.fail(name + ": " + fault);

@@ -15,19 +15,6 @@
 namespace plumetta {
 namespace {
 
-StepOutcome outcomeOf(FileOutcome outcome) {
-  switch (outcome) {
-    case FileOutcome::done:
-      return StepOutcome::done;
-    case FileOutcome::fileError:
-      return StepOutcome::fileError;
-    case FileOutcome::refused:
-    case FileOutcome::cancelled:
-      break;
-  }
-  return StepOutcome::refused;
-}
-
 std::string pathOf(const StepArguments& arguments, size_t i) {
   return absolutePath(std::get<std::string>(arguments[i]));
 }
@@ -43,13 +30,6 @@ int64_t framesOf(const EditSession& session, const StepArguments& arguments, siz
 }
 
 // ---- Files ----------------------------------------------------------------------------------------------
-
-StepOutcome open(EditSession& session, const StepArguments& arguments) {
-  FileOutcome outcome{};
-  CPlumettaDoc* opened = session.app.openDocument(pathOf(arguments, 0), outcome);
-  if (opened != nullptr) session.doc = opened;
-  return outcomeOf(outcome);
-}
 
 StepOutcome makeNew(EditSession& session, const StepArguments& arguments) {
   constexpr int64_t kMaxRate = 0xFFFFFFFF;
@@ -288,7 +268,7 @@ std::vector<EditStep> ownSteps() {
       "bitrate", "", "", ParameterType::integer, false, int64_t{SaveOptions{}.bitRateKbits}, 0, 0, ""};
   const Parameter levels{"levels", "", "", ParameterType::boolean, false, true, 0, 0, ""};
   return {
-      {"open", {file()}, false, open, nullptr},
+      openStep(),
       {"new",
        {integer("rate"), integer("channels"), integer("bits"), frame("frames"), tag},
        false,
@@ -340,6 +320,19 @@ const std::vector<EditStep>& editSteps() {
     return all;
   }();
   return steps;
+}
+
+StepOutcome outcomeOf(FileOutcome outcome) {
+  switch (outcome) {
+    case FileOutcome::done:
+      return StepOutcome::done;
+    case FileOutcome::fileError:
+      return StepOutcome::fileError;
+    case FileOutcome::refused:
+    case FileOutcome::cancelled:
+      break;
+  }
+  return StepOutcome::refused;
 }
 
 StepOutcome runStep(EditSession& session, const EditStep& step, const StepArguments& arguments) {

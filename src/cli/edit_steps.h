@@ -18,7 +18,10 @@ struct EditSession {
   std::string output;           // for standard output
 };
 
-using StepArguments = Arguments;
+// The values of a step's parameters, and of which of them the call itself tells.
+struct StepArguments : Arguments {
+  std::vector<bool> given;
+};
 
 // One step of `edit`: its words and what it does. Steps that are commands of the command table carry the row.
 struct EditStep {
@@ -35,10 +38,15 @@ struct EditStep {
 // All steps: those of the command line alone, then every row of the command table.
 const std::vector<EditStep>& editSteps();
 
+// Opens a file.
+EditStep openStep();
+
 // Plays the document into a file.
 EditStep bounceStep();
 // The rack of plug-ins, but for `rack-apply`, which is a command.
 std::vector<EditStep> rackSteps();
+
+StepOutcome outcomeOf(FileOutcome outcome);
 
 StepOutcome runStep(EditSession& session, const EditStep& step, const StepArguments& arguments);
 

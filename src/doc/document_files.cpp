@@ -42,7 +42,7 @@ FileOutcome CPlumettaDoc::refuseUnknownContent(const std::string& path) {
 
 FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& options) {
   const BusyScope busy(prompter());
-  const Format* format = formatOfContent(services_.files, path);
+  const Format* format = options.raw ? &rawFormat() : formatOfContent(services_.files, path);
   if (format == nullptr) return refuseUnknownContent(path);
   LoadResult result;
   {

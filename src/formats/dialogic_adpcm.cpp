@@ -27,4 +27,24 @@ int DialogicAdpcm::decode(uint8_t code) {
   return predictor_;
 }
 
+uint8_t DialogicAdpcm::encode(int sample) {
+  int step = kSteps[static_cast<size_t>(stepIndex_)];
+  int difference = sample - predictor_;
+  uint8_t code = 0;
+  if (difference < 0) {
+    code = 8;
+    difference = -difference;
+  }
+  // One bit of the code for the step, its half and its quarter.
+  for (const uint8_t bit : {uint8_t{4}, uint8_t{2}, uint8_t{1}}) {
+    if (difference >= step) {
+      code |= bit;
+      difference -= step;
+    }
+    step >>= 1;
+  }
+  decode(code);  // goes on from what the decoder will have
+  return code;
+}
+
 }  // namespace plumetta

@@ -104,6 +104,8 @@ struct Format {
 const std::vector<Format>& formatTable();
 // The formats that the file may have by its content, the likeliest first.
 std::vector<const Format*> formatsOfContent(FileSystem& files, const std::string& path);
+// The row of files without a header, which OpenOptions::raw describes.
+const Format& rawFormat();
 // The format whose content the file has; null when nobody knows it.
 const Format* formatOfContent(FileSystem& files, const std::string& path);
 // The format that a name asks for when saving; null when none can write it.

@@ -5,8 +5,11 @@
 #include "formats/format.h"
 #include "formats/mp3_reader.h"
 #include "formats/mp3_writer.h"
+#include "formats/raw_file.h"
+#include "formats/s1000_file.h"
 #include "formats/sndfile_formats.h"
 #include "formats/vorbis_reader.h"
+#include "formats/vox_file.h"
 #include "formats/wav_reader.h"
 #include "formats/wav_writer.h"
 #include "formats/wavpack_reader.h"
@@ -48,6 +51,18 @@ LoadResult readVorbisFile(FileSystem& files, const std::string& path, const Open
 
 LoadResult readWavpackFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
   return loadWavpack(files, path, wave);
+}
+
+LoadResult readVoxFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
+  return loadVox(files, path, wave);
+}
+
+LoadResult readS1000File(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
+  return loadS1000(files, path, wave);
+}
+
+LoadResult readRawFile(FileSystem& files, const std::string& path, const OpenOptions& options, CWave& wave) {
+  return loadRaw(files, path, options.raw.value_or(RawLayout{}), wave);
 }
 
 SaveResult writeWavFile(FileSystem& files, const std::string& path, const CWave& wave,
@@ -105,8 +120,16 @@ const std::vector<Format>& formatTable() {
       {"FLAC audio", {"flac"}, probeFlac, readSndfile<kFlac>, writeSndfile<kFlac>, sndfileLosses<kFlac>},
       {"Opus audio", {"opus"}, probeOpus, readSndfile<kOpus>, writeSndfile<kOpus>, sndfileLosses<kOpus>},
       {"Ogg FLAC audio", {"oga"}, probeOggFlac, readSndfile<kOggFlac>, nullptr, nullptr},
+      {"Dialogic VOX audio", {"vox"}, probeVox, readVoxFile, saveVox, lossesOfVox},
+      {"S1000 sample", {"s", "s1"}, probeS1000, readS1000File, saveS1000, lossesOfS1000},
+      {"Raw samples", {"raw", "pcm", "bin"}, probeRaw, readRawFile, saveRaw, lossesOfRaw},
   };
   return table;
+}
+
+const Format& rawFormat() {
+  const auto& table = formatTable();
+  return *std::find_if(table.begin(), table.end(), [](const Format& f) { return f.read == readRawFile; });
 }
 
 std::vector<const Format*> formatsOfContent(FileSystem& files, const std::string& path) {

@@ -9,6 +9,8 @@ namespace {
 constexpr uint32_t kFallbackRate = 44100;
 // Compressed audio seldom has more frames a byte than this; silence, which does, makes its room as it comes.
 constexpr uint64_t kLikelyFramesPerByte = 256;
+// Bytes of samples that most files give for each of their own: so many are worth having ready.
+constexpr uint64_t kLikelyExpansion = 64;
 constexpr int64_t kFirstFrames = int64_t{1} << 16;
 
 }  // namespace
@@ -29,6 +31,8 @@ LoadResult FrameSink::begin(uint32_t sampleRate, int channels, int bits, uint16_
     result.warnings.push_back("The file names no sample rate: 44100 Hz is assumed.");
   }
   if (!wave_.create(sampleRate, channels, bits, capacity_, formatTag)) return LoadResult::outOfMemory();
+  const uint64_t expected = std::min<uint64_t>(fileBytes, kMaxFrames) * kLikelyExpansion;
+  pages_.emplace(wave_.samples(), std::min<uint64_t>(wave_.sampleCount() * sizeof(float), expected));
   return result;
 }
 
@@ -40,6 +44,7 @@ float* FrameSink::room(int64_t frames) {
       return nullptr;
     }
     const int64_t doubled = std::clamp<int64_t>(2 * capacity_, kFirstFrames, kMaxFrames);
+    pages_.reset();  // the block may move
     capacity_ = std::max(needed, doubled);
     if (!wave_.resize(capacity_, channels_)) {
       refusal_ = LoadResult::outOfMemory();
@@ -50,6 +55,7 @@ float* FrameSink::room(int64_t frames) {
 }
 
 void FrameSink::end() {
+  pages_.reset();
   if (frames_ < capacity_) wave_.resize(frames_, channels_);
   wave_.setLayout(channels_, static_cast<int32_t>(frames_));
 }

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "formats/format.h"
+#include "platform/pages_ahead.h"
 
 namespace plumetta {
 
@@ -32,6 +34,7 @@ class FrameSink {
   int64_t capacity_ = 0;
   int64_t frames_ = 0;
   LoadResult refusal_;
+  std::optional<PagesAhead> pages_;
 };
 
 }  // namespace plumetta

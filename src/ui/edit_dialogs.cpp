@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/edit_dialogs.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "ui/form_dialog.h"
+#include "ui/format_choices.h"
 #include "ui/number_text.h"
 #include "ui/text.h"
 
@@ -25,28 +27,6 @@ constexpr DepthChoice kEncodings[] = {{"8-bit PCM", 8, kFormatPcm},
                                       {"32-bit PCM", 32, kFormatPcm},
                                       {"32-bit float", 32, kFormatFloat}};
 constexpr int kEncodingCount = static_cast<int>(std::size(kEncodings));
-constexpr double kMaxRate = 4294967295.0;  // what the rate's 32-bit field holds
-
-wxArrayString commonRates() {
-  wxArrayString rates;
-  for (const char* rate :
-       {"8000", "11025", "16000", "22050", "32000", "44100", "48000", "88200", "96000", "176400", "192000"}) {
-    rates.Add(rate);
-  }
-  return rates;
-}
-
-wxArrayString channelCounts() {
-  wxArrayString counts;
-  counts.Add("1 (mono)");
-  counts.Add("2 (stereo)");
-  for (int i = 3; i <= kMaxChannels; ++i) counts.Add(wxString::Format("%d", i));
-  return counts;
-}
-
-int within(int value, int minimum, int maximum) {
-  return value < minimum ? minimum : value > maximum ? maximum : value;
-}
 
 // ---- Insert silence -------------------------------------------------------------------------------------
 
@@ -92,12 +72,12 @@ std::optional<NewFileChoice> askNewFile(wxWindow* parent, WindowProfile& profile
   FormDialog form(parent, "New file");
   wxComboBox* rate = form.addCombo("Sample rate", "Hz", toWx(profile.text(kNewFile, "Rate", "44100")),
                                    commonRates(), wholeNumberBetween(1, kMaxRate));
-  wxChoice* channels = form.addChoice("Channels", channelCounts(),
-                                      within(profile.integer(kNewFile, "Channels", 2), 1, kMaxChannels) - 1);
+  wxChoice* channels = form.addChoice(
+      "Channels", channelCounts(), std::clamp(profile.integer(kNewFile, "Channels", 2), 1, kMaxChannels) - 1);
   wxArrayString encodings;
   for (const DepthChoice& encoding : kEncodings) encodings.Add(encoding.name);
   wxChoice* encoding = form.addChoice(
-      "Samples", encodings, within(profile.integer(kNewFile, "Encoding", 1), 0, kEncodingCount - 1));
+      "Samples", encodings, std::clamp(profile.integer(kNewFile, "Encoding", 1), 0, kEncodingCount - 1));
   const auto checkLength = [rate](const std::string& text) -> std::string {
     const auto seconds = parseNumber(text);
     if (!seconds || *seconds < 0) return seconds ? "A length is never negative." : "This is not a number.";
@@ -143,7 +123,7 @@ std::optional<SilenceChoice> askSilence(wxWindow* parent, const CPlumettaDoc& do
 
 std::optional<int64_t> askPosition(wxWindow* parent, const CPlumettaDoc& doc, WindowProfile& profile) {
   FormDialog form(parent, "Go to");
-  const int unit = within(profile.integer(kGoTo, "Unit", 0), 0, 1);
+  const int unit = std::clamp(profile.integer(kGoTo, "Unit", 0), 0, 1);
   const double now = unit == 1 ? doc.view().cursor : doc.view().cursor / double(doc.wave().sampleRate());
   const auto field = form.addNumberWithUnits("Position", toWx(numberText(std::round(now * 1e6) / 1e6)),
                                              positionUnits(), unit, numberBetween(0, kMaxFrames));

@@ -11,6 +11,7 @@
 #include "ui/edit_dialogs.h"
 #include "ui/file_filters.h"
 #include "ui/mp3_rate_dialog.h"
+#include "ui/raw_dialog.h"
 #include "ui/save_question.h"
 #include "ui/text.h"
 
@@ -23,6 +24,13 @@ constexpr const char* kNoSelection = "Create selection first";
 std::string withoutExtension(const std::string& name) {
   const std::string extension = extensionOf(name);
   return extension.empty() ? name : name.substr(0, name.size() - extension.size() - 1);
+}
+
+// Whether nothing in the file tells how it is to be read. A file that can't be read at all is none of these.
+bool hasNoHeader(FileSystem& files, const std::string& path) {
+  if (const Format* format = formatOfContent(files, path)) return format == &rawFormat();
+  std::error_code error;
+  return files.openForReading(path, error) != nullptr;
 }
 
 std::string wavFilter() { return "WAV audio (*.wav)|*.wav"; }
@@ -56,17 +64,39 @@ void FileCommands::pasteFromSystem() {
   if (CPlumettaDoc* doc = app_.pasteFromSystemClipboard()) tabs_.add(*doc);
 }
 
-void FileCommands::open() {
+std::vector<std::string> FileCommands::askSources(const wxString& title, const std::string& filter) {
   const std::string folder = dialogFolder(app_.files(), app_.settings().files.sampleFolder);
-  wxFileDialog dialog(&parent_, "Open", toWx(folder), wxString(), toWx(openFilter(formatTable())),
+  wxFileDialog dialog(&parent_, title, toWx(folder), wxString(), toWx(filter),
                       wxFD_OPEN | wxFD_FILE_MUST_EXIST | wxFD_MULTIPLE);
-  if (dialog.ShowModal() != wxID_OK) return;
+  if (dialog.ShowModal() != wxID_OK) return {};
   wxArrayString chosen;
   dialog.GetPaths(chosen);
   std::vector<std::string> paths;
   for (const wxString& path : chosen) paths.push_back(fromWx(path));
   if (!paths.empty()) rememberFolder(folderOf(paths.front()));
-  openPaths(paths);
+  return paths;
+}
+
+void FileCommands::open() { openPaths(askSources("Open", openFilter(formatTable()))); }
+
+void FileCommands::openRaw() {
+  for (const std::string& path : askSources("Open as raw", "All files|*")) {
+    OpenOptions options;
+    if (askLayout(absolutePath(path), options)) openOne(absolutePath(path), options);
+  }
+}
+
+bool FileCommands::askLayout(const std::string& path, OpenOptions& options) {
+  options.raw = askRawLayout(&parent_, app_, path, profile_);
+  return options.raw.has_value();
+}
+
+void FileCommands::openOne(const std::string& path, const OpenOptions& options) {
+  FileOutcome outcome{};
+  CPlumettaDoc* doc = app_.openDocument(path, outcome, options);
+  if (doc == nullptr) return;  // the document has said why
+  tabs_.add(*doc);
+  recent_.add(path);
 }
 
 void FileCommands::openPaths(const std::vector<std::string>& paths) {
@@ -76,11 +106,9 @@ void FileCommands::openPaths(const std::vector<std::string>& paths) {
       tabs_.activate(*present);
       continue;
     }
-    FileOutcome outcome{};
-    CPlumettaDoc* doc = app_.openDocument(path, outcome);
-    if (doc == nullptr) continue;  // the document has said why
-    tabs_.add(*doc);
-    recent_.add(path);
+    OpenOptions options;
+    if (hasNoHeader(app_.files(), path) && !askLayout(path, options)) continue;
+    openOne(path, options);
   }
 }
 

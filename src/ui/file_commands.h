@@ -23,7 +23,10 @@ class FileCommands {
   void pasteAsNew();
   void pasteFromSystem();
   void open();
-  // Opens each; a file that is open already comes to the front, and one that fails doesn't stop the others.
+  // The same for files without a header, whatever is in them: asks how the samples stand in each.
+  void openRaw();
+  // Opens each, asking about those that have no header; a file that is open already comes to the front, and
+  // one that fails doesn't stop the others.
   void openPaths(const std::vector<std::string>& paths);
   // Keeps which files are open for the next start, and opens those of the last one that are still there.
   void storeOpenFiles();
@@ -50,6 +53,10 @@ class FileCommands {
   // How a file of this name is written: as it was chosen last or, with `ask`, as the person chooses now.
   // Nothing when the person cancelled.
   std::optional<SaveOptions> saveOptionsFor(const std::string& path, bool ask);
+  std::vector<std::string> askSources(const wxString& title, const std::string& filter);
+  // False when the person cancelled.
+  bool askLayout(const std::string& path, OpenOptions& options);
+  void openOne(const std::string& path, const OpenOptions& options);
   CPlumettaDoc* documentOf(const std::string& path) const;
   // Where a dialog that writes begins.
   std::string folderFor(const CPlumettaDoc* doc) const;

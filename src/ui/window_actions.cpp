@@ -84,6 +84,7 @@ MenuPlan MainFrame::fileMenu() {
       "&File",
       {{"new", "&New…", "Ctrl+N", "A new, silent file", [this] { files_.createNew(); }},
        {"open", "&Open…", "Ctrl+O", "Open audio files", [this] { files_.open(); }},
+       {"open-raw", "Open as ra&w…", "", "Open files that have no header", [this] { files_.openRaw(); }},
        recent,
        kSeparator,
        save,
