@@ -28,6 +28,7 @@ struct CliCommand {
 };
 
 int runEdit(const CallOptions& options, WordReader words);
+int runFormats(const CallOptions& options, WordReader words);
 int runInfo(const CallOptions& options, WordReader words);
 int runSpectrum(const CallOptions& options, WordReader words);
 int runStats(const CallOptions& options, WordReader words);

@@ -89,6 +89,9 @@ struct Format {
   // What a saved file would not hold of the buffer, each in a few words ("markers", "24 bits: 16 are kept");
   // null when it holds everything.
   std::vector<std::string> (*losses)(const CWave& wave);
+  std::vector<const char*> mimeTypes = {};  // as desktops register them, the usual one first
+  // A file gets one silent frame more where the buffer `needsEvenFrame`, and the buffer takes it over.
+  bool keepsSizeEven = false;
 
   bool hasExtension(const std::string& extension) const;
 };

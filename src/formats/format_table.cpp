@@ -4,6 +4,7 @@
 
 #include "formats/format.h"
 #include "formats/sndfile_formats.h"
+#include "formats/voc_file.h"
 #include "formats/wav_reader.h"
 #include "formats/wav_writer.h"
 #include "platform/paths.h"
@@ -28,13 +29,15 @@ bool Format::hasExtension(const std::string& extension) const {
 
 bool FileHead::has(size_t offset, std::string_view text) const {
   return bytes.size() >= offset + text.size() &&
-         std::equal(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+         std::equal(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset),
+                    [](char wanted, uint8_t present) { return static_cast<uint8_t>(wanted) == present; });
 }
 
 namespace {
 
-LoadResult readWavFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
-  return loadWav(files, path, wave);
+SaveResult writeRf64File(FileSystem& files, const std::string& path, const CWave& wave,
+                         const SaveOptions& options) {
+  return saveRf64(files, path, wave, options.sync);
 }
 
 SaveResult writeWavFile(FileSystem& files, const std::string& path, const CWave& wave,
@@ -55,32 +58,74 @@ std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
 
 const std::vector<Format>& formatTable() {
   static const std::vector<Format> table{
-      {"WAV audio", {"wav", "wave"}, probeWav, readWavFile, writeWavFile, nullptr},
+      {"WAV audio",
+       {"wav", "wave"},
+       probeWav,
+       loadWav,
+       writeWavFile,
+       nullptr,
+       {"audio/x-wav", "audio/wav", "audio/vnd.wave"},
+       true},
+      {"RF64 audio", {"rf64"}, probeRf64, loadWav, writeRf64File, nullptr, {"audio/x-rf64"}, true},
       {"AIFF audio",
        {"aiff", "aif", "aifc"},
        probeAiff,
        readSndfile<kAiff>,
        writeSndfile<kAiff>,
-       sndfileLosses<kAiff>},
+       sndfileLosses<kAiff>,
+       {"audio/x-aiff", "audio/aiff", "audio/x-aifc"},
+       true},
       {"Amiga IFF audio",
        {"iff", "8svx", "16sv", "svx"},
        probeAmigaIff,
        readSndfile<kAmigaIff>,
        writeSndfile<kAmigaIff>,
-       sndfileLosses<kAmigaIff>},
-      {"Sun/NeXT audio", {"au", "snd"}, probeAu, readSndfile<kAu>, writeSndfile<kAu>, sndfileLosses<kAu>},
-      {"Creative VOC audio", {"voc"}, probeVoc, readSndfile<kVoc>, writeSndfile<kVoc>, sndfileLosses<kVoc>},
-      {"CAF audio", {"caf"}, probeCaf, readSndfile<kCaf>, writeSndfile<kCaf>, sndfileLosses<kCaf>},
-      {"Wave64 audio", {"w64"}, probeW64, readSndfile<kW64>, writeSndfile<kW64>, sndfileLosses<kW64>},
-      {"FLAC audio", {"flac"}, probeFlac, readSndfile<kFlac>, writeSndfile<kFlac>, sndfileLosses<kFlac>},
+       sndfileLosses<kAmigaIff>,
+       {"audio/x-8svx"}},
+      {"Sun/NeXT audio",
+       {"au", "snd"},
+       probeAu,
+       readSndfile<kAu>,
+       writeSndfile<kAu>,
+       sndfileLosses<kAu>,
+       {"audio/basic"}},
+      {"Creative VOC audio", {"voc"}, probeVoc, loadVoc, saveVoc, sndfileLosses<kVoc>, {"audio/x-voc"}},
+      {"CAF audio",
+       {"caf"},
+       probeCaf,
+       readSndfile<kCaf>,
+       writeSndfile<kCaf>,
+       sndfileLosses<kCaf>,
+       {"audio/x-caf"}},
+      {"Wave64 audio",
+       {"w64"},
+       probeW64,
+       readSndfile<kW64>,
+       writeSndfile<kW64>,
+       sndfileLosses<kW64>,
+       {"audio/x-w64"}},
+      {"FLAC audio",
+       {"flac"},
+       probeFlac,
+       readSndfile<kFlac>,
+       writeSndfile<kFlac>,
+       sndfileLosses<kFlac>,
+       {"audio/flac"}},
       {"Ogg Vorbis audio",
        {"ogg", "oga"},
        probeVorbis,
        nullptr,
        writeSndfile<kVorbis>,
-       sndfileLosses<kVorbis>},
-      {"Opus audio", {"opus"}, probeOpus, readSndfile<kOpus>, writeSndfile<kOpus>, sndfileLosses<kOpus>},
-      {"Ogg FLAC audio", {"oga"}, probeOggFlac, readSndfile<kOggFlac>, nullptr, nullptr},
+       sndfileLosses<kVorbis>,
+       {"audio/ogg", "audio/x-vorbis+ogg"}},
+      {"Opus audio",
+       {"opus"},
+       probeOpus,
+       readSndfile<kOpus>,
+       writeSndfile<kOpus>,
+       sndfileLosses<kOpus>,
+       {"audio/x-opus+ogg"}},
+      {"Ogg FLAC audio", {"oga"}, probeOggFlac, loadOggFlac, nullptr, nullptr, {"audio/x-flac+ogg"}},
   };
   return table;
 }

@@ -5,6 +5,7 @@
 #include <wx/filename.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "core/regions.h"
 #include "platform/paths.h"
@@ -69,14 +70,20 @@ void FileCommands::open() {
 }
 
 void FileCommands::openPaths(const std::vector<std::string>& paths) {
-  for (const std::string& given : paths) {
-    const std::string path = absolutePath(given);
+  // One progress for all of them.
+  const int count = static_cast<int>(paths.size());
+  std::optional<ProgressScope> several;
+  if (count > 1) several.emplace(app_.prompter(), "Opening " + std::to_string(count) + " files");
+  for (int i = 0; i < count; ++i) {
+    if (several && !app_.prompter().progressPart(i, count)) return;
+    const std::string path = absolutePath(paths[static_cast<size_t>(i)]);
     if (CPlumettaDoc* present = documentOf(path)) {
       tabs_.activate(*present);
       continue;
     }
     FileOutcome outcome{};
     CPlumettaDoc* doc = app_.openDocument(path, outcome);
+    if (outcome == FileOutcome::cancelled) return;
     if (doc == nullptr) continue;  // the document has said why
     tabs_.add(*doc);
     recent_.add(path);

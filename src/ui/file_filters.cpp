@@ -29,7 +29,7 @@ std::string openFilter(const std::vector<Format>& formats) {
     all += patterns(format, ";");
     each += filterOf(format) + "|";
   }
-  return "All audio files|" + all + "|" + each + "All files|*";
+  return "All known media files|" + all + "|" + each + "All files|*";
 }
 
 std::string saveFilter(const std::vector<const Format*>& writable) {

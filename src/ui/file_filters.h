@@ -10,7 +10,7 @@ namespace plumetta {
 
 // Filters of file dialogs, read off the format table: "NAME (*.a, *.b)|*.a;*.b|..." each.
 
-// "All audio files", each format that can be read, "All files".
+// "All known media files", each format that can be read, "All files".
 std::string openFilter(const std::vector<Format>& formats);
 // The formats that can be written.
 std::string saveFilter(const std::vector<const Format*>& writable);

@@ -59,7 +59,9 @@ class MemoryFileSystem : public FileSystem {
       return part;
     }
     std::error_code write(const void* source, size_t bytes) override {
-      bytes_.append(static_cast<const char*>(source), bytes);
+      if (bytes_.size() < position_ + bytes) bytes_.resize(position_ + bytes);
+      std::memcpy(bytes_.data() + position_, source, bytes);
+      position_ += bytes;
       return {};
     }
     std::error_code seek(uint64_t offset) override {

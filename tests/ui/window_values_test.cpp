@@ -43,7 +43,7 @@ TEST(FileFilters, AreReadOffTheFormats) {
                                     {"Beta", {"b"}, probe, read, nullptr},
                                     {"Gamma", {"g"}, probe, nullptr, write}};
   EXPECT_EQ(openFilter(formats),
-            "All audio files|*.a;*.al;*.b|Alpha (*.a, *.al)|*.a;*.al|Beta (*.b)|*.b|All files|*");
+            "All known media files|*.a;*.al;*.b|Alpha (*.a, *.al)|*.a;*.al|Beta (*.b)|*.b|All files|*");
   const auto writable = writableFormats(formats);
   EXPECT_EQ(saveFilter(writable), "Alpha (*.a, *.al)|*.a;*.al|Gamma (*.g)|*.g");
   EXPECT_EQ(filterIndexOf(writable, "x.G"), 1);
