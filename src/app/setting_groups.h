@@ -20,6 +20,7 @@ struct FileSettings {
   bool reopenFiles = true;                    // at start, those of last time
   int reopenedFiles = 12;                     // no more of them than this
   bool askToSave = true;                      // before a changed file is closed
+  bool askOfLosses = true;                    // before a save drops what its format can't hold
 };
 
 struct DisplaySettings {

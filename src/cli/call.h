@@ -30,6 +30,7 @@ struct CliCommand {
 int runAsio(const CallOptions& options, WordReader words);
 int runBatch(const CallOptions& options, WordReader words);
 int runEdit(const CallOptions& options, WordReader words);
+int runFormats(const CallOptions& options, WordReader words);
 int runInfo(const CallOptions& options, WordReader words);
 int runSpectrum(const CallOptions& options, WordReader words);
 int runStats(const CallOptions& options, WordReader words);

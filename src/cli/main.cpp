@@ -13,6 +13,7 @@ namespace {
 constexpr CliCommand kCommands[] = {
     {"edit", "edit STEP [ARG...] STEP [ARG...] ...", "a chain of steps on documents", runEdit},
     {"info", "info FILE... [--json]", "what files hold", runInfo},
+    {"formats", "formats [--json]", "the sound files that can be read and written", runFormats},
     {"stats", "stats FILE [--select FROM TO] [--no-levels] [--out FILE]", "the statistics report of a file",
      runStats},
     {"batch",

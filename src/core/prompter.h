@@ -23,6 +23,15 @@ class Prompter {
   // Long work begins; what it gives back is reported to until `endProgress`. `title` says what is being done.
   virtual WaveProgress beginProgress(const std::string& title) = 0;
   virtual void endProgress() = 0;
+  // The progress under way has equal parts, of which so many are done; what is begun inside of it reports the
+  // next one. False once the person has asked to stop.
+  virtual bool progressPart(int /*done*/, int /*all*/) { return true; }
+  // `text` says what is about to be lost: true to go on all the same. Who has been told may choose not to be
+  // asked again.
+  virtual bool confirmLoss(const std::string& text) {
+    message(text);
+    return true;
+  }
 };
 
 // Shows the wait cursor while it lives.

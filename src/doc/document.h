@@ -114,6 +114,7 @@ class CPlumettaDoc : public DisplayState, public PlaybackSource {
   FileOutcome writeWithProgress(const std::string& path, const std::string& title,
                                 const std::function<SaveResult()>& write);
   FileOutcome refuseUnknownContent(const std::string& path);
+  bool confirmLosses(const Format& format, const std::string& path);
 
   DocumentServices& services_;
   CWave wave_;
@@ -123,6 +124,8 @@ class CPlumettaDoc : public DisplayState, public PlaybackSource {
   bool peaksStale_ = true;
   std::string title_ = kUntitled;
   bool modified_ = false;
+  std::vector<std::string> textKinds_;          // text information of the file that isn't kept
+  std::vector<const Format*> formatsOfLosses_;  // the person has been told what these lose
   DocumentListener* listener_ = nullptr;
 };
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Opening, saving and exporting: the part of a document that meets files and tells the person how it went.
+#include <algorithm>
+
 #include "doc/document.h"
 #include "doc/spectrum_file.h"
 #include "dsp/statistics.h"
@@ -40,7 +42,9 @@ FileOutcome CPlumettaDoc::refuseUnknownContent(const std::string& path) {
   return FileOutcome::fileError;
 }
 
-FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& options) {
+FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& given) {
+  OpenOptions options = given;
+  options.keepForeignChunks = options.keepForeignChunks || services_.settings.keepForeignChunks;
   const BusyScope busy(prompter());
   const Format* format = options.raw ? &rawFormat() : formatOfContent(services_.files, path);
   if (format == nullptr) return refuseUnknownContent(path);
@@ -54,6 +58,7 @@ FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& optio
     prompter().message(result.reasonIsMessage ? result.reason : unableTo("open", path, result.reason));
     return FileOutcome::fileError;
   }
+  textKinds_ = std::move(result.textKinds);
   view_ = {};
   tellPlayback();
   setTitle(fileNameOf(path));
@@ -85,11 +90,30 @@ FileOutcome CPlumettaDoc::writeWithProgress(const std::string& path, const std::
   return report(result, path);
 }
 
+// Tells what a file of this format will not hold, once a document and format; false when the person would
+// rather not save.
+bool CPlumettaDoc::confirmLosses(const Format& format, const std::string& path) {
+  if (std::ranges::count(formatsOfLosses_, &format) > 0) return true;
+  std::vector<std::string> lost;
+  if (format.losses != nullptr) lost = format.losses(wave_);
+  for (const std::string& kind : textKinds_) lost.push_back("text information (" + kind + ")");
+  if (lost.empty()) return true;
+  std::string list;
+  for (const std::string& one : lost) list += (list.empty() ? "" : ", ") + one;
+  if (!prompter().confirmLoss("Saving " + fileNameOf(path) + " as " + format.name +
+                              " does not keep: " + list)) {
+    return false;
+  }
+  formatsOfLosses_.push_back(&format);
+  return true;
+}
+
 FileOutcome CPlumettaDoc::save(const std::string& path, const SaveOptions& options) {
   const Format* format = writableFormatOfName(path);
   if (format == nullptr) {
     return report(SaveResult::failure("The extension names no format that can be written."), path);
   }
+  if (!confirmLosses(*format, path)) return FileOutcome::cancelled;
   bool addedEvenFrame = false;
   const auto outcome = writeWithProgress(path, "Saving " + fileNameOf(path), [&] {
     const SaveResult result = format->write(services_.files, path, wave_, options);
@@ -101,6 +125,7 @@ FileOutcome CPlumettaDoc::save(const std::string& path, const SaveOptions& optio
     const AudioLockHeld lock(services_.audioLock);
     wave_.appendEvenFrame();
   }
+  textKinds_.clear();  // the file that the document stands for has none now
   wave_.setFileName(path);
   setTitle(fileNameOf(path));
   setModified(false);

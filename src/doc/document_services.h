@@ -35,6 +35,7 @@ class HistoryList {
 struct EditSettings {
   bool undoInRam = true;
   bool pasteReplace = true;
+  bool keepForeignChunks = false;  // of WAV files that are opened
 };
 
 // What all documents of the application share; owned by the application, which outlives them.

@@ -89,13 +89,15 @@ struct Format {
   const char* name;                     // as dialogs show it
   std::vector<const char*> extensions;  // lower case, the usual one first
   Likeness (*probe)(const FileHead& head);
-  LoadResult (*read)(FileSystem& files, const std::string& path, const OpenOptions& options, CWave& wave);
+  LoadResult (*read)(FileSystem& files, const std::string& path, const OpenOptions& options,
+                     CWave& wave) = nullptr;
   SaveResult (*write)(FileSystem& files, const std::string& path, const CWave& wave,
-                      const SaveOptions& options);
+                      const SaveOptions& options) = nullptr;
   // What a saved file would not hold of the buffer, each in a few words ("markers", "24 bits: 16 are kept");
   // null when it holds everything.
-  std::vector<std::string> (*losses)(const CWave& wave);
-  bool hasBitRate = false;  // a person chooses SaveOptions::bitRateKbits
+  std::vector<std::string> (*losses)(const CWave& wave) = nullptr;
+  std::vector<const char*> mimeTypes = {};  // as desktops register them, the usual one first
+  bool hasBitRate = false;                  // a person chooses SaveOptions::bitRateKbits
 
   bool hasExtension(const std::string& extension) const;
 };

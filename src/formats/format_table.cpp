@@ -8,6 +8,7 @@
 #include "formats/raw_file.h"
 #include "formats/s1000_file.h"
 #include "formats/sndfile_formats.h"
+#include "formats/voc_file.h"
 #include "formats/vorbis_reader.h"
 #include "formats/vox_file.h"
 #include "formats/wav_reader.h"
@@ -35,13 +36,14 @@ bool Format::hasExtension(const std::string& extension) const {
 
 bool FileHead::has(size_t offset, std::string_view text) const {
   return bytes.size() >= offset + text.size() &&
-         std::equal(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+         std::equal(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset),
+                    [](char wanted, uint8_t present) { return static_cast<uint8_t>(wanted) == present; });
 }
 
 namespace {
 
-LoadResult readWavFile(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
-  LoadResult result = loadWav(files, path, wave);
+LoadResult readWavFile(FileSystem& files, const std::string& path, const OpenOptions& options, CWave& wave) {
+  LoadResult result = loadWav(files, path, options, wave);
   return result.status == LoadStatus::mpegInside ? loadMp3(files, path, wave) : result;
 }
 
@@ -63,6 +65,11 @@ LoadResult readS1000File(FileSystem& files, const std::string& path, const OpenO
 
 LoadResult readRawFile(FileSystem& files, const std::string& path, const OpenOptions& options, CWave& wave) {
   return loadRaw(files, path, options.raw.value_or(RawLayout{}), wave);
+}
+
+SaveResult writeRf64File(FileSystem& files, const std::string& path, const CWave& wave,
+                         const SaveOptions& options) {
+  return saveRf64(files, path, wave, options.sync);
 }
 
 SaveResult writeWavFile(FileSystem& files, const std::string& path, const CWave& wave,
@@ -92,37 +99,119 @@ std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
 
 const std::vector<Format>& formatTable() {
   static const std::vector<Format> table{
-      {"WAV audio", {"wav", "wave"}, probeWav, readWavFile, writeWavFile, nullptr},
-      {"MP3 audio", {"mp3"}, probeMp3, readMp3File, writeMp3File, lossesOfMp3, true},
-      {"Ogg Vorbis audio",
-       {"ogg", "oga"},
-       probeVorbis,
-       readVorbisFile,
-       writeSndfile<kVorbis>,
-       sndfileLosses<kVorbis>},
-      {"WavPack audio", {"wv"}, probeWavpack, readWavpackFile, nullptr, nullptr},
-      {"AIFF audio",
-       {"aiff", "aif", "aifc"},
-       probeAiff,
-       readSndfile<kAiff>,
-       writeSndfile<kAiff>,
-       sndfileLosses<kAiff>},
-      {"Amiga IFF audio",
-       {"iff", "8svx", "16sv", "svx"},
-       probeAmigaIff,
-       readSndfile<kAmigaIff>,
-       writeSndfile<kAmigaIff>,
-       sndfileLosses<kAmigaIff>},
-      {"Sun/NeXT audio", {"au", "snd"}, probeAu, readSndfile<kAu>, writeSndfile<kAu>, sndfileLosses<kAu>},
-      {"Creative VOC audio", {"voc"}, probeVoc, readSndfile<kVoc>, writeSndfile<kVoc>, sndfileLosses<kVoc>},
-      {"CAF audio", {"caf"}, probeCaf, readSndfile<kCaf>, writeSndfile<kCaf>, sndfileLosses<kCaf>},
-      {"Wave64 audio", {"w64"}, probeW64, readSndfile<kW64>, writeSndfile<kW64>, sndfileLosses<kW64>},
-      {"FLAC audio", {"flac"}, probeFlac, readSndfile<kFlac>, writeSndfile<kFlac>, sndfileLosses<kFlac>},
-      {"Opus audio", {"opus"}, probeOpus, readSndfile<kOpus>, writeSndfile<kOpus>, sndfileLosses<kOpus>},
-      {"Ogg FLAC audio", {"oga"}, probeOggFlac, readSndfile<kOggFlac>, nullptr, nullptr},
-      {"Dialogic VOX audio", {"vox"}, probeVox, readVoxFile, saveVox, lossesOfVox},
-      {"S1000 sample", {"s", "s1"}, probeS1000, readS1000File, saveS1000, lossesOfS1000},
-      {"Raw samples", {"raw", "pcm", "bin"}, probeRaw, readRawFile, saveRaw, lossesOfRaw},
+      {.name = "WAV audio",
+       .extensions = {"wav", "wave"},
+       .probe = probeWav,
+       .read = readWavFile,
+       .write = writeWavFile,
+       .mimeTypes = {"audio/x-wav", "audio/wav", "audio/vnd.wave"}},
+      {.name = "MP3 audio",
+       .extensions = {"mp3"},
+       .probe = probeMp3,
+       .read = readMp3File,
+       .write = writeMp3File,
+       .losses = lossesOfMp3,
+       .mimeTypes = {"audio/mpeg"},
+       .hasBitRate = true},
+      {.name = "Ogg Vorbis audio",
+       .extensions = {"ogg", "oga"},
+       .probe = probeVorbis,
+       .read = readVorbisFile,
+       .write = writeSndfile<kVorbis>,
+       .losses = sndfileLosses<kVorbis>,
+       .mimeTypes = {"audio/ogg", "audio/x-vorbis+ogg"}},
+      {.name = "WavPack audio",
+       .extensions = {"wv"},
+       .probe = probeWavpack,
+       .read = readWavpackFile,
+       .mimeTypes = {"audio/x-wavpack"}},
+      {.name = "RF64 audio",
+       .extensions = {"rf64"},
+       .probe = probeRf64,
+       .read = readWavFile,
+       .write = writeRf64File,
+       .mimeTypes = {"audio/x-rf64"}},
+      {.name = "AIFF audio",
+       .extensions = {"aiff", "aif", "aifc"},
+       .probe = probeAiff,
+       .read = readSndfile<kAiff>,
+       .write = writeSndfile<kAiff>,
+       .losses = sndfileLosses<kAiff>,
+       .mimeTypes = {"audio/x-aiff", "audio/aiff", "audio/x-aifc"}},
+      {.name = "Amiga IFF audio",
+       .extensions = {"iff", "8svx", "16sv", "svx"},
+       .probe = probeAmigaIff,
+       .read = readSndfile<kAmigaIff>,
+       .write = writeSndfile<kAmigaIff>,
+       .losses = sndfileLosses<kAmigaIff>,
+       .mimeTypes = {"audio/x-8svx"}},
+      {.name = "Sun/NeXT audio",
+       .extensions = {"au", "snd"},
+       .probe = probeAu,
+       .read = readSndfile<kAu>,
+       .write = writeSndfile<kAu>,
+       .losses = sndfileLosses<kAu>,
+       .mimeTypes = {"audio/basic"}},
+      {.name = "Creative VOC audio",
+       .extensions = {"voc"},
+       .probe = probeVoc,
+       .read = loadVoc,
+       .write = saveVoc,
+       .losses = sndfileLosses<kVoc>,
+       .mimeTypes = {"audio/x-voc"}},
+      {.name = "CAF audio",
+       .extensions = {"caf"},
+       .probe = probeCaf,
+       .read = readSndfile<kCaf>,
+       .write = writeSndfile<kCaf>,
+       .losses = sndfileLosses<kCaf>,
+       .mimeTypes = {"audio/x-caf"}},
+      {.name = "Wave64 audio",
+       .extensions = {"w64"},
+       .probe = probeW64,
+       .read = readSndfile<kW64>,
+       .write = writeSndfile<kW64>,
+       .losses = sndfileLosses<kW64>,
+       .mimeTypes = {"audio/x-w64"}},
+      {.name = "FLAC audio",
+       .extensions = {"flac"},
+       .probe = probeFlac,
+       .read = readSndfile<kFlac>,
+       .write = writeSndfile<kFlac>,
+       .losses = sndfileLosses<kFlac>,
+       .mimeTypes = {"audio/flac"}},
+      {.name = "Opus audio",
+       .extensions = {"opus"},
+       .probe = probeOpus,
+       .read = readSndfile<kOpus>,
+       .write = writeSndfile<kOpus>,
+       .losses = sndfileLosses<kOpus>,
+       .mimeTypes = {"audio/x-opus+ogg"}},
+      {.name = "Ogg FLAC audio",
+       .extensions = {"oga"},
+       .probe = probeOggFlac,
+       .read = loadOggFlac,
+       .mimeTypes = {"audio/x-flac+ogg"}},
+      {.name = "Dialogic VOX audio",
+       .extensions = {"vox"},
+       .probe = probeVox,
+       .read = readVoxFile,
+       .write = saveVox,
+       .losses = lossesOfVox,
+       .mimeTypes = {"audio/x-dialogic-vox"}},
+      {.name = "S1000 sample",
+       .extensions = {"s", "s1"},
+       .probe = probeS1000,
+       .read = readS1000File,
+       .write = saveS1000,
+       .losses = lossesOfS1000,
+       .mimeTypes = {"audio/x-s1000-sample"}},
+      {.name = "Raw samples",
+       .extensions = {"raw", "pcm", "bin"},
+       .probe = probeRaw,
+       .read = readRawFile,
+       .write = saveRaw,
+       .losses = lossesOfRaw},
   };
   return table;
 }

@@ -9,6 +9,8 @@ namespace plumetta {
 // Fills the buffer through libsndfile, samples by the scales of sample_codec.h: the same sound gives the same
 // floats whichever container it comes from.
 LoadResult loadSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, CWave& wave);
+// An Ogg stream of FLAC, which the library only knows without the Ogg around it.
+LoadResult loadOggFlac(FileSystem& files, const std::string& path, const OpenOptions& options, CWave& wave);
 SaveResult saveSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, const CWave& wave,
                        const SaveOptions& options);
 

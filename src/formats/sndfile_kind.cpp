@@ -16,7 +16,6 @@ namespace {
 constexpr uint64_t kFourGiB = uint64_t{1} << 32;
 constexpr uint64_t kHeaderRoom = uint64_t{1} << 20;  // of a file whose whole size is a 32-bit field
 constexpr uint64_t kAnyBytes = std::numeric_limits<uint64_t>::max();
-constexpr uint64_t kVocBlockBytes = (1 << 24) - 16;  // a block's size has 24 bits
 constexpr uint32_t kAnyRate = std::numeric_limits<int32_t>::max();
 constexpr uint32_t kAmigaRate = 65535;  // a field of 16 bits
 constexpr uint32_t kFlacRate = 655350;
@@ -55,15 +54,6 @@ std::string opusRefusal(const CWave& wave) {
   }
   return "Opus holds 8000, 12000, 16000, 24000 or 48000 Hz, and this file has " +
          std::to_string(wave.sampleRate()) + " Hz: resample it first.";
-}
-
-// From 8 bits on, a block of the oldest kind names the sample rate as whole microseconds a frame.
-std::string vocRefusal(const CWave& wave) {
-  if (wave.bitsPerSample() != 8 || wave.formatTag() != kFormatPcm) return {};
-  const uint32_t rate = wave.sampleRate();
-  const uint32_t microseconds = rate > 0 ? 1000000 / rate : 0;
-  if (microseconds > 0 && microseconds <= 256 && 1000000 / microseconds == rate) return {};
-  return "Creative VOC can't name " + std::to_string(rate) + " Hz at 8 bits: use 16 bits.";
 }
 
 const StoredEncoding* encodingOf(const SndfileKind& kind, Encoding encoding) {
@@ -115,7 +105,8 @@ const SndfileKind kAiff{.name = "AIFF",
                         .writeAnnotations = writeAiffAnnotations,
                         .mostMarkers = kMostChunkMarkers,
                         .mostLoops = 2,
-                        .longestLabel = kLongestAiffLabel};
+                        .longestLabel = kLongestAiffLabel,
+                        .keepsSizeEven = true};
 const SndfileKind kAmigaIff{.name = "Amiga IFF",
                             .container = SF_FORMAT_SVX,
                             .mostChannels = 1,
@@ -133,15 +124,14 @@ const SndfileKind kAu{.name = "Sun/NeXT AU",
                       .encodings = everyWidth(kSignedEight),
                       .textKind = "annotation",
                       .claimedBytes = auBytes};
-const SndfileKind kVoc{.name = "Creative VOC",
-                       .container = SF_FORMAT_VOC,
-                       .mostChannels = 2,
-                       .mostBytes = kVocBlockBytes,
-                       .mostRate = kAnyRate,
-                       .encodings = kVocEncodings,
-                       .textKind = "text blocks",
-                       .claimedBytes = vocBytes,
-                       .refusal = vocRefusal};
+const SndfileKind kVoc{
+    .name = "Creative VOC",
+    .container = SF_FORMAT_VOC,
+    .mostChannels = 2,
+    .mostBytes = kAnyBytes,
+    .mostRate = kAnyRate,
+    .encodings = kVocEncodings,
+};
 const SndfileKind kCaf{.name = "CAF",
                        .container = SF_FORMAT_CAF,
                        .mostChannels = kMaxChannels,
@@ -152,7 +142,8 @@ const SndfileKind kCaf{.name = "CAF",
                        .claimedBytes = cafBytes,
                        .readAnnotations = readCafMarkers,
                        .writeAnnotations = writeCafMarkers,
-                       .mostMarkers = kMostChunkMarkers};
+                       .mostMarkers = kMostChunkMarkers,
+                       .refusesTruncated = true};
 const SndfileKind kW64{.name = "Wave64",
                        .container = SF_FORMAT_W64,
                        .mostChannels = kMaxChannels,
@@ -167,13 +158,6 @@ const SndfileKind kFlac{.name = "FLAC",
                         .mostRate = kFlacRate,
                         .encodings = kFlacEncodings,
                         .textKind = "Vorbis comments"};
-const SndfileKind kOggFlac{.name = "Ogg FLAC",
-                           .container = SF_FORMAT_OGG,
-                           .mostChannels = 8,
-                           .mostBytes = kAnyBytes,
-                           .mostRate = kFlacRate,
-                           .encodings = {},
-                           .textKind = "Vorbis comments"};
 const SndfileKind kOpus{.name = "Opus",
                         .container = SF_FORMAT_OGG,
                         .mostChannels = 8,
@@ -210,8 +194,7 @@ std::string refusalOf(const SndfileKind& kind, const CWave& wave) {
   }
   if (wave.sampleRate() > kind.mostRate) return holds + std::to_string(kind.mostRate) + " Hz.";
   if (sampleBytes(kind, wave) > kind.mostBytes) {
-    return "The audio is too long for " + std::string(kind.name) + ", which holds " +
-           (kind.mostBytes == kVocBlockBytes ? "16 MiB" : "4 GiB") + " at most.";
+    return "The audio is too long for " + std::string(kind.name) + ", which holds 4 GiB at most.";
   }
   return kind.refusal != nullptr ? kind.refusal(wave) : std::string();
 }

@@ -42,11 +42,15 @@ struct SndfileKind {
   std::string (*refusal)(const CWave& wave) = nullptr;
   // Stereo is stored as all of the left channel, then all of the right one.
   bool planar = false;
+  // One silent frame more where the buffer `needsEvenFrame`: the library would count the pad byte for sound.
+  bool keepsSizeEven = false;
+  // The library refuses a truncated file that it is told the true length of.
+  bool refusesTruncated = false;
   // The encoding is chosen by bit rate; see SaveOptions.
   bool hasBitRate = false;
 };
 
-extern const SndfileKind kAiff, kAmigaIff, kAu, kVoc, kCaf, kW64, kFlac, kOggFlac, kOpus, kVorbis;
+extern const SndfileKind kAiff, kAmigaIff, kAu, kVoc, kCaf, kW64, kFlac, kOpus, kVorbis;
 
 // How a buffer is stored in such a file: as it is, or the widest way below that there is.
 StoredEncoding storedEncoding(const SndfileKind& kind, const CWave& wave);

@@ -80,12 +80,6 @@ uint64_t auBytes(const FileHead& head) {
   return size == 0 || size == kUnknownSize32 ? 0 : number(head, 4, 4, big) + size;
 }
 
-uint64_t vocBytes(const FileHead& head) {
-  const uint64_t block = number(head, 20, 2, false);
-  const uint64_t size = number(head, block + 1, 3, false);
-  return size == 0 ? 0 : block + 4 + size;
-}
-
 uint64_t cafBytes(const FileHead& head) {
   constexpr uint64_t kFileHeader = 8, kChunkHeader = 12;
   for (uint64_t chunk = kFileHeader; chunk + kChunkHeader <= head.bytes.size();) {

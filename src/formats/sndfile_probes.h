@@ -22,7 +22,6 @@ Likeness probeOpus(const FileHead& head);
 // where the header doesn't tell.
 uint64_t formBytes(const FileHead& head);
 uint64_t auBytes(const FileHead& head);
-uint64_t vocBytes(const FileHead& head);
 uint64_t cafBytes(const FileHead& head);
 uint64_t w64Bytes(const FileHead& head);
 

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
+#include <optional>
 
 #include "formats/frame_sink.h"
+#include "formats/ogg_pages.h"
+#include "formats/segmented_file.h"
 #include "formats/sndfile_formats.h"
 #include "formats/sndfile_stream.h"
 
@@ -170,13 +173,16 @@ bool hasText(SNDFILE& sound) {
   return false;
 }
 
-bool isTruncated(const SndfileKind& kind, InputStream& in) {
-  if (kind.claimedBytes == nullptr) return false;
+// How long the file says that it is, where that is more than it has.
+std::optional<uint64_t> lengthBeforeTruncation(const SndfileKind& kind, InputStream& in) {
+  if (kind.claimedBytes == nullptr) return std::nullopt;
   FileHead head{std::vector<uint8_t>(FileHead::kBytes), in.size(), {}};
   in.seek(0);
   head.bytes.resize(in.read(head.bytes.data(), head.bytes.size()));
   in.seek(0);
-  return kind.claimedBytes(head) > head.size + 1;  // some programs count a pad byte that they leave out
+  const uint64_t claimed = kind.claimedBytes(head);
+  // Some programs count a pad byte that they leave out.
+  return claimed > head.size + 1 ? std::optional(claimed) : std::nullopt;
 }
 
 LoadResult readOpened(const Load& load) {
@@ -198,26 +204,43 @@ LoadResult readOpened(const Load& load) {
   return result;
 }
 
-}  // namespace
-
-LoadResult loadSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, CWave& wave) {
-  std::error_code error;
-  const auto file = files.openForReading(path, error);
-  if (!file) return LoadResult::failure(error.message());
-  InputStream in(*file);
-  const bool truncated = isTruncated(kind, in);
+LoadResult loadOpened(const SndfileKind& kind, File& file, CWave& wave) {
+  InputStream in(file);
+  const auto longer = lengthBeforeTruncation(kind, in);
+  SndfileInput input(in, kind.refusesTruncated && longer ? *longer : in.size());
   SF_INFO info{};
-  const SndfilePointer sound = openSndfile(in, info);
+  const SndfilePointer sound = input.open(info);
   if (!sound) {
     return LoadResult::failure("This " + std::string(kind.name) +
                                " file is damaged or of a kind that is not " +
                                "supported: " + sf_strerror(nullptr));
   }
   LoadResult result = readOpened({kind, in, *sound, info, wave});
-  wave.setFileName(path);
-  if (truncated && result.status == LoadStatus::loaded && result.warnings.empty()) {
+  if (longer && result.status == LoadStatus::loaded && result.warnings.empty()) {
     result.warnings.push_back("The file is truncated: only the audio that is there was loaded.");
   }
+  return result;
+}
+
+}  // namespace
+
+LoadResult loadSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, CWave& wave) {
+  std::error_code error;
+  const auto file = files.openForReading(path, error);
+  if (!file) return LoadResult::failure(error.message());
+  LoadResult result = loadOpened(kind, *file, wave);
+  wave.setFileName(path);
+  return result;
+}
+
+LoadResult loadOggFlac(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
+  std::error_code error;
+  const auto file = files.openForReading(path, error);
+  if (!file) return LoadResult::failure(error.message());
+  InputStream in(*file);
+  SegmentedFile stream(*file, flacSegmentsOfOgg(in));
+  LoadResult result = loadOpened(kFlac, stream, wave);
+  wave.setFileName(path);
   return result;
 }
 

@@ -15,22 +15,22 @@ uint64_t seekTarget(sf_count_t offset, int whence, uint64_t position, uint64_t l
   return static_cast<uint64_t>(std::max<sf_count_t>(0, static_cast<sf_count_t>(base) + offset));
 }
 
-InputStream& inputOf(void* user) { return *static_cast<InputStream*>(user); }
+SndfileInput& inputOf(void* user) { return *static_cast<SndfileInput*>(user); }
 SndfileOutput& outputOf(void* user) { return *static_cast<SndfileOutput*>(user); }
 sf_count_t countOf(uint64_t value) { return static_cast<sf_count_t>(value); }
 
 SF_VIRTUAL_IO readingCalls() {
   SF_VIRTUAL_IO calls{};
-  calls.get_filelen = [](void* user) { return countOf(inputOf(user).size()); };
+  calls.get_filelen = [](void* user) { return countOf(inputOf(user).length()); };
   calls.seek = [](sf_count_t offset, int whence, void* user) {
-    InputStream& in = inputOf(user);
-    in.seek(seekTarget(offset, whence, in.position(), in.size()));
+    InputStream& in = inputOf(user).stream();
+    in.seek(seekTarget(offset, whence, in.position(), inputOf(user).length()));
     return countOf(in.position());
   };
   calls.read = [](void* bytes, sf_count_t count, void* user) {
-    return count < 0 ? 0 : countOf(inputOf(user).read(bytes, static_cast<size_t>(count)));
+    return count < 0 ? 0 : countOf(inputOf(user).stream().read(bytes, static_cast<size_t>(count)));
   };
-  calls.tell = [](void* user) { return countOf(inputOf(user).position()); };
+  calls.tell = [](void* user) { return countOf(inputOf(user).stream().position()); };
   return calls;
 }
 
@@ -53,9 +53,9 @@ SF_VIRTUAL_IO writingCalls() {
 
 }  // namespace
 
-SndfilePointer openSndfile(InputStream& in, SF_INFO& info) {
+SndfilePointer SndfileInput::open(SF_INFO& info) {
   static SF_VIRTUAL_IO calls = readingCalls();
-  return SndfilePointer(sf_open_virtual(&calls, SFM_READ, &info, &in));
+  return SndfilePointer(sf_open_virtual(&calls, SFM_READ, &info, this));
 }
 
 SndfilePointer SndfileOutput::open(SF_INFO& info) {

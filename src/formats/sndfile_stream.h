@@ -15,8 +15,21 @@ struct SndfileCloser {
 };
 using SndfilePointer = std::unique_ptr<SNDFILE, SndfileCloser>;
 
-// libsndfile's door to our files. The stream must outlive what was opened on it.
-SndfilePointer openSndfile(InputStream& in, SF_INFO& info);
+// A stream that libsndfile reads from. It must outlive what was opened on it.
+class SndfileInput {
+ public:
+  // `length`: how long the library takes the file for. Longer than the stream for a truncated one, which some
+  // of its readers would refuse as a whole otherwise.
+  SndfileInput(InputStream& in, uint64_t length) : in_(in), length_(length) {}
+  SndfilePointer open(SF_INFO& info);
+
+  uint64_t length() const { return length_; }
+  InputStream& stream() { return in_; }
+
+ private:
+  InputStream& in_;
+  uint64_t length_;
+};
 
 // A stream that libsndfile writes to: it goes back to fill in headers, so it wants to know where the end is.
 class SndfileOutput {

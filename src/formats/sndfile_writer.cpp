@@ -152,6 +152,10 @@ bool encodeFile(OutputStream& out, const Save& save, std::string& failure) {
     done += block;
     if (!save.wave.progress.report(static_cast<float>(done) / static_cast<float>(frames))) return false;
   }
+  if (save.kind.keepsSizeEven && save.wave.needsEvenFrame()) {
+    const std::vector<float> silence(static_cast<size_t>(info.channels), 0.0f);
+    blocks.write(silence.data(), 1);
+  }
   if (const int error = sf_close(sound.release()); error != SF_ERR_NO_ERROR) {
     failure = std::string(save.kind.name) + " file: " + sf_error_number(error);
   }
@@ -171,7 +175,10 @@ SaveResult saveSndfile(const SndfileKind& kind, FileSystem& files, const std::st
     diskFailed = out.failed();  // the library's own words would hide what went wrong
     return finished && (failure.empty() || diskFailed);
   });
-  return failure.empty() || diskFailed ? SaveResult::from(error) : SaveResult::failure(failure);
+  if (!failure.empty() && !diskFailed) return SaveResult::failure(failure);
+  SaveResult result = SaveResult::from(error);
+  result.addedEvenFrame = result.saved && kind.keepsSizeEven && wave.needsEvenFrame();
+  return result;
 }
 
 }  // namespace plumetta

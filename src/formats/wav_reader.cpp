@@ -24,6 +24,8 @@ constexpr uint64_t kEnvelopeHeaderBytes = 24;
 constexpr uint64_t kEnvelopeChannelBytes = 14;
 constexpr uint64_t kEnvelopePointBytes = 10;
 constexpr uint32_t kFallbackRate = 44100;
+constexpr uint32_t kSizeElsewhere = 0xFFFFFFFF;  // of an RF64 file: it stands in the "ds64" chunk
+constexpr int kMostForeignChunks = 1000;
 
 struct ChunkPlace {
   char id[4];
@@ -38,20 +40,46 @@ bool isKnown(const ChunkPlace& chunk) {
   return chunk.is("fmt ") || chunk.is("data") || chunk.is("cue ") || chunk.is("smpl") || chunk.is("otom");
 }
 
-// Where the known chunks lie, in file order.
+// What a program writes anew with every file: figures about the samples, and padding.
+bool isPassing(const ChunkPlace& chunk) {
+  for (const char* name : {"ETTA", "ds64", "fact", "PEAK", "JUNK", "junk", "PAD ", "FLLR"}) {
+    if (chunk.is(name)) return true;
+  }
+  return false;
+}
+
+// The size of an RF64 file's data, which its own chunk has no room for; 0 of any other file.
+uint64_t longDataBytes(InputStream& in) {
+  char riff[4] = {}, id[4] = {};
+  uint32_t size = 0, low = 0, high = 0;
+  in.seek(0);
+  in.read(riff, 4);
+  in.seek(kRiffHeaderBytes);
+  if (std::memcmp(riff, "RF64", 4) != 0 || in.read(id, 4) != 4 || std::memcmp(id, "ds64", 4) != 0) return 0;
+  in.readLittle(size);
+  in.skip(8);  // the size of the whole file
+  if (!in.readLittle(low) || !in.readLittle(high)) return 0;
+  return uint64_t{high} << 32 | low;
+}
+
+// Where the chunks lie, in file order; of those that are not known, the first ones.
 std::vector<ChunkPlace> findChunks(InputStream& in) {
   std::vector<ChunkPlace> chunks;
+  const uint64_t longBytes = longDataBytes(in);
+  int unknown = 0;
   in.seek(kRiffHeaderBytes);
   while (in.remaining() >= kChunkHeaderBytes) {
     ChunkPlace chunk{};
     uint32_t claimed = 0;
     if (in.read(chunk.id, 4) != 4 || !in.readLittle(claimed)) break;
     // A format chunk is never shorter than its fields, whatever its size says.
-    const uint64_t wanted = chunk.is("fmt ") ? std::max<uint64_t>(claimed, kFormatBytes) : claimed;
+    uint64_t wanted = chunk.is("fmt ") ? std::max<uint64_t>(claimed, kFormatBytes) : claimed;
+    if (chunk.is("data") && claimed == kSizeElsewhere && longBytes > 0) wanted = longBytes;
     chunk.body = in.position();
     chunk.size = std::min(wanted, in.remaining());
     chunk.truncated = chunk.size < wanted;
-    if (isKnown(chunk)) chunks.push_back(chunk);
+    if (isKnown(chunk) || (!isPassing(chunk) && ++unknown <= kMostForeignChunks)) chunks.push_back(chunk);
+    if (wanted > in.remaining()) break;
     in.skip(wanted + wanted % 2);
   }
   return chunks;
@@ -230,6 +258,39 @@ void readAnnotations(InputStream& in, const std::vector<ChunkPlace>& chunks, CWa
   wave.markers.clamp(wave.frames() - 1);
 }
 
+// What a foreign chunk's text is called; empty when it holds none.
+std::string textKindOf(InputStream& in, const ChunkPlace& chunk) {
+  if (chunk.is("bext") || chunk.is("iXML")) return {chunk.id, 4};
+  if (chunk.is("id3 ") || chunk.is("ID3 ")) return "ID3";
+  char list[4] = {};
+  in.seek(chunk.body);
+  if (!chunk.is("LIST") || in.read(list, 4) != 4) return {};
+  return std::memcmp(list, "INFO", 4) == 0 ? "LIST/INFO" : "";
+}
+
+// Keeps the chunks of other programs ahead of the one that names ours, or tells what text is lost with them.
+void readForeignChunks(InputStream& in, const std::vector<ChunkPlace>& chunks, bool keep, CWave& wave,
+                       LoadResult& result) {
+  int kept = 0;
+  for (const ChunkPlace& place : chunks) {
+    if (isKnown(place)) continue;
+    if (!keep) {
+      const std::string kind = textKindOf(in, place);
+      const bool isNew = std::count(result.textKinds.begin(), result.textKinds.end(), kind) == 0;
+      if (!kind.empty() && isNew) result.textKinds.push_back(kind);
+      continue;
+    }
+    if (place.truncated) continue;
+    Chunk chunk;
+    std::memcpy(chunk.id.data(), place.id, chunk.id.size());
+    chunk.data.resize(static_cast<size_t>(place.size));
+    in.seek(place.body);
+    if (in.read(chunk.data.data(), chunk.data.size()) == chunk.data.size()) {
+      wave.extraChunks.insert(kept++, std::move(chunk));
+    }
+  }
+}
+
 const ChunkPlace* firstNamed(const std::vector<ChunkPlace>& chunks, const char* id) {
   const auto found = std::find_if(chunks.begin(), chunks.end(), [&](const auto& c) { return c.is(id); });
   return found == chunks.end() ? nullptr : &*found;
@@ -241,15 +302,19 @@ Likeness probeWav(const FileHead& head) {
   return head.has(0, "RIFF") && head.has(8, "WAVE") ? Likeness::certain : Likeness::none;
 }
 
-LoadResult loadWav(FileSystem& files, const std::string& path, CWave& wave) {
+Likeness probeRf64(const FileHead& head) {
+  return head.has(0, "RF64") && head.has(8, "WAVE") ? Likeness::certain : Likeness::none;
+}
+
+LoadResult loadWav(FileSystem& files, const std::string& path, const OpenOptions& options, CWave& wave) {
   std::error_code error;
   const auto file = files.openForReading(path, error);
   if (!file) return LoadResult::failure(error.message());
   wave.setFileName(path);
-  return readWav(*file, wave);
+  return readWav(*file, wave, options);
 }
 
-LoadResult readWav(File& file, CWave& wave) {
+LoadResult readWav(File& file, CWave& wave, const OpenOptions& options) {
   wave.loops.clear();
   wave.markers.clear();
   wave.envelope.clear();
@@ -275,6 +340,7 @@ LoadResult readWav(File& file, CWave& wave) {
   if (result.status != LoadStatus::loaded) return result;
   adoptFormat(wave, known);
   readAnnotations(in, chunks, wave);
+  readForeignChunks(in, chunks, options.keepForeignChunks, wave, result);
   return result;
 }
 

@@ -20,6 +20,8 @@ constexpr uint32_t kCuePointBytes = 24;
 constexpr uint32_t kEnvelopeHeaderBytes = 24;
 constexpr uint32_t kEnvelopeChannelBytes = 14;
 constexpr uint32_t kEnvelopePointBytes = 10;
+constexpr uint32_t kLongSizesBytes = 28;
+constexpr uint32_t kSizeElsewhere = 0xFFFFFFFF;  // what RF64 has in the fields of 32 bits
 
 uint64_t padded(uint64_t size) { return size + size % 2; }
 
@@ -35,6 +37,7 @@ struct WavImage {
   CMarkerList markers;
   CVolumeEnvelope envelope;
   bool cueFirst = false;
+  bool longSizes = false;  // RF64
 
   uint64_t dataBytes() const {
     return static_cast<uint64_t>(wave.bitsPerSample() / 8) * static_cast<uint64_t>(wave.channels()) *
@@ -62,6 +65,7 @@ struct WavImage {
       if (size > 0) bytes += kChunkHeaderBytes + padded(size);
     }
     for (const Chunk& chunk : wave.extraChunks) bytes += kChunkHeaderBytes + padded(chunk.data.size());
+    if (longSizes) bytes += kChunkHeaderBytes + kLongSizesBytes;
     return bytes;
   }
 };
@@ -89,7 +93,7 @@ void writeFormatChunk(OutputStream& out, const WavImage& image) {
 
 bool writeDataChunk(OutputStream& out, const WavImage& image) {
   const CWave& wave = image.wave;
-  beginChunk(out, "data", image.dataBytes());
+  beginChunk(out, "data", image.longSizes ? kSizeElsewhere : image.dataBytes());
   const float* first = wave.samples() + static_cast<int64_t>(image.firstFrame) * wave.channels();
   auto result = encodeSamples(out, image.encoding, first, image.frames, wave.channels(), wave.progress);
   if (result == CodecResult::done && image.silentFrames > 0) {
@@ -168,9 +172,23 @@ void writeExtraChunks(OutputStream& out, const CWave& wave) {
   }
 }
 
-bool writeImage(OutputStream& out, const WavImage& image) {
-  beginChunk(out, "RIFF", image.riffBytes());
+void writeFileHeader(OutputStream& out, const WavImage& image) {
+  if (!image.longSizes) {
+    beginChunk(out, "RIFF", image.riffBytes());
+    out.write("WAVE");
+    return;
+  }
+  beginChunk(out, "RF64", kSizeElsewhere);
   out.write("WAVE");
+  beginChunk(out, "ds64", kLongSizesBytes);
+  out.writeLittle(image.riffBytes());
+  out.writeLittle(image.dataBytes());
+  out.writeLittle(static_cast<uint64_t>(image.frames + image.silentFrames));
+  out.writeLittle(uint32_t{0});  // sizes of other chunks that have no room for them
+}
+
+bool writeImage(OutputStream& out, const WavImage& image) {
+  writeFileHeader(out, image);
   writeFormatChunk(out, image);
   if (!writeDataChunk(out, image)) return false;
   if (image.cueFirst) writeCueChunk(out, image);
@@ -182,7 +200,7 @@ bool writeImage(OutputStream& out, const WavImage& image) {
 }
 
 SaveResult saveImage(FileSystem& files, const std::string& path, const WavImage& image, SyncToDisk sync) {
-  if (image.riffBytes() > std::numeric_limits<uint32_t>::max()) {
+  if (!image.longSizes && image.riffBytes() > std::numeric_limits<uint32_t>::max()) {
     return SaveResult::failure("The audio is too long for a WAV file, which holds 4 GiB at most.");
   }
   return SaveResult::from(
@@ -203,9 +221,8 @@ CLoopPoints loopsOfRange(const CLoopPoints& loops, int32_t from, int32_t to) {
   return inside;
 }
 
-}  // namespace
-
-SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync) {
+// The whole buffer, with the frame that keeps the data chunk even.
+WavImage wholeImage(const CWave& wave) {
   const uint16_t tag = storedFormatTag(wave.bitsPerSample(), wave.formatTag());
   WavImage image{wave,          0,
                  wave.frames(), wave.needsEvenFrame() ? 1 : 0,
@@ -213,9 +230,25 @@ SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave
                  wave.loops,    wave.markers,
                  wave.envelope, false};
   if (image.silentFrames > 0) image.envelope.setLength(wave.frames() + 1);
+  return image;
+}
+
+SaveResult saveWhole(FileSystem& files, const std::string& path, const WavImage& image, SyncToDisk sync) {
   SaveResult result = saveImage(files, path, image, sync);
   result.addedEvenFrame = result.saved && image.silentFrames > 0;
   return result;
+}
+
+}  // namespace
+
+SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync) {
+  return saveWhole(files, path, wholeImage(wave), sync);
+}
+
+SaveResult saveRf64(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync) {
+  WavImage image = wholeImage(wave);
+  image.longSizes = true;
+  return saveWhole(files, path, image, sync);
 }
 
 SaveResult saveWavRange(FileSystem& files, const std::string& path, const CWave& wave, int32_t from,

@@ -10,6 +10,9 @@ namespace plumetta {
 // the result says so, and the caller gives it to the buffer as well (`CWave::appendEvenFrame`).
 SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync);
 
+// The same as RF64, whose sizes have 64 bits.
+SaveResult saveRf64(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync);
+
 // Writes the frames between the two, both included, with the markers and loops that lie inside.
 SaveResult saveWavRange(FileSystem& files, const std::string& path, const CWave& wave, int32_t from,
                         int32_t to, SyncToDisk sync);

@@ -5,6 +5,7 @@
 #include <wx/filename.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "core/regions.h"
 #include "platform/paths.h"
@@ -91,24 +92,30 @@ bool FileCommands::askLayout(const std::string& path, OpenOptions& options) {
   return options.raw.has_value();
 }
 
-void FileCommands::openOne(const std::string& path, const OpenOptions& options) {
+bool FileCommands::openOne(const std::string& path, const OpenOptions& options) {
   FileOutcome outcome{};
   CPlumettaDoc* doc = app_.openDocument(path, outcome, options);
-  if (doc == nullptr) return;  // the document has said why
+  if (doc == nullptr) return outcome != FileOutcome::cancelled;  // the document has said why
   tabs_.add(*doc);
   recent_.add(path);
+  return true;
 }
 
 void FileCommands::openPaths(const std::vector<std::string>& paths) {
-  for (const std::string& given : paths) {
-    const std::string path = absolutePath(given);
+  // One progress for all of them.
+  const int count = static_cast<int>(paths.size());
+  std::optional<ProgressScope> several;
+  if (count > 1) several.emplace(app_.prompter(), "Opening " + std::to_string(count) + " files");
+  for (int i = 0; i < count; ++i) {
+    if (several && !app_.prompter().progressPart(i, count)) return;
+    const std::string path = absolutePath(paths[static_cast<size_t>(i)]);
     if (CPlumettaDoc* present = documentOf(path)) {
       tabs_.activate(*present);
       continue;
     }
     OpenOptions options;
     if (hasNoHeader(app_.files(), path) && !askLayout(path, options)) continue;
-    openOne(path, options);
+    if (!openOne(path, options)) return;  // the person has had enough
   }
 }
 

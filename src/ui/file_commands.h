@@ -56,7 +56,8 @@ class FileCommands {
   std::vector<std::string> askSources(const wxString& title, const std::string& filter);
   // False when the person cancelled.
   bool askLayout(const std::string& path, OpenOptions& options);
-  void openOne(const std::string& path, const OpenOptions& options);
+  // False when the person cancelled.
+  bool openOne(const std::string& path, const OpenOptions& options);
   CPlumettaDoc* documentOf(const std::string& path) const;
   // Where a dialog that writes begins.
   std::string folderFor(const CPlumettaDoc* doc) const;

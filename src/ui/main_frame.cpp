@@ -121,6 +121,8 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   history_->onChosen = [this](size_t steps) { goInHistory(steps); };
   sides_->Bind(wxEVT_SPLITTER_DOUBLECLICKED, [](wxSplitterEvent& event) { event.Veto(); });
   prompter_.setParent(this);
+  prompter_.asksOfLosses = &app_.settings().files.askOfLosses;
+  prompter_.onLossesSilenced = [this] { app_.saveSettings(); };
   prompter_.onStatus = [this](const wxString& text) { SetStatusText(text, kMessage); };
   for (wxWindow* window :
        {static_cast<wxWindow*>(this), static_cast<wxWindow*>(startPage_), static_cast<wxWindow*>(tabs_)}) {
@@ -153,6 +155,7 @@ MainFrame::~MainFrame() {
   app_.midi().closeAll();
   prompter_.setParent(nullptr);
   prompter_.onStatus = nullptr;
+  prompter_.onLossesSilenced = nullptr;
 }
 
 void MainFrame::begin(const std::vector<std::string>& paths) {

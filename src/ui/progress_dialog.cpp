@@ -20,6 +20,9 @@ ProgressDialog::ProgressDialog(wxWindow* parent, const wxString& title,
     : wxDialog(parent, wxID_ANY, title, wxDefaultPosition, wxDefaultSize, wxCAPTION | wxCLOSE_BOX),
       begun_(begun),
       focusBefore_(wxWindow::FindFocus()) {
+  detail_ = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+                             wxST_ELLIPSIZE_MIDDLE | wxST_NO_AUTORESIZE);
+  detail_->Hide();
   gauge_ = new wxGauge(this, wxID_ANY, kGaugeSteps, wxDefaultPosition, FromDIP(wxSize(360, -1)), wxGA_SMOOTH);
   remaining_ = new wxStaticText(this, wxID_ANY, wxString());
   auto* cancelButton = new wxButton(this, wxID_CANCEL);
@@ -27,6 +30,7 @@ ProgressDialog::ProgressDialog(wxWindow* parent, const wxString& title,
   lower->Add(remaining_, 1, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(16));
   lower->Add(cancelButton);
   auto* all = new wxBoxSizer(wxVERTICAL);
+  all->Add(detail_, 0, wxEXPAND | wxLEFT | wxRIGHT | wxTOP, FromDIP(16));
   all->Add(gauge_, 0, wxEXPAND | wxLEFT | wxRIGHT | wxTOP, FromDIP(16));
   all->Add(lower, 0, wxEXPAND | wxALL, FromDIP(16));
   SetSizerAndFit(all);
@@ -45,6 +49,14 @@ ProgressDialog::~ProgressDialog() {
 void ProgressDialog::cancel() {
   cancelled_ = true;
   FindWindow(wxID_CANCEL)->Disable();
+}
+
+void ProgressDialog::setDetail(const wxString& text) {
+  if (detail_->GetLabel() == text) return;
+  detail_->SetLabel(text);
+  if (detail_->IsShown()) return;
+  detail_->Show();
+  Fit();
 }
 
 bool ProgressDialog::update(float fractionDone) {

@@ -19,6 +19,8 @@ class ProgressDialog : public wxDialog {
   ProgressDialog(wxWindow* parent, const wxString& title, std::chrono::steady_clock::time_point begun);
   ~ProgressDialog() override;
 
+  // A line about what is under way at the moment.
+  void setDetail(const wxString& text);
   // Shows the fraction and lets waiting events through. False once the person has asked to stop.
   bool update(float fractionDone);
 
@@ -27,6 +29,7 @@ class ProgressDialog : public wxDialog {
   wxString remainingText(float fractionDone) const;
 
   std::chrono::steady_clock::time_point begun_;
+  wxStaticText* detail_ = nullptr;
   wxGauge* gauge_ = nullptr;
   wxStaticText* remaining_ = nullptr;
   bool cancelled_ = false;

@@ -3,6 +3,7 @@
 
 #include <wx/dialog.h>
 #include <wx/msgdlg.h>
+#include <wx/richmsgdlg.h>
 #include <wx/utils.h>
 
 #include "ui/text.h"
@@ -53,6 +54,22 @@ bool WindowPrompter::question(const std::string& text) {
   return showBox(text, wxYES_NO | wxICON_QUESTION) == wxYES;
 }
 
+bool WindowPrompter::confirmLoss(const std::string& text) {
+  if (asksOfLosses != nullptr && !*asksOfLosses) return true;
+  const BusyPause pause;
+  wxRichMessageDialog dialog(boxParent(), toWx(text), "Plumetta", wxYES_NO | wxCENTRE | wxICON_WARNING);
+  dialog.SetYesNoLabels("Save", "Don't save");
+  dialog.ShowCheckBox("Don't ask again");
+  ++boxes_;
+  const bool goesOn = dialog.ShowModal() == wxID_YES;
+  --boxes_;
+  if (goesOn && dialog.IsCheckBoxChecked() && asksOfLosses != nullptr) {
+    *asksOfLosses = false;
+    if (onLossesSilenced) onLossesSilenced();
+  }
+  return goesOn;
+}
+
 bool WindowPrompter::asking() const {
   if (boxes_ > 0) return true;
   for (const wxWindow* window : wxTopLevelWindows) {
@@ -80,6 +97,11 @@ WaveProgress WindowPrompter::beginProgress(const std::string& title) {
     cancelled_ = false;
     begun_ = Clock::now();
     nextUpdate_ = begun_ + kQuietTime;
+    partsDone_ = 0;
+    parts_ = 1;
+    detail_.clear();
+  } else {
+    detail_ = toWx(title);
   }
   return {&WindowPrompter::onProgress, this};
 }
@@ -89,6 +111,12 @@ void WindowPrompter::endProgress() {
   dialog_.reset();
   resumeBusyCursor(pausedBusy_);
   pausedBusy_ = 0;
+}
+
+bool WindowPrompter::progressPart(int done, int all) {
+  partsDone_ = done;
+  parts_ = all;
+  return onProgress(0.0f, this);
 }
 
 bool WindowPrompter::onProgress(float fractionDone, void* self) {
@@ -103,7 +131,10 @@ bool WindowPrompter::showProgress(float fractionDone) {
     pausedBusy_ = pauseBusyCursor();
     dialog_ = std::make_unique<ProgressDialog>(parent_, title_, begun_);
   }
-  cancelled_ = !dialog_->update(fractionDone);
+  if (parts_ > 1) {
+    dialog_->setDetail(wxString::Format("%d of %d. ", partsDone_ + 1, parts_) + detail_);
+  }
+  cancelled_ = !dialog_->update((static_cast<float>(partsDone_) + fractionDone) / static_cast<float>(parts_));
   // Counted from after the drawing, so that a slow display can't eat all the time.
   nextUpdate_ = Clock::now() + kUpdateInterval;
   return !cancelled_;

@@ -25,6 +25,12 @@ class WindowPrompter : public Prompter {
   void setBusy(bool busy) override;
   WaveProgress beginProgress(const std::string& title) override;
   void endProgress() override;
+  bool progressPart(int done, int all) override;
+  bool confirmLoss(const std::string& text) override;
+
+  // Whether the person wants to be asked about losses, and what keeps it when they no longer do.
+  bool* asksOfLosses = nullptr;
+  std::function<void()> onLossesSilenced;
 
   // Long work is under way: nothing else may be started and nothing closed.
   bool working() const { return depth_ > 0; }
@@ -44,6 +50,8 @@ class WindowPrompter : public Prompter {
   int boxes_ = 0;  // of messages and questions that are up
   int depth_ = 0;  // of begun progresses; the outermost one is shown
   wxString title_;
+  wxString detail_;                // of what is under way inside; empty for nothing
+  int partsDone_ = 0, parts_ = 1;  // of the outermost progress
   Clock::time_point begun_, nextUpdate_;
   bool cancelled_ = false;
   int pausedBusy_ = 0;  // levels of the wait cursor given up while the dialog stands

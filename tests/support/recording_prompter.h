@@ -16,6 +16,10 @@ class RecordingPrompter : public Prompter {
     questions.push_back(text);
     return answer;
   }
+  bool confirmLoss(const std::string& text) override {
+    losses.push_back(text);
+    return answer;
+  }
   void status(const std::string& text) override { lastStatus = text; }
   void setBusy(bool busy) override { busyDepth += busy ? 1 : -1; }
   WaveProgress beginProgress(const std::string&) override { return {onProgress, this}; }
@@ -23,6 +27,7 @@ class RecordingPrompter : public Prompter {
 
   std::vector<std::string> messages;
   std::vector<std::string> questions;
+  std::vector<std::string> losses;
   std::string lastStatus;
   bool answer = true;
   int busyDepth = 0;
