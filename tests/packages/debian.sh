@@ -31,6 +31,12 @@ make_clean_debian() {
 
 own_files() { find "$clean" -xdev -iname '*plumetta*' ! -path '*/proc/*' ! -path '*/var/log/*' -printf '/%P\n' | sort; }
 
+close_window() {  # TITLE
+  xdotool search --onlyvisible --name "$1" windowfocus --sync 2>/dev/null || true
+  sleep 1
+  xdotool key --clearmodifiers ctrl+q
+}
+
 make_clean_debian
 cp "$package" "$clean/tmp/package.deb"
 inside apt-get -qq install -y --no-install-recommends /tmp/package.deb >"$folder/install.log" 2>&1 ||
@@ -45,8 +51,7 @@ inside plumetta-cli --quiet edit open /tmp/chord.wav select 0 250ms copy cursor 
 start_display
 inside apt-get -qq install -y --no-install-recommends fonts-dejavu-core >>"$folder/install.log" 2>&1
 open_and_close edited.wav "$folder/debian.png" inside plumetta /tmp/edited.wav
-inside sh -c 'command -v update-desktop-database desktop-file-validate' >/dev/null 2>&1 ||
-  desktop-file-validate "$clean/usr/share/applications/plumetta.desktop"
+desktop-file-validate "$clean/usr/share/applications/plumetta.desktop"
 
 mapfile -t settings < <(own_files | grep '^/root/')
 [[ ${#settings[@]} -gt 0 ]] || fail "The editor kept no settings in the person's own folder."

@@ -29,17 +29,16 @@ stop_display() { [[ -z ${display_server:-} ]] || kill "$display_server" 2>/dev/n
 window_is_up() { xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
 has_ended() { ! kill -0 "$1" 2>/dev/null; }
 
-# Starts COMMAND, waits for a window that names TITLE, takes its PICTURE and closes it by its keys.
+# Starts COMMAND, waits for a window that names TITLE, takes its PICTURE and has `close_window` close it.
 open_and_close() {  # TITLE PICTURE COMMAND...
   local title=$1 picture=$2 editor
   shift 2
   "$@" >/dev/null 2>&1 </dev/null &
   editor=$!
-  within 60 window_is_up "$title" || { import -window root "$picture"; fail "No window shows $title; see $picture"; }
+  within 90 window_is_up "$title" || { import -window root "$picture"; fail "No window shows $title; see $picture"; }
   sleep 2
   import -window root "$picture"
-  xdotool search --onlyvisible --name "$title" windowfocus key --clearmodifiers alt+F4 2>/dev/null ||
-    xdotool key ctrl+q
-  within 30 has_ended "$editor" || { kill "$editor"; fail "The window does not close."; }
+  close_window "$title"
+  within 60 has_ended "$editor" || { kill "$editor"; fail "The window does not close."; }
   wait "$editor" || fail "The editor ended with $?"
 }

@@ -56,6 +56,8 @@ cycle() {  # WORD FOLDER
 }
 
 own=plumetta.cfg
+# As the taskbar does it: asked to close, not killed.
+close_window() { "$run" taskkill.exe /im plumetta.exe >/dev/null; }
 use() {
   [[ $("$run" plumetta-cli.exe --version | tr -d '\r') == "plumetta-cli $version" ]] ||
     fail "The installed program does not tell version $version"
