@@ -10,6 +10,7 @@ folder=$(dirname "$package")
 # The window's settings go into the person's own folder, as on any machine.
 mkdir -p "$folder/clean"
 clean=$(mktemp -d "$folder/clean/XXXXXX")
+chmod 755 "$clean"
 trap 'stop_display; rm -rf --one-file-system "$clean"' EXIT
 
 # Mounts of a call end with it.
