@@ -17,7 +17,7 @@ within() {  # SECONDS COMMAND...
 start_display() {
   local told
   told=$(mktemp)
-  Xvfb ${PLUMETTA_TEST_DISPLAY:-} -displayfd 3 -screen 0 1280x800x24 3>"$told" >/dev/null 2>&1 </dev/null &
+  Xvfb ${PLUMETTA_TEST_DISPLAY:-} -displayfd 3 -screen 0 1280x800x24 -ac -nolisten tcp 3>"$told" >/dev/null 2>&1 </dev/null &
   display_server=$!
   within 20 test -s "$told" || fail "The virtual display did not start."
   DISPLAY=:$(<"$told")
