@@ -20,8 +20,7 @@ VIAddVersionKey FileVersion "${VERSION}"
 VIAddVersionKey FileDescription "Installs the Plumetta audio editor"
 VIAddVersionKey LegalCopyright "GPL-3.0-or-later"
 
-!define UNINSTALL_KEYS "Software\Microsoft\Windows\CurrentVersion\Uninstall"
-!define UNINSTALL_KEY "${UNINSTALL_KEYS}\Plumetta"
+!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Plumetta"
 !define TYPE Plumetta.SoundFile
 !define CAPABILITIES "Software\Plumetta\Capabilities"
 !define MULTIUSER_EXECUTIONLEVEL Highest
@@ -95,11 +94,9 @@ Section Uninstall
   !include "${LISTS}\remove_types.nsh"
   DeleteRegKey SHCTX "Software\Classes\${TYPE}"
   DeleteRegValue SHCTX "Software\RegisteredApplications" Plumetta
-  DeleteRegKey /ifnosubkeys /ifnovalues SHCTX "Software\RegisteredApplications"
   DeleteRegKey SHCTX "${CAPABILITIES}"
   DeleteRegKey /ifnosubkeys /ifnovalues SHCTX "Software\Plumetta"
   DeleteRegKey SHCTX "${UNINSTALL_KEY}"
-  DeleteRegKey /ifnosubkeys /ifnovalues SHCTX "${UNINSTALL_KEYS}"
   !insertmacro TellShell
   Delete "$INSTDIR\uninstall.exe"
   !include "${LISTS}\remove_files.nsh"

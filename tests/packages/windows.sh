@@ -36,7 +36,7 @@ foreign_needs() {
 }
 
 cycle() {  # WORD FOLDER
-  local word=$1 installed=$drive/$2 missing
+  local word=$1 installed=$drive/$2 missing own
   snapshot >"$scratch/before"
   "$run" "$setup" /S "$word" || fail "The installer ended with $?"
   snapshot >"$scratch/between"
@@ -46,16 +46,17 @@ cycle() {  # WORD FOLDER
   grep -qi 'Start Menu/Programs/Plumetta.lnk$' "$scratch/between" || fail "There is no entry in the start menu."
   grep -q '^"Plumetta.SoundFile"' "$scratch/between" || fail "No type of file knows the editor."
   (cd "$installed" && use)
+  # Settings, in the folder of a program that may write there.
+  own=$(ls "$installed" | grep -vxFf <(ls "$stage"; echo uninstall.exe)) || fail "The editor kept no settings."
   "$run" "$installed/uninstall.exe" /S "$word" || fail "The uninstaller ended with $?"
   WINEPREFIX=$PLUMETTA_WINEPREFIX "$server" -w
   # What the person has made stays; without it, all is as before.
-  [[ -f $installed/$own ]] || fail "The person's $own went with the program."
-  rm "$installed/$own" && rmdir "$installed" || fail "More is left than the person's: $(ls "$installed")"
+  [[ $(ls "$installed") == "$own" ]] || fail "Of the program's folder $(ls "$installed") stays; the person's is $own"
+  rm -rf "$installed"
   snapshot >"$scratch/after"
   diff "$scratch/before" "$scratch/after" || fail "Left behind after $word, or taken away."
 }
 
-own=plumetta.cfg
 # As the taskbar does it: asked to close, not killed.
 close_window() { "$run" taskkill.exe /im plumetta.exe >/dev/null; }
 use() {
@@ -73,8 +74,12 @@ version=$(basename "$setup" | sed -E 's/plumetta-(.*)-setup.exe/\1/')
 start_display
 # A type of file that another program has taken, which stays with it.
 "$run" reg.exe add 'HKCU\Software\Classes\.wav' /ve /d Other.Sound /f >/dev/null
-cycle /AllUsers "Program Files/Plumetta"
 # There on every Windows.
+for hive in HKLM HKCU; do
+  "$run" reg.exe add "$hive\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall" /f >/dev/null
+  "$run" reg.exe add "$hive\\Software\\RegisteredApplications" /f >/dev/null
+done
 mkdir -p "$drive/users/$(id -un)/AppData/Local/Programs"
+cycle /AllUsers "Program Files/Plumetta"
 cycle /CurrentUser "users/$(id -un)/AppData/Local/Programs/Plumetta"
 echo "Installed, used and uninstalled, for everybody and for one person"
