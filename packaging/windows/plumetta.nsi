@@ -95,7 +95,7 @@ Section Uninstall
   DeleteRegKey SHCTX "Software\Classes\${TYPE}"
   DeleteRegValue SHCTX "Software\RegisteredApplications" Plumetta
   DeleteRegKey SHCTX "${CAPABILITIES}"
-  DeleteRegKey /ifempty SHCTX "Software\Plumetta"
+  DeleteRegKey /ifnosubkeys /ifnovalues SHCTX "Software\Plumetta"
   DeleteRegKey SHCTX "${UNINSTALL_KEY}"
   !insertmacro TellShell
   Delete "$INSTDIR\uninstall.exe"
