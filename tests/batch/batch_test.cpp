@@ -67,14 +67,19 @@ TEST_F(BatchTest, AStopFinishesTheFilesInWorkAndNoOthers) {
   for (settings.jobs = 1; settings.jobs <= 3; ++settings.jobs) {
     std::string log;
     std::unique_ptr<BatchRun> batch;
+    bool asked = false;
     batch = std::make_unique<BatchRun>(nativeFileSystem(), settings, [&](std::string_view text) {
       log += text;
-      if (occurrences(log, batch_text::kApplied) == 5) batch->requestStop();
+      if (!asked && occurrences(log, batch_text::kApplied) == 5) {
+        asked = true;
+        batch->requestStop();
+      }
     });
     batch->run();
     const size_t done = occurrences(log, batch_text::kApplied);
+    // Other jobs may be ahead of the log.
     EXPECT_GE(done, 5u);
-    EXPECT_LT(done, 60u);
+    EXPECT_TRUE(settings.jobs > 1 || done == 5) << done;
     EXPECT_EQ(occurrences(log, ".wav"), done);
     EXPECT_TRUE(log.ends_with(batch_text::kBanner));
     EXPECT_EQ(batch->progress().done, done);
