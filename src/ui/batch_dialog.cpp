@@ -23,6 +23,13 @@ constexpr int kGaugeSteps = 1000;
 constexpr int kMargin = 16;
 constexpr int kGap = 8;
 
+// Where the results begin behind names of usual length, in tenths of a millimetre.
+wxArrayInt logColumns() {
+  wxArrayInt columns;
+  for (const int place : {550, 800}) columns.Add(place);
+  return columns;
+}
+
 }  // namespace
 
 CBatchProcessorDlg::CBatchProcessorDlg(wxWindow* parent, Application& app, WindowProfile& profile,
@@ -37,6 +44,9 @@ CBatchProcessorDlg::CBatchProcessorDlg(wxWindow* parent, Application& app, Windo
   all->Add(makeChoices(), 0, wxEXPAND | wxALL, FromDIP(kMargin));
   logText_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(640, 260)),
                             wxTE_MULTILINE | wxTE_READONLY | wxTE_DONTWRAP | wxTE_RICH2);
+  wxTextAttr columns;
+  columns.SetTabs(logColumns());
+  logText_->SetDefaultStyle(columns);
   all->Add(logText_, 1, wxEXPAND | wxLEFT | wxRIGHT, FromDIP(kMargin));
   all->Add(makeProgress(), 0, wxEXPAND | wxLEFT | wxRIGHT | wxTOP, FromDIP(kMargin));
   all->Add(makeButtons(), 0, wxEXPAND | wxALL, FromDIP(kMargin));
