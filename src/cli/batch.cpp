@@ -176,6 +176,9 @@ int runCall(BatchCall call, TerminalPrompter& prompter) {
       },
       *chains);
   { WatchedRun(run, prompter).watch(); }
+  if (const auto [done, total, last] = run.progress(); done < total) {
+    prompter.message("Stopped after " + std::to_string(done) + " of " + std::to_string(total) + " files");
+  }
   if (!logFile.close()) prompter.message("Unable to save " + call.log + "\n" + logFile.reason());
   return printed && logFile.reason().empty() ? kAllDone : kFileError;
 }

@@ -57,6 +57,7 @@ class MainFrame : public wxFrame {
   std::vector<Action> groupedActions(Menu menu, const std::vector<std::string>& ids);
   Action commandAction(const Command& command);
   std::vector<Action> recentActions();
+  void processFolder();
   std::vector<Action> documentActions();
   // A row that needs a document, and one that does something with its view.
   Action documentAction(const char* id, const char* text, const char* key, const char* help,

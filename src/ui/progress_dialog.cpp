@@ -15,6 +15,15 @@ constexpr int kGaugeSteps = 1000;
 
 }  // namespace
 
+wxString remainingText(double fractionDone, std::chrono::steady_clock::time_point begun) {
+  const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begun;
+  // The first estimates jump about too much to be worth reading.
+  if (fractionDone < 0.02 || spent.count() < 1.0) return wxString();
+  const double seconds = spent.count() * (1.0 - fractionDone) / fractionDone;
+  if (seconds < 60.0) return wxString::Format("About %d s left", static_cast<int>(std::ceil(seconds)));
+  return wxString::Format("About %d min left", static_cast<int>(std::ceil(seconds / 60.0)));
+}
+
 ProgressDialog::ProgressDialog(wxWindow* parent, const wxString& title,
                                std::chrono::steady_clock::time_point begun)
     : wxDialog(parent, wxID_ANY, title, wxDefaultPosition, wxDefaultSize, wxCAPTION | wxCLOSE_BOX),
@@ -61,20 +70,11 @@ void ProgressDialog::setDetail(const wxString& text) {
 
 bool ProgressDialog::update(float fractionDone) {
   gauge_->SetValue(static_cast<int>(std::lround(fractionDone * kGaugeSteps)));
-  remaining_->SetLabel(remainingText(fractionDone));
+  remaining_->SetLabel(remainingText(fractionDone, begun_));
   if (wxEventLoopBase* loop = wxEventLoopBase::GetActive(); loop != nullptr && !loop->IsYielding()) {
     loop->YieldFor(wxEVT_CATEGORY_UI | wxEVT_CATEGORY_USER_INPUT | wxEVT_CATEGORY_TIMER);
   }
   return !cancelled_;
-}
-
-wxString ProgressDialog::remainingText(float fractionDone) const {
-  const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begun_;
-  // The first estimates jump about too much to be worth reading.
-  if (fractionDone < 0.02f || spent.count() < 1.0) return wxString();
-  const double seconds = spent.count() * (1.0 - fractionDone) / fractionDone;
-  if (seconds < 60.0) return wxString::Format("About %d s left", static_cast<int>(std::ceil(seconds)));
-  return wxString::Format("About %d min left", static_cast<int>(std::ceil(seconds / 60.0)));
 }
 
 }  // namespace plumetta

@@ -12,6 +12,9 @@
 
 namespace plumetta {
 
+// How much longer work of which this fraction is done will take, in words; empty while that can't be told.
+wxString remainingText(double fractionDone, std::chrono::steady_clock::time_point begun);
+
 // How far long work has come, with the one button that stops it. While it stands, every other window of the
 // application takes no input but goes on drawing itself.
 class ProgressDialog : public wxDialog {
@@ -26,7 +29,6 @@ class ProgressDialog : public wxDialog {
 
  private:
   void cancel();
-  wxString remainingText(float fractionDone) const;
 
   std::chrono::steady_clock::time_point begun_;
   wxStaticText* detail_ = nullptr;

@@ -7,6 +7,7 @@
 
 #include "doc/selection_tempo.h"
 #include "doc/view_geometry.h"
+#include "ui/batch_dialog.h"
 #include "ui/bpm_dialog.h"
 #include "ui/edit_dialogs.h"
 #include "ui/main_frame.h"
@@ -95,12 +96,17 @@ MenuPlan MainFrame::fileMenu() {
        documentAction("export-text", "&Export as text…", "", "Write the samples as numbers",
                       [this](CPlumettaDoc& doc) { files_.exportText(doc); }),
        kSeparator,
+       {"batch", "&Batch processor…", "", "One function over every file of a folder",
+        [this] { processFolder(); }},
+       kSeparator,
        documentAction("close", "&Close", "Ctrl+W", "Close this file",
                       [this](CPlumettaDoc& doc) { files_.close(doc); }),
        {"close-all", "Close all", "Ctrl+Shift+W", "Close every file", [this] { files_.closeAll(); }, anyOpen},
        kSeparator,
        {"exit", "E&xit", "Ctrl+Q", "Leave Plumetta", [this] { Close(); }}}};
 }
+
+void MainFrame::processFolder() { CBatchProcessorDlg(this, app_, profile_, nullptr).ShowModal(); }
 
 std::vector<Action> MainFrame::recentActions() {
   std::vector<Action> actions;

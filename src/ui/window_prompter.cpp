@@ -36,9 +36,23 @@ class BusyPause {
   int levels_;
 };
 
+// The one that takes input; the last that was opened.
+wxDialog* modalDialog() {
+  wxDialog* modal = nullptr;
+  for (wxWindow* window : wxTopLevelWindows) {
+    auto* dialog = dynamic_cast<wxDialog*>(window);
+    if (dialog != nullptr && dialog->IsModal()) modal = dialog;
+  }
+  return modal;
+}
+
 }  // namespace
 
-wxWindow* WindowPrompter::boxParent() const { return dialog_ ? dialog_.get() : parent_; }
+wxWindow* WindowPrompter::boxParent() const {
+  if (dialog_) return dialog_.get();
+  wxWindow* const modal = modalDialog();
+  return modal != nullptr ? modal : parent_;
+}
 
 int WindowPrompter::showBox(const std::string& text, long style) {
   const BusyPause pause;
@@ -72,11 +86,7 @@ bool WindowPrompter::confirmLoss(const std::string& text) {
 
 bool WindowPrompter::asking() const {
   if (boxes_ > 0) return true;
-  for (const wxWindow* window : wxTopLevelWindows) {
-    const auto* dialog = dynamic_cast<const wxDialog*>(window);
-    if (dialog != nullptr && dialog->IsModal()) return true;
-  }
-  return false;
+  return modalDialog() != nullptr;
 }
 
 void WindowPrompter::status(const std::string& text) {
