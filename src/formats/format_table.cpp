@@ -77,10 +77,6 @@ SaveResult writeWavFile(FileSystem& files, const std::string& path, const CWave&
   return saveWav(files, path, wave, options.sync);
 }
 
-LoadResult readMp3File(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
-  return loadMp3(files, path, wave);
-}
-
 SaveResult writeMp3File(FileSystem& files, const std::string& path, const CWave& wave,
                         const SaveOptions& options) {
   return saveMp3(files, path, wave, options);
@@ -93,6 +89,13 @@ std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
   FileHead head{std::vector<uint8_t>(FileHead::kBytes), file->size(), extensionOf(path)};
   head.bytes.resize(file->read(head.bytes.data(), head.bytes.size(), error));
   return head;
+}
+
+// In the samples of other formats bytes that look like frames are found by accident, and decoded to noise.
+LoadResult readMp3File(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
+  const auto head = headOf(files, path);
+  if (head && probeMp3(*head) == Likeness::none) return LoadResult::failure("This is no MP3 file.");
+  return loadMp3(files, path, wave);
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ LoadResult readWhole(File& file, const WaveProgress& progress, FileBytes& bytes)
   // The decoder counts bytes in a long, which has 32 bits on some systems.
   if (all > std::numeric_limits<unsigned long>::max() - MAD_BUFFER_GUARD ||
       !bytes.block.resize(static_cast<size_t>(all) + MAD_BUFFER_GUARD)) {
-    return LoadResult::failure("There is not enough memory for this file.");
+    return LoadResult::outOfMemory();
   }
   auto* target = static_cast<uint8_t*>(bytes.block.data());
   std::error_code error;
@@ -120,7 +120,7 @@ LoadResult Mp3Decoding::run() {
   const int outcome = mad_decoder_run(&decoder, MAD_DECODER_MODE_SYNC);
   mad_decoder_finish(&decoder);
   if (result_.status != LoadStatus::loaded) return result_;
-  if (outcome != 0) return LoadResult::failure("There is not enough memory for decoding this file.");
+  if (outcome != 0) return LoadResult::outOfMemory();
   return finish();
 }
 
@@ -142,12 +142,10 @@ mad_flow Mp3Decoding::hand(mad_stream& stream) {
 mad_flow Mp3Decoding::take(const mad_pcm& pcm) {
   if (pcm.channels == 2 && !hasStereo_) {
     hasStereo_ = true;
-    if (!becomeStereo()) return stop(LoadResult::failure("There is not enough memory for the audio."));
+    if (!becomeStereo()) return stop(LoadResult::outOfMemory());
   }
-  if (frames_ + pcm.length > kMaxFrames) {
-    return stop(LoadResult::failure("The file has more frames than a document can hold."));
-  }
-  if (!makeRoom(pcm.length)) return stop(LoadResult::failure("There is not enough memory for the audio."));
+  if (frames_ + pcm.length > kMaxFrames) return stop(LoadResult::tooLong());
+  if (!makeRoom(pcm.length)) return stop(LoadResult::outOfMemory());
   rateChanged_ = rateChanged_ || (rate_ != 0 && rate_ != pcm.samplerate);
   rate_ = pcm.samplerate;
   append(pcm);

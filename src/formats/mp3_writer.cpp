@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "formats/losses.h"
+
 namespace plumetta {
 namespace {
 
@@ -94,10 +96,7 @@ SaveResult saveMp3(FileSystem& files, const std::string& path, const CWave& wave
 }
 
 std::vector<std::string> lossesOfMp3(const CWave& wave) {
-  std::vector<std::string> losses;
-  if (!wave.markers.empty()) losses.push_back("markers");
-  if (wave.loops.hasLoops()) losses.push_back("loops");
-  if (wave.envelope.active()) losses.push_back("volume envelope");
+  std::vector<std::string> losses = annotationLosses(wave, {});
   if (wave.bitsPerSample() > 16) {
     losses.push_back(std::to_string(wave.bitsPerSample()) + " bits: 16 are kept");
   }

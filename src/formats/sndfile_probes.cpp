@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+#include "formats/mp3_frame_scan.h"
+
 namespace plumetta {
 namespace {
 
@@ -10,7 +12,6 @@ using namespace std::string_view_literals;
 
 constexpr uint64_t kUnknownSize32 = 0xFFFFFFFF;  // written ahead of a length that nobody knew yet
 constexpr size_t kOggPacket = 28;                // of the first page, which holds one packet alone
-constexpr size_t kId3HeaderBytes = 10;
 
 Likeness certainIf(bool condition) { return condition ? Likeness::certain : Likeness::none; }
 
@@ -22,14 +23,6 @@ uint64_t number(const FileHead& head, size_t offset, size_t count, bool bigEndia
     value = value << 8 | head.bytes[offset + (bigEndian ? i : count - 1 - i)];
   }
   return value;
-}
-
-// Where the stream begins behind an ID3v2 tag, which some programs put ahead of it.
-size_t behindId3(const FileHead& head) {
-  if (!head.has(0, "ID3") || head.bytes.size() < kId3HeaderBytes) return 0;
-  size_t size = 0;
-  for (size_t i = 6; i < kId3HeaderBytes; ++i) size = size << 7 | (head.bytes[i] & 0x7F);
-  return kId3HeaderBytes + size;
 }
 
 }  // namespace
@@ -53,9 +46,10 @@ Likeness probeW64(const FileHead& head) {
 }
 
 Likeness probeFlac(const FileHead& head) {
-  if (head.has(behindId3(head), "fLaC")) return Likeness::certain;
+  const size_t tag = id3TagBytes(head.bytes);  // some programs put one ahead of the stream
+  if (head.has(tag, "fLaC")) return Likeness::certain;
   // The tag may be longer than the head that is looked at.
-  const bool mayFollow = head.has(0, "ID3") && behindId3(head) >= head.bytes.size();
+  const bool mayFollow = tag > 0 && tag >= head.bytes.size();
   return mayFollow && head.extension == "flac" ? Likeness::possible : Likeness::none;
 }
 
