@@ -30,7 +30,9 @@ std::vector<const Format*> batchReaders(FileSystem& files, const std::string& pa
   for (const char* name : kTriedByName) {
     if (extension.find(name) != std::string::npos) addOnce(formats, readableFormat(name));
   }
-  for (const Format* format : formatsOfContent(files, path)) addOnce(formats, format);
+  for (const Format* format : formatsOfContent(files, path)) {
+    if (format != &rawFormat()) addOnce(formats, format);  // anything might be raw samples
+  }
   return formats;
 }
 

@@ -331,6 +331,35 @@ class Cli(unittest.TestCase):
         self.assertEqual(json.loads(out)["frames"], 1000)
         self.assertIn("16-bit PCM", self.call("info", "a.wav"))
 
+    def test_open_takes_the_layout_of_raw_samples(self):
+        with open(os.path.join(self.path, "a.bin"), "wb") as file:
+            file.write(b"head" + struct.pack(">4H", 65535, 32768, 1, 65535))
+        raw = "open a.bin rate=11025 channels=2 order=big sign=unsigned offset=4"
+        self.assertEqual(self.edit(raw + " print 0 1"), "1\t0\n-1\t1\n")
+        self.assertEqual(self.state(raw)["rate"], 11025)
+        self.assertEqual(self.state("open a.bin")["frames"], 6)
+        self.assertEqual(self.state("open a.wav")["channels"], 2)
+        self.assertEqual(self.state("open a.wav channels=1 offset=44")["frames"], 2000)
+        self.edit("open a.bin offset=13", status=3)
+        for wrong in ["bits=12", "bits=16 sign=float", "order=middle", "channels=17", "rate=0", "offset=-1"]:
+            self.assertEqual(self.edit("open a.wav state open a.bin " + wrong, status=2), "")
+
+    def test_a_missing_codec_library_is_named(self):
+        if len(COMMAND) > 1 or os.name == "nt":
+            self.skipTest("libraries of Windows lie beside the program")
+        # What stands ahead of the system's own folders is no library at all.
+        for name, start, message in [("libvorbisfile.so.3", b"OggS", "Unable to find vorbis.dll"),
+                                     ("libwavpack.so.1", b"wvpk", "Unable to find wavpackdll.dll")]:
+            for file, content in [(name, b""), ("x.dat", start)]:
+                with open(os.path.join(self.path, file), "wb") as out:
+                    out.write(content)
+            os.environ["LD_LIBRARY_PATH"] = self.path
+            try:
+                self.edit("open x.dat", status=3)
+            finally:
+                del os.environ["LD_LIBRARY_PATH"]
+            self.assertEqual(self.err, "message: " + message + "\n")
+
     def test_help_names_every_step(self):
         text = self.call("edit", "--help")
         for step in ["open FILE", "marker FRAME [label=TEXT]", "envelope-point POSITION VALUE CHANNEL [kind=0]"]:
