@@ -200,7 +200,8 @@ std::string refusalOf(const SndfileKind& kind, const CWave& wave) {
 }
 
 std::vector<std::string> lossesOf(const SndfileKind& kind, const CWave& wave) {
-  AnnotationLimits limits{kind.mostMarkers, kind.mostLoops};
+  if (!refusalOf(kind, wave).empty()) return {};  // a save that is refused loses nothing
+  const AnnotationLimits limits{kind.mostMarkers, kind.mostLoops};
   std::vector<std::string> lost = annotationLosses(wave, limits);
   if (kind.longestLabel > 0 ? hasLongerLabel(wave, kind.longestLabel)
                             : kind.mostMarkers > 0 && hasLongerLabel(wave, 0)) {
