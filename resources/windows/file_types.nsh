@@ -6,6 +6,19 @@
   WriteRegStr SHCTX "Software\Classes\Plumetta.wav\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
   WriteRegStr SHCTX "Software\Classes\.wav\OpenWithProgids" "Plumetta.wav" ""
   WriteRegStr SHCTX "Software\Classes\.wave\OpenWithProgids" "Plumetta.wav" ""
+  WriteRegStr SHCTX "Software\Classes\Plumetta.mp3" "" "MP3 audio"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.mp3\DefaultIcon" "" "$INSTDIR\plumetta.exe,0"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.mp3\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
+  WriteRegStr SHCTX "Software\Classes\.mp3\OpenWithProgids" "Plumetta.mp3" ""
+  WriteRegStr SHCTX "Software\Classes\Plumetta.ogg" "" "Ogg Vorbis audio"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.ogg\DefaultIcon" "" "$INSTDIR\plumetta.exe,0"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.ogg\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
+  WriteRegStr SHCTX "Software\Classes\.ogg\OpenWithProgids" "Plumetta.ogg" ""
+  WriteRegStr SHCTX "Software\Classes\.oga\OpenWithProgids" "Plumetta.ogg" ""
+  WriteRegStr SHCTX "Software\Classes\Plumetta.wv" "" "WavPack audio"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.wv\DefaultIcon" "" "$INSTDIR\plumetta.exe,0"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.wv\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
+  WriteRegStr SHCTX "Software\Classes\.wv\OpenWithProgids" "Plumetta.wv" ""
   WriteRegStr SHCTX "Software\Classes\Plumetta.rf64" "" "RF64 audio"
   WriteRegStr SHCTX "Software\Classes\Plumetta.rf64\DefaultIcon" "" "$INSTDIR\plumetta.exe,0"
   WriteRegStr SHCTX "Software\Classes\Plumetta.rf64\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
@@ -52,12 +65,28 @@
   WriteRegStr SHCTX "Software\Classes\Plumetta.oga\DefaultIcon" "" "$INSTDIR\plumetta.exe,0"
   WriteRegStr SHCTX "Software\Classes\Plumetta.oga\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
   WriteRegStr SHCTX "Software\Classes\.oga\OpenWithProgids" "Plumetta.oga" ""
+  WriteRegStr SHCTX "Software\Classes\Plumetta.vox" "" "Dialogic VOX audio"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.vox\DefaultIcon" "" "$INSTDIR\plumetta.exe,0"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.vox\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
+  WriteRegStr SHCTX "Software\Classes\.vox\OpenWithProgids" "Plumetta.vox" ""
+  WriteRegStr SHCTX "Software\Classes\Plumetta.s" "" "S1000 sample"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.s\DefaultIcon" "" "$INSTDIR\plumetta.exe,0"
+  WriteRegStr SHCTX "Software\Classes\Plumetta.s\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
+  WriteRegStr SHCTX "Software\Classes\.s\OpenWithProgids" "Plumetta.s" ""
+  WriteRegStr SHCTX "Software\Classes\.s1\OpenWithProgids" "Plumetta.s" ""
 !macroend
 
 !macro PlumettaUnregisterFileTypes
   DeleteRegKey SHCTX "Software\Classes\Plumetta.wav"
   DeleteRegValue SHCTX "Software\Classes\.wav\OpenWithProgids" "Plumetta.wav"
   DeleteRegValue SHCTX "Software\Classes\.wave\OpenWithProgids" "Plumetta.wav"
+  DeleteRegKey SHCTX "Software\Classes\Plumetta.mp3"
+  DeleteRegValue SHCTX "Software\Classes\.mp3\OpenWithProgids" "Plumetta.mp3"
+  DeleteRegKey SHCTX "Software\Classes\Plumetta.ogg"
+  DeleteRegValue SHCTX "Software\Classes\.ogg\OpenWithProgids" "Plumetta.ogg"
+  DeleteRegValue SHCTX "Software\Classes\.oga\OpenWithProgids" "Plumetta.ogg"
+  DeleteRegKey SHCTX "Software\Classes\Plumetta.wv"
+  DeleteRegValue SHCTX "Software\Classes\.wv\OpenWithProgids" "Plumetta.wv"
   DeleteRegKey SHCTX "Software\Classes\Plumetta.rf64"
   DeleteRegValue SHCTX "Software\Classes\.rf64\OpenWithProgids" "Plumetta.rf64"
   DeleteRegKey SHCTX "Software\Classes\Plumetta.aiff"
@@ -84,4 +113,9 @@
   DeleteRegValue SHCTX "Software\Classes\.opus\OpenWithProgids" "Plumetta.opus"
   DeleteRegKey SHCTX "Software\Classes\Plumetta.oga"
   DeleteRegValue SHCTX "Software\Classes\.oga\OpenWithProgids" "Plumetta.oga"
+  DeleteRegKey SHCTX "Software\Classes\Plumetta.vox"
+  DeleteRegValue SHCTX "Software\Classes\.vox\OpenWithProgids" "Plumetta.vox"
+  DeleteRegKey SHCTX "Software\Classes\Plumetta.s"
+  DeleteRegValue SHCTX "Software\Classes\.s\OpenWithProgids" "Plumetta.s"
+  DeleteRegValue SHCTX "Software\Classes\.s1\OpenWithProgids" "Plumetta.s"
 !macroend

@@ -334,19 +334,13 @@ class Cli(unittest.TestCase):
     def test_each_lossless_format_opens_to_the_same_sound(self):
         self.edit("open a.wav marker 5 loop 10 20 save a.aiff save a.rf64")
         samples = self.edit("open a.wav print 0 999")
-        formats = [json.loads(line) for line in self.call("formats", "--json").splitlines()]
-        tried = []
-        for row in formats:
-            name = "b." + row["extensions"][0]
-            if not (row["reads"] and row["writes"]) or name in ["b.opus", "b.iff", "b.mp3"]:
-                continue
-            tried.append(name)
+        for name in ["b.wav", "b.rf64", "b.aiff", "b.au", "b.voc", "b.caf", "b.w64", "b.flac"]:
             self.edit("open a.wav save " + name)
             self.assertEqual(self.edit(f"open {name} print 0 999"), samples, name)
             self.assertEqual(self.state("open " + name)["bits"], 16)
             self.assertEqual(self.err, "")
-        for name in ["b.wav", "b.rf64", "b.aiff", "b.au", "b.voc", "b.caf", "b.w64", "b.flac"]:
-            self.assertIn(name, tried)
+        formats = [json.loads(line) for line in self.call("formats", "--json").splitlines()]
+        self.assertEqual([row["extensions"][0] for row in formats if row["name"] == "FLAC audio"], ["flac"])
         for name in ["a.aiff", "a.rf64"]:
             state = self.state("open " + name)
             self.assertEqual([marker["position"] for marker in state["markers"]], [5])
