@@ -49,6 +49,7 @@ constexpr StoredEncodings kVocEncodings{{kUnsignedEight,
 constexpr StoredEncodings onlyFloats(int subtype) { return {{{Encoding::float32, kSigned, subtype}}}; }
 
 std::string opusRefusal(const CWave& wave) {
+  if (wave.frames() == 0) return "An Opus file can't be empty.";
   for (const uint32_t rate : {8000u, 12000u, 16000u, 24000u, 48000u}) {
     if (wave.sampleRate() == rate) return {};
   }
