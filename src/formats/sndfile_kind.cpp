@@ -49,6 +49,7 @@ constexpr StoredEncodings kVocEncodings{{kUnsignedEight,
 constexpr StoredEncodings onlyFloats(int subtype) { return {{{Encoding::float32, kSigned, subtype}}}; }
 
 std::string opusRefusal(const CWave& wave) {
+  if (wave.frames() == 0) return "An Opus file can't be empty.";
   for (const uint32_t rate : {8000u, 12000u, 16000u, 24000u, 48000u}) {
     if (wave.sampleRate() == rate) return {};
   }
@@ -200,7 +201,8 @@ std::string refusalOf(const SndfileKind& kind, const CWave& wave) {
 }
 
 std::vector<std::string> lossesOf(const SndfileKind& kind, const CWave& wave) {
-  AnnotationLimits limits{kind.mostMarkers, kind.mostLoops};
+  if (!refusalOf(kind, wave).empty()) return {};  // a save that is refused loses nothing
+  const AnnotationLimits limits{kind.mostMarkers, kind.mostLoops};
   std::vector<std::string> lost = annotationLosses(wave, limits);
   if (kind.longestLabel > 0 ? hasLongerLabel(wave, kind.longestLabel)
                             : kind.mostMarkers > 0 && hasLongerLabel(wave, 0)) {

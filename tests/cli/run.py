@@ -360,6 +360,39 @@ class Cli(unittest.TestCase):
                 del os.environ["LD_LIBRARY_PATH"]
             self.assertEqual(self.err, "message: " + message + "\n")
 
+    def test_each_lossless_format_opens_to_the_same_sound(self):
+        self.edit("open a.wav marker 5 loop 10 20 save a.aiff save a.rf64")
+        samples = self.edit("open a.wav print 0 999")
+        for name in ["b.wav", "b.rf64", "b.aiff", "b.au", "b.voc", "b.caf", "b.w64", "b.flac"]:
+            self.edit("open a.wav save " + name)
+            self.assertEqual(self.edit(f"open {name} print 0 999"), samples, name)
+            self.assertEqual(self.state("open " + name)["bits"], 16)
+            self.assertEqual(self.err, "")
+        formats = [json.loads(line) for line in self.call("formats", "--json").splitlines()]
+        self.assertEqual([row["extensions"][0] for row in formats if row["name"] == "FLAC audio"], ["flac"])
+        for name in ["a.aiff", "a.rf64"]:
+            state = self.state("open " + name)
+            self.assertEqual([marker["position"] for marker in state["markers"]], [5])
+            self.assertEqual([(loop["start"], loop["end"]) for loop in state["loops"]], [(10, 20)])
+
+    def test_what_a_format_can_not_hold_is_told_once_and_the_step_goes_on(self):
+        told = "message: Saving {} as FLAC audio does not keep: markers"
+        self.edit("open a.wav marker 5 save b.flac save c.flac save d.wav")
+        self.assertEqual(self.err.splitlines(), [told.format("b.flac")])
+        self.edit("new 44100 9 16 10 save e.flac", status=3)
+        self.assertIn("FLAC holds at most 8 channels", self.err)
+        self.assertNotIn("does not keep", self.err)
+        wav = bytearray(self.read("a.wav") + b"LIST\x0e\0\0\0INFOIART\x02\0\0\0me")
+        wav[4:8] = struct.pack("<I", len(wav) - 8)
+        with open(os.path.join(self.path, "t.wav"), "wb") as file:
+            file.write(wav)
+        self.edit("open t.wav save u.wav save v.wav")
+        self.assertEqual(self.err, "message: Saving u.wav as WAV audio does not keep: text information (LIST/INFO)\n")
+        self.call("settings", "set", "General", "KeepForeignChunks", "1")
+        self.assertEqual([chunk["id"] for chunk in self.state("open t.wav save u.wav open u.wav")["extra_chunks"]],
+                         ["LIST", "ETTA"])
+        self.assertEqual(self.err, "")
+
     def test_help_names_every_step(self):
         text = self.call("edit", "--help")
         for step in ["open FILE", "marker FRAME [label=TEXT]", "envelope-point POSITION VALUE CHANNEL [kind=0]"]:
