@@ -1,7 +1,7 @@
 ; SPDX-License-Identifier: GPL-3.0-or-later
 ; The installer for Windows, compiled by tools/package. It is told STAGE, the folder that holds what is to be installed;
-; VERSION; OUTPUT, where the installer goes; and LISTS, a folder with scripts made from the stage and from
-; file_types.txt: remove_files.nsh, add_types.nsh and remove_types.nsh.
+; VERSION; OUTPUT, where the installer goes; TYPES, the script that registers types of files; and LISTS, a folder with
+; scripts made from these two: remove_files.nsh, own_types.nsh and empty_types.nsh.
 ;
 ; For everybody where the person may install for everybody, else (or with /CurrentUser) for the person alone. /S asks
 ; nothing, /D=FOLDER names the folder. What it makes is what the uninstaller removes: files that the program has
@@ -21,7 +21,6 @@ VIAddVersionKey FileDescription "Installs the Plumetta audio editor"
 VIAddVersionKey LegalCopyright "GPL-3.0-or-later"
 
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Plumetta"
-!define TYPE Plumetta.SoundFile
 !define CAPABILITIES "Software\Plumetta\Capabilities"
 !define MULTIUSER_EXECUTIONLEVEL Highest
 !define MULTIUSER_MUI
@@ -35,6 +34,7 @@ VIAddVersionKey LegalCopyright "GPL-3.0-or-later"
 !include MultiUser.nsh
 !include MUI2.nsh
 !include FileFunc.nsh
+!include "${TYPES}"
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
@@ -67,13 +67,13 @@ Section
   WriteUninstaller "$INSTDIR\uninstall.exe"
   CreateShortcut "$SMPROGRAMS\Plumetta.lnk" "$INSTDIR\plumetta.exe"
 
-  WriteRegStr SHCTX "Software\Classes\${TYPE}" "" "Sound file"
-  WriteRegStr SHCTX "Software\Classes\${TYPE}\DefaultIcon" "" "$INSTDIR\plumetta.exe,0"
-  WriteRegStr SHCTX "Software\Classes\${TYPE}\shell\open\command" "" '"$INSTDIR\plumetta.exe" "%1"'
+!ifmacrodef PlumettaRegisterFileTypes
+  !insertmacro PlumettaRegisterFileTypes
+!endif
   WriteRegStr SHCTX "${CAPABILITIES}" ApplicationName Plumetta
   WriteRegStr SHCTX "${CAPABILITIES}" ApplicationDescription "Audio editor"
   WriteRegStr SHCTX "Software\RegisteredApplications" Plumetta "${CAPABILITIES}"
-  !include "${LISTS}\add_types.nsh"
+  !include "${LISTS}\own_types.nsh"
   !insertmacro TellShell
 
   WriteRegStr SHCTX "${UNINSTALL_KEY}" DisplayName Plumetta
@@ -91,8 +91,10 @@ SectionEnd
 
 Section Uninstall
   Delete "$SMPROGRAMS\Plumetta.lnk"
-  !include "${LISTS}\remove_types.nsh"
-  DeleteRegKey SHCTX "Software\Classes\${TYPE}"
+!ifmacrodef PlumettaUnregisterFileTypes
+  !insertmacro PlumettaUnregisterFileTypes
+!endif
+  !include "${LISTS}\empty_types.nsh"
   DeleteRegValue SHCTX "Software\RegisteredApplications" Plumetta
   DeleteRegKey SHCTX "${CAPABILITIES}"
   DeleteRegKey /ifnosubkeys /ifnovalues SHCTX "Software\Plumetta"

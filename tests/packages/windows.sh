@@ -44,7 +44,7 @@ cycle() {  # WORD FOLDER
   [[ -z $missing ]] || fail "Not installed: $missing"
   [[ -z $(foreign_needs "$installed") ]] || fail "$(foreign_needs "$installed")"
   grep -qi 'Start Menu/Programs/Plumetta.lnk$' "$scratch/between" || fail "There is no entry in the start menu."
-  grep -q '^"Plumetta.SoundFile"' "$scratch/between" || fail "No type of file knows the editor."
+  grep -qE '^"Plumetta\.[a-z0-9]+"=""' "$scratch/between" || fail "No type of file knows the editor."
   (cd "$installed" && use)
   # Settings, in the folder of a program that may write there.
   own=$(ls "$installed" | grep -vxFf <(ls "$stage"; echo uninstall.exe)) || fail "The editor kept no settings."
