@@ -193,9 +193,10 @@ class Hanging {
     chooseFault("hang-process");
   }
   ~Hanging() {
-    letGo(true);
+    end();
     std::this_thread::sleep_for(std::chrono::milliseconds(200));  // those left behind end
   }
+  void end() { letGo(true); }
 
  private:
   void letGo(bool go) { library_.function<void(bool)>("letGo")(go); }
@@ -222,7 +223,7 @@ TEST_F(RackTest, GivesUpOneThatHangsOverSamples) {
 
 TEST_F(RackTest, ClosesOneThatHangsInPlayingWithinTwoSeconds) {
   std::atomic<bool> removed{false};
-  const Hanging hanging;
+  Hanging hanging;
   add("misbehaving");
   std::thread audio([&] {
     while (!removed) play(2, 1.0f);
@@ -235,7 +236,8 @@ TEST_F(RackTest, ClosesOneThatHangsInPlayingWithinTwoSeconds) {
   EXPECT_TRUE(host.hasAbandoned());
   EXPECT_EQ(rack.takeFaultTexts().size(), 1u);
   EXPECT_EQ(host.open(testPlugin("gain")), 1) << "somebody is still in the first slot";
-  audio.detach();
+  hanging.end();
+  audio.join();
 }
 
 // ---- Against the audio thread ---------------------------------------------------------------------------
