@@ -80,11 +80,16 @@ PlaybackEngine::PlaybackEngine(AudioLock& lock, PlaybackControls& controls, int 
 
 void PlaybackEngine::abandonCallback() { turn_ = turns_.emplace_back(std::make_unique<Turn>(0)).get(); }
 
-// A callback that begins after the exchange sees the new pointer; one that had begun before is waited for.
+// A callback that begins after the exchange sees the new pointer; one that had begun before is waited for,
+// but not for ever: one that is still in the rack then has got nothing of the old pointers but the rack
+// itself.
 void PlaybackEngine::waitForCallback() const {
   const Turn& now = *turn_;
   const unsigned turn = now;
-  while (turn % 2 == 1 && now == turn) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  constexpr std::chrono::seconds kPatience{3};
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  while (turn % 2 == 1 && now == turn && std::chrono::steady_clock::now() < deadline)
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 void PlaybackEngine::setRack(BlockProcessor* rack) {

@@ -25,7 +25,7 @@ class Bank : public TestPlugin {
     float values[kValues];
   };
 
-  Program& present() { return programs_[std::clamp(program_, 0, kPrograms - 1)]; }
+  Program& present() { return programs_[std::clamp(program_.load(), 0, kPrograms - 1)]; }
   void process(float** inputs, float** outputs, int frames) override {
     for (int c = 0; c < 2; ++c) {
       for (int i = 0; i < frames; ++i) outputs[c][i] = inputs[c][i] + present().values[0];

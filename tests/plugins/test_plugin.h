@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -79,7 +80,7 @@ class TestPlugin {
     if (opcode == effGetVendorVersion) return 7;
     if (opcode == effGetPlugCategory) return 1;
     if (opcode == effSetProgram) program_ = static_cast<int>(value);
-    return opcode == effGetProgram ? program_ : 0;
+    return opcode == effGetProgram ? program_.load() : 0;
   }
 
   static std::string decimal(float value) {
@@ -89,7 +90,7 @@ class TestPlugin {
   }
 
   HostCallbackFunction host_;
-  int program_ = 0;
+  std::atomic<int> program_{0};  // chosen on one thread while another one processes
   std::vector<float> values_;
 
  private:

@@ -127,10 +127,10 @@ TEST(VstHost, AnswersOneThatIsNotInTheTableYet) {
   // What it got something other than 0 for: none of what only a plug-in in the table is answered (6, 11, 14,
   // 41).
   std::string answered = takeJournal("misbehaving");
-  answered.erase(answered.find("0 10:"));
+  answered.erase(answered.find(" 0 10:"));
   std::string expected;
   for (int opcode = -1; opcode <= 60; ++opcode) {
-    const std::string list = " 1 2 7 10 12 15 16 17 20 21 30 32 33 34 37 38 ";
+    const std::string list = " 1 2 7 10 12 15 16 17 20 21 30 32 33 34 38 ";
     const std::string own = std::to_string(opcode) + " ";
     expected += list.find(" " + own) != std::string::npos ? own : "0 ";
   }
