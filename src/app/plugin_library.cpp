@@ -6,6 +6,7 @@
 #include <set>
 
 #include "platform/child_process.h"
+#include "platform/file_identity.h"
 #include "platform/paths.h"
 #include "platform/plugin_folders.h"
 #include "platform/private_profile.h"
@@ -41,18 +42,20 @@ std::string joined(const std::vector<std::string>& lines) {
 // Of the chain's libraries those that are there and that nobody has chosen before, each once.
 std::vector<std::string> unknownLibraries(Application& app, const Chain& chain) {
   std::set<std::string> known;
-  for (const PluginDescription& plugin : listedPlugins(app)) known.insert(pathIdentity(plugin.path));
+  for (const PluginDescription& plugin : listedPlugins(app)) known.insert(realPath(plugin.path));
   for (int slot = 0; slot < VstHost::kSlots; ++slot) {
-    if (const VstPlugin* plugin = app.vstHost().plugin(slot)) known.insert(pathIdentity(plugin->path()));
+    if (const VstPlugin* plugin = app.vstHost().plugin(slot)) known.insert(realPath(plugin->path()));
   }
-  const std::vector<std::string> folders = usualPluginFolders();
+  std::vector<std::string> folders = usualPluginFolders();
+  for (std::string& folder : folders) folder = realPath(folder);
   std::vector<std::string> unknown;
   for (const ChainPlugin& plugin : chain) {
     if (isNetworkPath(plugin.path) || app.files().kind(absolutePath(plugin.path)) != FileKind::regular)
       continue;
-    const auto holds = [&](const std::string& folder) { return isBelow(plugin.path, folder); };
+    const std::string path = realPath(plugin.path);
+    const auto holds = [&](const std::string& folder) { return liesInFolder(path, folder); };
     if (std::ranges::any_of(folders, holds)) continue;
-    if (known.insert(pathIdentity(plugin.path)).second) unknown.push_back(plugin.path);
+    if (known.insert(path).second) unknown.push_back(plugin.path);
   }
   return unknown;
 }
