@@ -39,6 +39,7 @@ int runSettings(const CallOptions& options, WordReader words);
 int runWindow(const CallOptions& options, WordReader words);
 int runDevices(const CallOptions& options, WordReader words);
 int runPlay(const CallOptions& options, WordReader words);
+int runVst(const CallOptions& options, WordReader words);
 int runRecord(const CallOptions& options, WordReader words);
 
 // The steps of `edit` with their arguments, a line each.

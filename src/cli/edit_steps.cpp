@@ -311,6 +311,7 @@ const std::vector<EditStep>& editSteps() {
   static const std::vector<EditStep> steps = [] {
     std::vector<EditStep> all = ownSteps();
     for (EditStep& step : rackSteps()) all.push_back(std::move(step));
+    for (EditStep& step : rackFileSteps()) all.push_back(std::move(step));
     for (const Command& command : commandTable()) {
       // These are the steps `quick` and `channel`, which take the number as an argument.
       const std::string_view id = command.id;

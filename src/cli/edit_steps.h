@@ -45,6 +45,8 @@ EditStep openStep();
 EditStep bounceStep();
 // The rack of plug-ins, but for `rack-apply`, which is a command.
 std::vector<EditStep> rackSteps();
+// Its files.
+std::vector<EditStep> rackFileSteps();
 
 StepOutcome outcomeOf(FileOutcome outcome);
 

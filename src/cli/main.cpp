@@ -6,6 +6,7 @@
 #include "cli/call.h"
 #include "doc/document.h"
 #include "platform/terminal.h"
+#include "vst/plugin_probe.h"
 
 namespace plumetta {
 namespace {
@@ -28,6 +29,11 @@ constexpr CliCommand kCommands[] = {
      "saves an averaged spectrum (N 4096, KIND Hanning unless told otherwise), or prints a saved one as JSON",
      runSpectrum},
     {"window", "window KIND N", "the N coefficients of a window; KIND is its index or its name", runWindow},
+    {"vst",
+     "vst scan FOLDER [--recurse] [--instruments] [--add] [--again] | vst list [--json] | vst info PLUGIN "
+     "[--json]",
+     "fills the list of plug-ins (--again: also from libraries that were skipped), prints it, asks a plug-in",
+     runVst},
     {"devices", "devices [--json]", "the devices for sound and control, numbered", runDevices},
     {"asio", "asio report INDEX FILE",
      "saves what an ASIO driver tells of itself; INDEX as devices numbers them", runAsio},
@@ -117,5 +123,8 @@ bool print(const std::string& text) {
 
 int main(int argc, char** argv) {
   plumetta::setBinaryOutput();
+  if (argc > 1 && std::string(argv[1]) == plumetta::kProbeSwitch) {
+    return plumetta::runPluginProbe({argv + 2, argv + argc});
+  }
   return plumetta::run({argv + 1, argv + argc});
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The steps that build the rack and look at it.
+#include "app/plugin_library.h"
 #include "cli/edit_steps.h"
 #include "cli/json.h"
-#include "platform/paths.h"
-#include "vst/plugin_text.h"
+#include "vst/plugin_list.h"
 
 namespace plumetta {
 namespace {
@@ -18,7 +18,9 @@ int smallNumber(const StepArguments& arguments, size_t i) {
 }
 
 StepOutcome add(EditSession& session, const StepArguments& arguments) {
-  const RackAddition addition = session.app.rack().add(absolutePath(std::get<std::string>(arguments[0])));
+  const auto path = pluginPath(session.app, std::get<std::string>(arguments[0]));
+  if (!path) return StepOutcome::refused;
+  const RackAddition addition = session.app.rack().add(*path);
   if (!addition.message.empty()) session.app.prompter().message(addition.message);
   return doneIf(addition.position >= 0);
 }
@@ -51,21 +53,13 @@ StepOutcome setParameter(EditSession& session, const StepArguments& arguments) {
                                                 static_cast<float>(value)));
 }
 
-// Its four characters, the most significant byte first; what isn't ASCII is Latin-1.
-std::string idText(int32_t id) {
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8)
-    text += static_cast<char>(static_cast<uint32_t>(id) >> shift & 0xFF);
-  return plainText(text, text.size());
-}
-
 void writePlugin(JsonWriter& json, const Rack& rack, int position) {
   const VstPlugin& plugin = *rack.pluginAt(position);
   const int slot = rack.slotAt(position);
   json.beginObject().key("position").value(position).key("slot").value(slot);
   json.key("path").value(plugin.path()).key("name").value(plugin.effectName());
   json.key("vendor").value(plugin.vendorName()).key("product").value(plugin.productName());
-  json.key("uid").value(idText(plugin.uniqueId())).key("muted").value(rack.isMuted(position));
+  json.key("uid").value(uniqueIdText(plugin.uniqueId())).key("muted").value(rack.isMuted(position));
   json.key("program").value(rack.programOf(slot)).key("parameters").beginArray();
   for (int i = 0; i < plugin.parameterCount(); ++i) {
     json.beginObject().key("name").value(plugin.parameterName(i)).key("value").value(plugin.parameter(i));

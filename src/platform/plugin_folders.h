@@ -14,11 +14,6 @@ std::vector<std::string> usualPluginFolders();
 // The extension of libraries on this system, without the dot.
 extern const std::string_view kLibraryExtension;
 
-// A text that is the same for all paths of one file or folder, whatever links or letters lead there. Of what
-// isn't there it is the path alone, made absolute.
-std::string pathIdentity(const std::string& path);
-// Whether a path lies somewhere below a folder.
-bool isBelow(const std::string& path, const std::string& folder);
 // Whether a path names another machine: "\\host\share" or "//host/share", however it is written.
 bool isNetworkPath(std::string_view path);
 

@@ -74,6 +74,7 @@ class MainFrame : public wxFrame {
   void goTo(CPlumettaDoc& doc);
   void editPreferences();
   void configureMidi();
+  void addPlugin();
   void configureAudio();
   void configureRouting();
   // What a settings dialog or a window has changed takes effect and is stored.

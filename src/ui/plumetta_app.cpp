@@ -4,10 +4,12 @@
 #include <wx/cmdline.h>
 
 #include <clocale>
+#include <cstdlib>
 
 #include "platform/file_system.h"
 #include "ui/main_frame.h"
 #include "ui/text.h"
+#include "vst/plugin_probe.h"
 
 namespace plumetta {
 namespace {
@@ -24,6 +26,15 @@ std::string pathOf(const wxString& argument) {
 }
 
 }  // namespace
+
+bool PlumettaApp::Initialize(int& count, wxChar** words) {
+  if (count > 1 && wxString(words[1]) == kProbeSwitch) {
+    std::vector<std::string> rest;
+    for (int i = 2; i < count; ++i) rest.push_back(pathOf(wxString(words[i])));
+    std::_Exit(runPluginProbe(rest));
+  }
+  return wxApp::Initialize(count, words);
+}
 
 void PlumettaApp::OnInitCmdLine(wxCmdLineParser& parser) {
   wxApp::OnInitCmdLine(parser);

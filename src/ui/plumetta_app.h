@@ -16,6 +16,8 @@ namespace plumetta {
 // The program: `plumetta [--home DIR] [FILE...]`.
 class PlumettaApp : public wxApp {
  public:
+  // Before the toolkit's own start, which a process that looks at plug-ins does without.
+  bool Initialize(int& argc, wxChar** argv) override;
   bool OnInit() override;
   int OnExit() override;
   void OnInitCmdLine(wxCmdLineParser& parser) override;

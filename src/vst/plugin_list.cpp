@@ -71,8 +71,7 @@ std::string oneLine(std::string text) {
 std::string uniqueIdText(int32_t uniqueId) {
   std::string raw;
   for (int shift = 24; shift >= 0; shift -= 8) {
-    const auto byte = static_cast<unsigned char>(static_cast<uint32_t>(uniqueId) >> shift);
-    raw += byte < ' ' || byte == 0x7F ? '?' : static_cast<char>(byte);
+    raw += static_cast<char>(static_cast<uint32_t>(uniqueId) >> shift & 0xFF);
   }
   return plainText(raw, raw.size());
 }

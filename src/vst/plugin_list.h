@@ -35,7 +35,7 @@ extern const std::array<DescriptionKey, 13> kDescriptionKeys;
 
 // Without line ends and other control characters, which would break a file of lines.
 std::string oneLine(std::string text);
-// The four characters of a unique ID, as UTF-8; what can't be seen is a question mark.
+// The four characters of a unique ID, the most significant byte first, as UTF-8: what isn't ASCII is Latin-1.
 std::string uniqueIdText(int32_t uniqueId);
 
 // Of a plug-in that is loaded.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/file_identity.h"
 #include "platform/paths.h"
 #include "platform/plugin_folders.h"
 
@@ -80,7 +81,7 @@ void PluginScan::setCurrentPath(const std::string& path) {
 }
 
 void PluginScan::walk(const std::string& folder) {
-  if (!walked_.insert(pathIdentity(folder)).second) return;
+  if (!walked_.insert(realPath(folder)).second) return;
   std::vector<std::string> names = files_.list(folder);
   std::ranges::sort(names);
   for (const std::string& name : names) {

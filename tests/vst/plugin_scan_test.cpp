@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/child_process.h"
-#include "platform/plugin_folders.h"
+#include "platform/file_identity.h"
 #include "platform/private_profile.h"
 #include "support/temporary_folder.h"
 #include "support/test_plugins.h"
@@ -57,7 +57,7 @@ TEST_F(PluginScanning, ListsEffectsAndAppends) {
   EXPECT_EQ(listed(), (std::vector<std::string>{"Test bank (b.dll)", "Test gain (c.xDLLx)",
                                                 "Test delay (deep.mydll)"}));
   EXPECT_EQ(stored("Total", "Counter"), "3");
-  const std::pair<const char*, std::string> expected[] = {{"Path", pathIdentity(plugins.file("b.dll"))},
+  const std::pair<const char*, std::string> expected[] = {{"Path", realPath(plugins.file("b.dll"))},
                                                           {"Vendor string", "Plumetta tests"},
                                                           {"Product string", "Test bank product"},
                                                           {"VST SDK Version", "2400"},

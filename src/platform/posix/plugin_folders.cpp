@@ -3,8 +3,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 
 #include "platform/paths.h"
 
@@ -25,12 +25,6 @@ std::vector<std::string> usualPluginFolders() {
   folders.emplace_back("/usr/local/lib/vst");
   folders.emplace_back("/usr/lib/vst");
   return folders;
-}
-
-std::string pathIdentity(const std::string& path) {
-  std::error_code error;
-  const auto real = std::filesystem::weakly_canonical(absolutePath(path), error);
-  return error ? std::filesystem::path(absolutePath(path)).lexically_normal().string() : real.string();
 }
 
 long long fileTime(const std::string& path) {

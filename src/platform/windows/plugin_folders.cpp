@@ -5,7 +5,6 @@
 
 #include <array>
 
-#include "platform/paths.h"
 #include "platform/windows/wide.h"
 
 namespace plumetta {
@@ -27,28 +26,6 @@ std::string programFiles(const wchar_t* below) {
   return narrow(value.data()) + narrow(below);
 }
 
-struct FileHandle {
-  HANDLE handle;
-  ~FileHandle() {
-    if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
-  }
-};
-
-// With all links resolved; empty when it isn't there.
-std::wstring finalPath(const std::string& path) {
-  const FileHandle file{CreateFileW(systemPath(path).c_str(), 0,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)};
-  if (file.handle == INVALID_HANDLE_VALUE) return {};
-  std::wstring text(32768, L'\0');
-  const DWORD length =
-      GetFinalPathNameByHandleW(file.handle, text.data(), static_cast<DWORD>(text.size()), 0);
-  if (length == 0 || length >= text.size()) return {};
-  text.resize(length);
-  const bool marked = text.starts_with(L"\\\\?\\") && !text.starts_with(L"\\\\?\\UNC\\");
-  return marked ? text.substr(4) : text;
-}
-
 }  // namespace
 
 const std::string_view kLibraryExtension = "dll";
@@ -62,13 +39,6 @@ std::vector<std::string> usualPluginFolders() {
     if (!folder.empty()) folders.push_back(folder);
   }
   return folders;
-}
-
-std::string pathIdentity(const std::string& path) {
-  std::wstring text = finalPath(path);
-  if (text.empty()) text = fullPath(path);
-  CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
-  return narrow(text);
 }
 
 long long fileTime(const std::string& path) {
