@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// plain_loop IN OUT: what a batch comes down to, without one: loads, normalizes and saves each file of a folder.
+// plain_loop IN OUT: what a batch comes down to, without one: loads, normalizes and saves each file of a
+// folder.
 #include <cstdio>
 
 #include "dsp/amplitude.h"
