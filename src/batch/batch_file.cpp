@@ -11,12 +11,8 @@
 namespace plumetta {
 
 BatchWorker::BatchWorker(FileSystem& files, const BatchSettings& settings, const std::atomic<BatchStop>& stop,
-                         BatchChain chain)
-    : files_(files),
-      settings_(settings),
-      stop_(stop),
-      chain_(std::move(chain)),
-      realInput_(realPath(settings.input)) {
+                         BatchChain& chain)
+    : files_(files), settings_(settings), stop_(stop), chain_(chain), realInput_(realPath(settings.input)) {
   addVersionChunk(wave_);
   wave_.progress = {&BatchWorker::goOn, this};
 }
@@ -52,9 +48,15 @@ void BatchWorker::processLoaded(const std::string& resultPath, const BatchEntry&
 
 bool BatchWorker::apply() {
   const BatchFunction& function = batchFunctions()[static_cast<size_t>(settings_.function)];
-  if (!function.usesChain) return function.apply == nullptr || function.apply(wave_);
+  if (function.usesChain) return applyChain();
+  return function.apply == nullptr || function.apply(wave_);
+}
+
+bool BatchWorker::applyChain() {
+  if (chain_.processor == nullptr) return false;
+  const std::lock_guard lock(chain_.inUse);
   // Equal ends mean all frames.
-  return chain_ && chain_->applyTo(wave_, lock_, 0, 0, wave_.progress) == ChainResult::done;
+  return !cancelled() && chain_.processor->applyTo(wave_, lock_, 0, 0, wave_.progress) == ChainResult::done;
 }
 
 bool BatchWorker::save(const std::string& path) {

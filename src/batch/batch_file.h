@@ -3,7 +3,7 @@
 
 #include <atomic>
 #include <functional>
-#include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -16,16 +16,19 @@ namespace plumetta {
 
 enum class BatchStop { no, afterFile, atOnce };
 
-// The chain of plug-ins that one job uses; jobs that are given the same one wait for each other in it.
-using BatchChain = std::shared_ptr<ChainProcessor>;
-using BatchChainMaker = std::function<BatchChain()>;
+// The chain of plug-ins, which all jobs use: one file at a time goes through it, since plug-ins remember
+// sound.
+struct BatchChain {
+  ChainProcessor* processor = nullptr;  // null where there is none
+  std::mutex inUse;
+};
 
 // Works on one file after another: a working document of its own, and nothing that another one uses. One
 // thread.
 class BatchWorker {
  public:
   BatchWorker(FileSystem& files, const BatchSettings& settings, const std::atomic<BatchStop>& stop,
-              BatchChain chain);
+              BatchChain& chain);
   BatchWorker(const BatchWorker&) = delete;
   BatchWorker& operator=(const BatchWorker&) = delete;
 
@@ -40,6 +43,7 @@ class BatchWorker {
   bool cancelled() const { return stop_ == BatchStop::atOnce; }
   void processLoaded(const std::string& resultPath, const BatchEntry& entry, const Log& log);
   bool apply();
+  bool applyChain();
   bool save(const std::string& path);
   bool mayBeWritten(const std::string& path) const;
   void releaseWave();
@@ -47,7 +51,7 @@ class BatchWorker {
   FileSystem& files_;
   const BatchSettings& settings_;
   const std::atomic<BatchStop>& stop_;
-  const BatchChain chain_;
+  BatchChain& chain_;
   const std::string realInput_;
   AudioLock lock_;  // nobody else has these samples; the chain asks for one
   CWave wave_;

@@ -5,12 +5,12 @@
 #include <thread>
 #include <vector>
 
-#include "batch/batch_functions.h"
-
 namespace plumetta {
 
-BatchRun::BatchRun(FileSystem& files, BatchSettings settings, OrderedLog::Sink log, BatchChainMaker chains)
-    : files_(files), settings_(std::move(settings)), sink_(std::move(log)), chains_(std::move(chains)) {}
+BatchRun::BatchRun(FileSystem& files, BatchSettings settings, OrderedLog::Sink log, ChainProcessor* chain)
+    : files_(files), settings_(std::move(settings)), sink_(std::move(log)) {
+  chain_.processor = chain;
+}
 
 void BatchRun::run() {
   plan_ = planBatch(files_, settings_, [this] { return stop_ != BatchStop::no; });
@@ -60,8 +60,7 @@ size_t BatchRun::turns() const {
 }
 
 void BatchRun::work(OrderedLog& log) {
-  const bool usesChain = batchFunctions()[static_cast<size_t>(settings_.function)].usesChain;
-  BatchWorker worker(files_, settings_, stop_, usesChain && chains_ ? chains_() : nullptr);
+  BatchWorker worker(files_, settings_, stop_, chain_);
   while (stop_ == BatchStop::no) {
     const size_t turn = nextTurn_++;
     if (turn >= turns()) return;

@@ -21,9 +21,9 @@ struct BatchProgress {
 // One batch, from the walk of the input folder to the closing banner.
 class BatchRun {
  public:
-  // `log` gets every text of the log in order, one call at a time, from threads of the batch. `chains` makes
-  // what applies the plug-in chain, one for each job; only the function that uses it asks for it.
-  BatchRun(FileSystem& files, BatchSettings settings, OrderedLog::Sink log, BatchChainMaker chains = nullptr);
+  // `log` gets every text of the log in order, one call at a time, from threads of the batch. `chain` is for
+  // the function that applies one, and outlives the batch.
+  BatchRun(FileSystem& files, BatchSettings settings, OrderedLog::Sink log, ChainProcessor* chain = nullptr);
 
   // Works until all is done or somebody asks to stop; on the calling thread and as many more as there are
   // jobs beyond one. Once.
@@ -45,7 +45,7 @@ class BatchRun {
   FileSystem& files_;
   const BatchSettings settings_;
   const OrderedLog::Sink sink_;
-  const BatchChainMaker chains_;
+  BatchChain chain_;
   BatchPlan plan_;
   std::atomic<BatchStop> stop_{BatchStop::no};
   std::atomic<size_t> nextTurn_{0};

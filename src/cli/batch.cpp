@@ -5,6 +5,7 @@
 #include <mutex>
 #include <thread>
 
+#include "app/application.h"
 #include "batch/batch_functions.h"
 #include "batch/batch_run.h"
 #include "cli/batch_logs.h"
@@ -83,12 +84,12 @@ BatchCall readCall(WordReader& words) {
   return call;
 }
 
-// What makes the plug-in chain for each job; nothing, with a message, when there is none.
-std::optional<BatchChainMaker> chainsFor(const BatchCall& call, Prompter& prompter) {
-  if (!batchFunctions()[static_cast<size_t>(call.settings.function)].usesChain) return BatchChainMaker();
-  prompter.message(call.chain.empty() ? "There is no active plug-in: --chain FILE.sor is missing"
-                                      : "This version can't load a chain of plug-ins");
-  return std::nullopt;
+// Brings the chain of the call into the rack. False, with a message, when it has no active plug-in.
+bool loadChain(const BatchCall& call, Application& app) {
+  if (!call.chain.empty()) app.prompter().message("This version can't load a chain of plug-ins");
+  if (app.rack().hasActivePlugin()) return true;
+  app.prompter().message("There is no active plug-in in the rack");
+  return false;
 }
 
 // Whether the folders may be used like this; a message or question has told why not.
@@ -148,11 +149,14 @@ class WatchedRun {
   std::thread thread_;
 };
 
-int runCall(BatchCall call, TerminalPrompter& prompter) {
+int runCall(BatchCall call, TerminalPrompter& prompter, const std::string& home) {
   FileSystem& files = nativeFileSystem();
   BatchSettings& settings = call.settings;
-  const auto chains = chainsFor(call, prompter);
-  if (!chains) return kRefused;
+  std::optional<Application> app;  // for its rack
+  if (batchFunctions()[static_cast<size_t>(settings.function)].usesChain) {
+    app.emplace(prompter, files, home);
+    if (!loadChain(call, *app)) return kRefused;
+  }
   if (settings.input.empty() || settings.output.empty()) {
     prompter.message(kSelectDirectories);
     return kRefused;
@@ -174,7 +178,7 @@ int runCall(BatchCall call, TerminalPrompter& prompter) {
         printed = printed && print(std::string(text));
         logFile.write(text);
       },
-      *chains);
+      app ? &app->rack() : nullptr);
   { WatchedRun(run, prompter).watch(); }
   if (const auto [done, total, last] = run.progress(); done < total) {
     prompter.message("Stopped after " + std::to_string(done) + " of " + std::to_string(total) + " files");
@@ -202,7 +206,7 @@ int runBatch(const CallOptions& options, WordReader words) {
   }
   BatchCall call = readCall(words);
   if (words.failed()) return wrongCall(words.error());
-  return runCall(std::move(call), prompter);
+  return runCall(std::move(call), prompter, options.home);
 }
 
 }  // namespace plumetta

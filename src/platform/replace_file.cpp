@@ -12,8 +12,12 @@ namespace {
 using Produce = std::function<std::error_code(File&)>;
 using Complete = std::function<std::error_code(const std::string&)>;
 
-// Files that the system offers under these names (a shell's own output, a device) are never replaced.
-bool isDevicePath(const std::string& path) { return path.starts_with("/dev/") || path.starts_with("/proc/"); }
+// Files that the system offers under these names (a shell's own output, a device) are never replaced; but
+// shared memory, which many use for files that live shortly, is a folder like any other.
+bool isDevicePath(const std::string& path) {
+  if (path.starts_with("/dev/shm/")) return false;
+  return path.starts_with("/dev/") || path.starts_with("/proc/");
+}
 
 // Short and free of the target's name, so that it fits wherever the target's own name does.
 std::string temporaryName() {

@@ -32,13 +32,11 @@ wxArrayInt logColumns() {
 
 }  // namespace
 
-CBatchProcessorDlg::CBatchProcessorDlg(wxWindow* parent, Application& app, WindowProfile& profile,
-                                       ChainProcessor* chain)
+CBatchProcessorDlg::CBatchProcessorDlg(wxWindow* parent, Application& app, WindowProfile& profile)
     : wxDialog(parent, wxID_ANY, "Batch processor", wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
       app_(app),
       profile_(profile),
-      chain_(chain),
       timer_(this) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   all->Add(makeChoices(), 0, wxEXPAND | wxALL, FromDIP(kMargin));
@@ -167,7 +165,7 @@ void CBatchProcessorDlg::browse(wxTextCtrl& field, const wxString& question) {
 bool CBatchProcessorDlg::accept(BatchSettings& settings) {
   Prompter& prompter = app_.prompter();
   const bool usesChain = batchFunctions()[static_cast<size_t>(settings.function)].usesChain;
-  if (usesChain && (chain_ == nullptr || !chain_->hasActivePlugin())) {
+  if (usesChain && !app_.rack().hasActivePlugin()) {
     prompter.message("There is no active plug-in in the rack");
     return false;
   }
@@ -213,9 +211,7 @@ void CBatchProcessorDlg::start() {
     const std::lock_guard lock(pendingMutex_);
     pending_ += text;
   };
-  const auto notOwned = [](ChainProcessor*) {};
-  run_ = std::make_unique<BatchRun>(app_.files(), settings, toPending,
-                                    [=, this] { return BatchChain(chain_, notOwned); });
+  run_ = std::make_unique<BatchRun>(app_.files(), settings, toPending, &app_.rack());
   finished_ = false;
   stopAsked_ = false;
   begun_ = std::chrono::steady_clock::now();

@@ -26,8 +26,7 @@ namespace plumetta {
 // Modal.
 class CBatchProcessorDlg : public wxDialog {
  public:
-  // `chain` is the plug-in chain of the editor, null where there is none; it outlives the dialog.
-  CBatchProcessorDlg(wxWindow* parent, Application& app, WindowProfile& profile, ChainProcessor* chain);
+  CBatchProcessorDlg(wxWindow* parent, Application& app, WindowProfile& profile);
   // Stops what runs.
   ~CBatchProcessorDlg() override;
 
@@ -55,7 +54,6 @@ class CBatchProcessorDlg : public wxDialog {
 
   Application& app_;
   WindowProfile& profile_;
-  ChainProcessor* chain_;
 
   wxTextCtrl* input_ = nullptr;
   wxTextCtrl* output_ = nullptr;

@@ -107,7 +107,7 @@ MenuPlan MainFrame::fileMenu() {
        {"exit", "E&xit", "Ctrl+Q", "Leave Plumetta", [this] { Close(); }}}};
 }
 
-void MainFrame::processFolder() { CBatchProcessorDlg(this, app_, profile_, nullptr).ShowModal(); }
+void MainFrame::processFolder() { CBatchProcessorDlg(this, app_, profile_).ShowModal(); }
 
 std::vector<Action> MainFrame::recentActions() {
   std::vector<Action> actions;

@@ -105,12 +105,12 @@ TEST_F(BatchTest, ASecondStopGivesUpTheFileInWork) {
   addFiles(2);
   fs::rename(folder.file("in/f101.wav"), folder.file("in/a stereo.wav"));
   settings.function = *batchFunctionIn("VST Chain");
-  const auto chain = std::make_shared<SlowChain>();
+  SlowChain chain;
   std::string log;
   BatchRun batch(
-      nativeFileSystem(), settings, [&](std::string_view text) { log += text; }, [&] { return chain; });
+      nativeFileSystem(), settings, [&](std::string_view text) { log += text; }, &chain);
   std::thread worker([&] { batch.run(); });
-  while (!chain->begun) std::this_thread::yield();
+  while (!chain.begun) std::this_thread::yield();
   batch.requestStop();
   batch.requestStop();
   worker.join();
