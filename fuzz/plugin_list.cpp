@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Any bytes as the list of plug-ins and as the file of those that are left out: both load, and the list can be
-// added to, unless its file is one that nothing is added to.
+// Any bytes as the list of plug-ins and as the file of those that are left out: both load, and the list can
+// be added to, unless its file is one that nothing is added to.
 #include "vst/plugin_list.h"
 
 #include <cstdlib>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A plug-in of two programs and three parameters that ends the process when it is told what no plug-in should be.
+// A plug-in of two programs and three parameters that ends the process when it is told what no plug-in should
+// be.
 #include <cmath>
 #include <cstdlib>
 #include <cstring>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/form_dialog.h"
 
-#include <wx/button.h>
 #include <wx/panel.h>
 #include <wx/settings.h>
 
@@ -204,6 +203,19 @@ wxCheckBox* FormDialog::addCheckBox(const wxString& label, bool value) {
   content->Add(box, 1);
   addRow(wxString(), box, content, nullptr);
   return box;
+}
+
+std::vector<wxButton*> FormDialog::addButtons(const std::vector<ButtonPlan>& plans) {
+  std::vector<wxButton*> buttons;
+  auto* content = new wxBoxSizer(wxHORIZONTAL);
+  for (const ButtonPlan& plan : plans) {
+    auto* button = buttons.emplace_back(new wxButton(holder_, wxID_ANY, wxString()));
+    button->SetLabel(withMnemonic(plan.label, button));
+    button->Bind(wxEVT_BUTTON, [action = plan.action](wxCommandEvent&) { action(); });
+    content->Add(button, 0, wxRIGHT, FromDIP(kGap));
+  }
+  if (!buttons.empty()) addRow(wxString(), buttons.front(), content, nullptr);
+  return buttons;
 }
 
 std::string FormDialog::problemOf(const Field& field) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <wx/button.h>
 #include <wx/checkbox.h>
 #include <wx/choice.h>
 #include <wx/combobox.h>
@@ -33,6 +34,12 @@ class FormDialog : public wxDialog {
   wxChoice* addChoice(const wxString& label, const wxArrayString& choices, int selected,
                       const wxString& behind = wxString());
   wxCheckBox* addCheckBox(const wxString& label, bool value);
+  // In a row of their own, for what is done at once and not on OK.
+  struct ButtonPlan {
+    wxString label;
+    std::function<void()> action;
+  };
+  std::vector<wxButton*> addButtons(const std::vector<ButtonPlan>& plans);
   // A number with the unit it is given in.
   struct NumberWithUnit {
     wxTextCtrl* number;

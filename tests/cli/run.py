@@ -172,6 +172,10 @@ class Cli(unittest.TestCase):
             self.assertIn(f"  {device['index']}  {device['name']}\n", text)
         self.assertEqual(text.count("  none"), sum(not devices for devices in lists.values()))
         self.call("devices", "--bogus", status=2)
+        self.call("asio", "report", "99", "report.txt", status=1)
+        self.assertEqual(self.err, "message: There is no ASIO driver 99.\n")
+        for words in [[], ["probe"], ["report"], ["report", "0"], ["report", "-1", "a"], ["report", "0", "a", "b"]]:
+            self.call("asio", *words, status=2)
 
     def test_questions_are_answered_by_option_and_else_no(self):
         chain = "open a.wav envelope-reset envelope-clear history"
