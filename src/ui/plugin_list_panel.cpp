@@ -154,7 +154,8 @@ void PluginListPanel::reload() {
   rows_.clear();
   for (PluginDescription& plugin : listedPlugins(app_)) rows_.push_back({std::move(plugin), {}});
   listed_ = rows_.size();
-  for (const SkippedPlugin& skipped : SkippedPlugins(app_.files(), skippedPluginsPath(app_)).all()) {
+  const SkippedPlugins leftOut(app_.files(), skippedPluginsPath(app_));
+  for (const SkippedPlugin& skipped : leftOut.all()) {
     PluginRow& row = rows_.emplace_back();
     row.plugin.path = skipped.path;
     row.skipped = skipped.text();
