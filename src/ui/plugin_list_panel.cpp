@@ -127,7 +127,7 @@ wxSizer* PluginListPanel::makeTop() {
                 [this](wxCommandEvent&) { filter_->ChangeValue(wxString()), applyFilter(); });
   filter_->Bind(wxEVT_CHAR_HOOK, &PluginListPanel::onFilterKey, this);
   row->Add(filter_, 1, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap));
-  scanButton_ = new wxButton(this, wxID_ANY, "S&can…");
+  scanButton_ = new wxButton(this, wxID_ANY, "Sca&n…");
   scanButton_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { configureScan(); });
   row->Add(scanButton_, 0, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap));
   stopButton_ = new wxButton(this, wxID_ANY, "&Stop");
