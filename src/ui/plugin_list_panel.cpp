@@ -127,7 +127,7 @@ wxSizer* PluginListPanel::makeTop() {
                 [this](wxCommandEvent&) { filter_->ChangeValue(wxString()), applyFilter(); });
   filter_->Bind(wxEVT_CHAR_HOOK, &PluginListPanel::onFilterKey, this);
   row->Add(filter_, 1, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap));
-  scanButton_ = new wxButton(this, wxID_ANY, "S&can…");
+  scanButton_ = new wxButton(this, wxID_ANY, "Sca&n…");
   scanButton_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { configureScan(); });
   row->Add(scanButton_, 0, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap));
   stopButton_ = new wxButton(this, wxID_ANY, "&Stop");
@@ -154,7 +154,8 @@ void PluginListPanel::reload() {
   rows_.clear();
   for (PluginDescription& plugin : listedPlugins(app_)) rows_.push_back({std::move(plugin), {}});
   listed_ = rows_.size();
-  for (const SkippedPlugin& skipped : SkippedPlugins(app_.files(), skippedPluginsPath(app_)).all()) {
+  const SkippedPlugins leftOut(app_.files(), skippedPluginsPath(app_));
+  for (const SkippedPlugin& skipped : leftOut.all()) {
     PluginRow& row = rows_.emplace_back();
     row.plugin.path = skipped.path;
     row.skipped = skipped.text();

@@ -46,7 +46,7 @@ CVSTScanConfigurationDlg::CVSTScanConfigurationDlg(wxWindow* parent, Application
   append_ = addOption(*column, "&Add to the list (else it is made anew)", kAdd, false);
   all->Add(column, 1, wxEXPAND | wxALL, FromDIP(kMargin));
   all->Add(CreateButtonSizer(wxOK | wxCANCEL), 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kMargin));
-  FindWindow(wxID_OK)->SetLabel("S&can");
+  FindWindow(wxID_OK)->SetLabel("Sca&n");
   SetSizerAndFit(all);
   CentreOnParent();
   Bind(wxEVT_BUTTON, &CVSTScanConfigurationDlg::onOk, this, wxID_OK);
