@@ -11,7 +11,7 @@
 namespace plumetta {
 
 BatchWorker::BatchWorker(FileSystem& files, const BatchSettings& settings, const std::atomic<BatchStop>& stop,
-                         BatchChain& chain)
+                         ChainProcessor* chain)
     : files_(files), settings_(settings), stop_(stop), chain_(chain), realInput_(realPath(settings.input)) {
   addVersionChunk(wave_);
   wave_.progress = {&BatchWorker::goOn, this};
@@ -48,15 +48,9 @@ void BatchWorker::processLoaded(const std::string& resultPath, const BatchEntry&
 
 bool BatchWorker::apply() {
   const BatchFunction& function = batchFunctions()[static_cast<size_t>(settings_.function)];
-  if (function.usesChain) return applyChain();
-  return function.apply == nullptr || function.apply(wave_);
-}
-
-bool BatchWorker::applyChain() {
-  if (chain_.processor == nullptr) return false;
-  const std::lock_guard lock(chain_.inUse);
+  if (!function.usesChain) return function.apply == nullptr || function.apply(wave_);
   // Equal ends mean all frames.
-  return !cancelled() && chain_.processor->applyTo(wave_, lock_, 0, 0, wave_.progress) == ChainResult::done;
+  return chain_ != nullptr && chain_->applyTo(wave_, lock_, 0, 0, wave_.progress) == ChainResult::done;
 }
 
 bool BatchWorker::save(const std::string& path) {

@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -16,19 +15,12 @@ namespace plumetta {
 
 enum class BatchStop { no, afterFile, atOnce };
 
-// The chain of plug-ins, which all jobs use: one file at a time goes through it, since plug-ins remember
-// sound.
-struct BatchChain {
-  ChainProcessor* processor = nullptr;  // null where there is none
-  std::mutex inUse;
-};
-
 // Works on one file after another: a working document of its own, and nothing that another one uses. One
 // thread.
 class BatchWorker {
  public:
   BatchWorker(FileSystem& files, const BatchSettings& settings, const std::atomic<BatchStop>& stop,
-              BatchChain& chain);
+              ChainProcessor* chain);
   BatchWorker(const BatchWorker&) = delete;
   BatchWorker& operator=(const BatchWorker&) = delete;
 
@@ -43,7 +35,6 @@ class BatchWorker {
   bool cancelled() const { return stop_ == BatchStop::atOnce; }
   void processLoaded(const std::string& resultPath, const BatchEntry& entry, const Log& log);
   bool apply();
-  bool applyChain();
   bool save(const std::string& path);
   bool mayBeWritten(const std::string& path) const;
   void releaseWave();
@@ -51,7 +42,7 @@ class BatchWorker {
   FileSystem& files_;
   const BatchSettings& settings_;
   const std::atomic<BatchStop>& stop_;
-  BatchChain& chain_;
+  ChainProcessor* const chain_;
   const std::string realInput_;
   AudioLock lock_;  // nobody else has these samples; the chain asks for one
   CWave wave_;

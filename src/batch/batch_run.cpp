@@ -8,9 +8,7 @@
 namespace plumetta {
 
 BatchRun::BatchRun(FileSystem& files, BatchSettings settings, OrderedLog::Sink log, ChainProcessor* chain)
-    : files_(files), settings_(std::move(settings)), sink_(std::move(log)) {
-  chain_.processor = chain;
-}
+    : files_(files), settings_(std::move(settings)), sink_(std::move(log)), chain_(chain) {}
 
 void BatchRun::run() {
   plan_ = planBatch(files_, settings_, [this] { return stop_ != BatchStop::no; });

@@ -45,7 +45,7 @@ class BatchRun {
   FileSystem& files_;
   const BatchSettings settings_;
   const OrderedLog::Sink sink_;
-  BatchChain chain_;
+  ChainProcessor* const chain_;
   BatchPlan plan_;
   std::atomic<BatchStop> stop_{BatchStop::no};
   std::atomic<size_t> nextTurn_{0};

@@ -180,6 +180,9 @@ int runCall(BatchCall call, TerminalPrompter& prompter, const std::string& home)
       },
       app ? &app->rack() : nullptr);
   { WatchedRun(run, prompter).watch(); }
+  if (app) {
+    for (const std::string& fault : app->rack().takeFaultTexts()) prompter.message(fault);
+  }
   if (const auto [done, total, last] = run.progress(); done < total) {
     prompter.message("Stopped after " + std::to_string(done) + " of " + std::to_string(total) + " files");
   }

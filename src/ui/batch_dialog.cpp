@@ -235,6 +235,7 @@ void CBatchProcessorDlg::finish() {
   worker_.join();
   timer_.Stop();
   showRunning();
+  for (const std::string& fault : app_.rack().takeFaultTexts()) app_.prompter().message(fault);
   if (closing_) {
     EndModal(wxID_CLOSE);
   } else if (!IsActive()) {

@@ -90,6 +90,7 @@ TEST_F(BatchTest, AStopFinishesTheFilesInWorkAndNoOthers) {
 class SlowChain : public ChainProcessor {
  public:
   bool hasActivePlugin() const override { return true; }
+  std::vector<std::string> takeFaultTexts() override { return {}; }
   ChainResult applyTo(CWave& wave, AudioLock&, int64_t start, int64_t end,
                       const WaveProgress& progress) override {
     EXPECT_EQ(start, end) << "the whole file";
