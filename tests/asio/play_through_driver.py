@@ -193,6 +193,13 @@ class Asio(unittest.TestCase):
         _, run = self.play("hang=stop")
         self.assertEqual((run.returncode, run.stderr), (0, ""))
 
+    def test_driver_without_a_threading_model_is_made_all_the_same(self):
+        server = KEYS[1] + "\\InprocServer32"
+        self.reg("delete", server, "/v", "ThreadingModel", "/f")
+        self.addCleanup(self.reg, "add", server, "/v", "ThreadingModel", "/t", "REG_SZ", "/d", "Apartment", "/f")
+        folder, run = self.play("types=19")
+        self.assertEqual((run.returncode, run.stderr, self.calls(folder)[-1]), (0, "", "Release"))
+
     def test_report(self):
         path = os.path.join(self.folder, "report.txt")
         _, driver = self.record("inputs=1;outputs=2;types=2,27;frames=256")

@@ -109,7 +109,9 @@ class ComAsio : public AsioSystem {
     CLSID native;
     std::memcpy(&native, &classId, sizeof native);
     void* object = nullptr;
-    const HRESULT result = CoCreateInstance(native, nullptr, CLSCTX_INPROC_SERVER, native, &object);
+    const HRESULT result = livesOnAnyThread(native)
+                               ? CoCreateInstance(native, nullptr, CLSCTX_INPROC_SERVER, native, &object)
+                               : createDirectly(native, object);
     driver = SUCCEEDED(result) ? static_cast<AsioDriver*>(object) : nullptr;
     return driver != nullptr ? 0 : FAILED(result) ? static_cast<int32_t>(result) : kAsioNotPresent;
   }
@@ -127,6 +129,38 @@ class ComAsio : public AsioSystem {
     }
     TlsSetValue(crashListener(), nullptr);
     ended(completed);
+  }
+
+ private:
+  std::string serverKey(const CLSID& classId) {
+    wchar_t text[40] = L"";
+    StringFromGUID2(classId, text, 40);
+    return "clsid\\" + narrow(text) + "\\InprocServer32";
+  }
+
+  // A class that names no threading model is made on the program's first COM thread, the window's, from where
+  // an interface that is its own class can't be brought to another.
+  bool livesOnAnyThread(const CLSID& classId) {
+    const auto model = value(RegistryRoot::classes, serverKey(classId), "ThreadingModel");
+    return model && (lstrcmpiA(model->c_str(), "Apartment") == 0 || lstrcmpiA(model->c_str(), "Both") == 0);
+  }
+
+  // What CoCreateInstance would do on the right thread. The library stays.
+  HRESULT createDirectly(const CLSID& classId, void*& object) {
+    const auto path = value(RegistryRoot::classes, serverKey(classId), "");
+    const HMODULE library = path ? LoadLibraryW(wide(*path).c_str()) : nullptr;
+    if (library == nullptr) return HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND);
+    using GetClassObject = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
+    const FARPROC found = GetProcAddress(library, "DllGetClassObject");
+    if (found == nullptr) return HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND);
+    void* factory = nullptr;
+    const auto getClassObject = reinterpret_cast<GetClassObject>(reinterpret_cast<void (*)()>(found));
+    const HRESULT result = getClassObject(classId, IID_IClassFactory, &factory);
+    if (FAILED(result)) return result;
+    auto* maker = static_cast<IClassFactory*>(factory);
+    const HRESULT made = maker->CreateInstance(nullptr, classId, &object);
+    maker->Release();
+    return made;
   }
 };
 
