@@ -179,9 +179,9 @@ bool CASIOInterface::runSteps(int count) {
 
 bool CASIOInterface::unload() {
   if (session_ == nullptr) return true;
-  session_->disconnect();
   started_ = false;
   const bool ended = thread_->end(patience_);
+  session_->disconnect();  // a driver that was given up may go on asking
   thread_.reset();
   session_.reset();
   return ended || (failure_.empty() && fail(kNoAnswer));

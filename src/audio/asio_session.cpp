@@ -121,11 +121,12 @@ std::vector<std::function<void()>> AsioSession::lastActs(const std::shared_ptr<A
 }
 
 void AsioSession::stop() {
-  disconnect();
+  // Until it has stopped it is given sound: half a buffer of what was would be heard again.
   if (std::exchange(started_, false)) driver_->stop();
 }
 
 void AsioSession::disposeBuffers() {
+  disconnect();
   // A buffer switch that is still under way writes into them.
   while (!callbacks_.quiet()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   if (std::exchange(buffersMade_, false)) driver_->disposeBuffers();
