@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "app/application.h"
+#include "app/plugin_library.h"
 #include "batch/batch_functions.h"
 #include "batch/batch_run.h"
 #include "cli/batch_logs.h"
@@ -86,7 +87,7 @@ BatchCall readCall(WordReader& words) {
 
 // Brings the chain of the call into the rack. False, with a message, when it has no active plug-in.
 bool loadChain(const BatchCall& call, Application& app) {
-  if (!call.chain.empty()) app.prompter().message("This version can't load a chain of plug-ins");
+  if (!call.chain.empty() && !loadChainFile(app, call.chain, UnknownLibraries::tell)) return false;
   if (app.rack().hasActivePlugin()) return true;
   app.prompter().message("There is no active plug-in in the rack");
   return false;
