@@ -150,7 +150,8 @@ TEST_F(BatchTest, EveryFormatIsTakenByItsContentOrName) {
   for (const Format& format : formatTable()) {
     const std::string name = std::string("sound of ") + format.extensions.front();
     const std::string path = joinPath(settings.input, name + "." + format.extensions.front());
-    if (format.read == nullptr || format.write == nullptr) continue;
+    // Anything might be raw samples, which is why a batch leaves them alone.
+    if (format.read == nullptr || format.write == nullptr || &format == &rawFormat()) continue;
     if (!format.write(files, path, *source, {}).saved) continue;
     CWave read;
     ASSERT_EQ(loadForBatch(files, path, read), LoadStatus::loaded) << path;

@@ -23,11 +23,14 @@ struct PluginFacts {
   int32_t delay = 0;
 };
 
-// "opcode[:number] ..." of every call but those for texts and chunks; one for all plug-ins of a library.
+namespace {
+// "opcode[:number] ..." of every call but those for texts and chunks; one for all plug-ins of a library, and
+// of it alone: one that libraries shared would be destroyed by the first that goes.
 inline std::string& pluginJournal() {
   static std::string journal;
   return journal;
 }
+}  // namespace
 
 class TestPlugin {
  public:
