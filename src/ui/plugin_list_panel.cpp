@@ -227,7 +227,7 @@ void PluginListPanel::tryAgain() {
   if (row == nullptr || row->skipped.empty()) return;
   ScanOptions options;
   options.folder = folderOf(row->plugin.path);
-  options.library = row->plugin.path;
+  options.onlyLibrary = row->plugin.path;
   options.instruments = true;
   begin(std::move(options));
 }

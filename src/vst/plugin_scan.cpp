@@ -46,10 +46,10 @@ void PluginScan::start() {
 }
 
 void PluginScan::run() {
-  if (!options_.library.empty()) {
+  if (!options_.onlyLibrary.empty()) {
     options_.again = true;
     count_ = list_.counter();
-    meet(folderOf(options_.library), fileNameOf(options_.library));
+    meet(folderOf(options_.onlyLibrary), fileNameOf(options_.onlyLibrary));
     return probeWaiting();
   }
   const std::string folder = absolutePath(options_.folder);

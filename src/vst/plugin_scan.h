@@ -18,10 +18,10 @@ namespace plumetta {
 struct ScanOptions {
   std::string folder = {};
   bool recurse = true;
-  bool instruments = false;  // are listed too
-  bool append = false;       // to the list that is there; else that is deleted first
-  bool again = false;        // also those that were skipped before
-  std::string library = {};  // the only one to look at, again, and to append; else the folder is walked
+  bool instruments = false;      // are listed too
+  bool append = false;           // to the list that is there; else that is deleted first
+  bool again = false;            // also those that were skipped before
+  std::string onlyLibrary = {};  // looked at alone, again, and to append; else the folder is walked
 };
 
 // Where the list stands, what is skipped, and the program that looks at libraries.

@@ -97,7 +97,7 @@ TEST_F(PluginScanning, SurvivesWhatCrashesAndHangs) {
   PluginScan remembers = scanning();
   remembers.run();
   EXPECT_EQ(remembers.count(), 3) << "it was skipped before, and nothing about it has changed";
-  PluginScan again = scanning({.library = plugins.file("b.dll")});
+  PluginScan again = scanning({.onlyLibrary = plugins.file("b.dll")});
   again.run();
   EXPECT_EQ(again.count(), 4);
   EXPECT_TRUE(SkippedPlugins(nativeFileSystem(), home.file("skipped")).all().empty());
