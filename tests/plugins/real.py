@@ -96,7 +96,8 @@ class Bench:
 
         saves = ["rack-save", "{}.sor", "preset-save", "0", "{}.fxp", "bank-save", "0", "{}.fxb"]
         twice = [word.format(name) for name in ("first", "again") for word in saves]
-        change = ["rack-param", "0", "0", "0.3"] if self.parameters else []
+        # A value that a switch or a choice can have too.
+        change = ["rack-param", "0", str(self.parameters // 2), "1"] if self.parameters else []
         saved = self.edit("rack-add", path, *change, "rack-state", *twice)
         loaded = self.edit("rack-load", "first.sor", "rack-state", "rack-save", "second.sor",
                            "rack-clear", "rack-add", path, "preset-load", "0", "first.fxp", "rack-state",
@@ -114,8 +115,9 @@ class Bench:
     def editor(self, path):
         if not self.environment["DISPLAY"]:
             return "not tried"
-        out, _ = self.run(PROBE, path, "1.2", status=(0, 77))
-        return out.splitlines()[0] if out else "none"
+        out, _ = self.run(PROBE, path, "1", status=(0, 77))
+        lines = [line for line in out.splitlines() if line.endswith(" colours")]  # others are the plug-in's own talk
+        return lines[0] if lines else "none"
 
     # ---- All of it ------------------------------------------------------------------------------------------
 
