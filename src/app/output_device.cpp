@@ -75,7 +75,13 @@ void OutputDevice::watch() {
   prompter_.message(withReason("The audio output was lost", reason));
 }
 
-double OutputDevice::latency() const { return player_ ? player_->latency() : 0.0; }
+double OutputDevice::latency() const {
+  if (!player_) return 0.0;
+  const BlockProcessor* rack = engine_.rack();
+  const bool through = rack != nullptr && transport_.controls().rackEnabled;
+  const double late = through ? static_cast<double>(rack->latencyFrames()) : 0.0;
+  return player_->latency() + late / player_->playedRate();
+}
 
 std::vector<std::string> OutputDevice::waveOutNames() {
   CWaveOut& driver = player().waveOut();

@@ -32,7 +32,7 @@ class OutputDevice {
   void watch();
   // Buffers that came too late since it was started.
   int underruns() const { return player_ ? player_->underruns() : 0; }
-  // Seconds from the callback to the end of the device's queue.
+  // Seconds from what the engine reads to the ear: the device's queue, and the rack's delay while it is on.
   double latency() const;
 
   // Like stop(), when the audio thread is in code that never comes back: thread, buffers and device are left

@@ -85,7 +85,7 @@ BatchCall readCall(WordReader& words) {
   return call;
 }
 
-// Brings the chain of the call into the rack. False, with a message, when it has no active plug-in.
+// Brings the chain of the call into the rack. False, after a message, when it has no active plug-in.
 bool loadChain(const BatchCall& call, Application& app) {
   if (!call.chain.empty() && !loadChainFile(app, call.chain, UnknownLibraries::tell)) return false;
   if (app.rack().hasActivePlugin()) return true;

@@ -38,8 +38,10 @@ constexpr CliCommand kCommands[] = {
     {"asio", "asio report INDEX FILE",
      "saves what an ASIO driver tells of itself; INDEX as devices numbers them", runAsio},
     {"midi", "midi listen [--device N] [--seconds S]", "prints the remote commands as they arrive", runMidi},
-    {"play", "play FILE [--select FROM TO] [--loop] [--device N] [--asio] [--rate R]", "plays on a device",
-     runPlay},
+    {"play",
+     "play FILE [--select FROM TO] [--loop] [--device N] [--asio] [--rate R] "
+     "[--chain FILE.sor]",
+     "plays on a device", runPlay},
     {"record", "record FILE.wav --seconds S [--device N] [--rate R] [--bits B]", "records from a device",
      runRecord},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},

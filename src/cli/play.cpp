@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-#include "app/application.h"
+#include "app/plugin_library.h"
 #include "cli/call.h"
 #include "cli/terminal_prompter.h"
 #include "platform/interrupt.h"
@@ -15,7 +15,7 @@ namespace {
 constexpr auto kWatchInterval = std::chrono::milliseconds(20);
 
 struct PlayCall {
-  std::string file;
+  std::string file, chain;
   SelectionOption selection;
   bool loop = false;
   bool asio = false;
@@ -36,6 +36,8 @@ PlayCall readCall(WordReader& words) {
       readNumber(words, "play", word, isDeviceIndex, call.device);
     } else if (word == "--rate") {
       readNumber(words, "play", word, isWaveOutRate, call.rate);
+    } else if (word == "--chain" && !words.atEnd()) {
+      call.chain = absolutePath(words.take());
     } else if (call.file.empty() && !word.starts_with("--")) {
       call.file = absolutePath(word);
     } else {
@@ -84,6 +86,8 @@ int runPlay(const CallOptions& options, WordReader words) {
   CPlumettaDoc* doc = app.openDocument(call.file, outcome);
   if (doc == nullptr) return kFileError;
   call.selection.apply(*doc);
+  if (!call.chain.empty() && !loadChainFile(app, call.chain, UnknownLibraries::tell)) return kRefused;
+  app.setRackOn(!call.chain.empty());
   takeOverOptions(call, app);
   if (!app.transport().play(doc)) return kRefused;
   const bool whole = playToTheEnd(app, *doc, prompter);

@@ -19,6 +19,8 @@ class BlockProcessor {
 
   // The rate, in Hz, of all blocks from now on. UI thread, while no block is being processed.
   virtual void setSampleRate(int hz) = 0;
+  // By how much what comes out is late. UI thread.
+  virtual int64_t latencyFrames() const { return 0; }
 
   // Audio thread; none of these allocates or waits.
   // Where the next block stands, in frames of the output.

@@ -70,8 +70,8 @@ class Rack final : public BlockProcessor, public ChainProcessor {
   void clear();
   // The position's line in a list.
   std::string lineText(int position) const;
-  // Frames by which the active plug-ins delay the sound.
-  int64_t latencyFrames() const;
+  // Of the active plug-ins.
+  int64_t latencyFrames() const override;
 
   // ---- Programs and parameters --------------------------------------------------------------------------
   // False for an empty position or a program that isn't there.
