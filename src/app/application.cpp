@@ -21,6 +21,7 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
       undoFolder_(files, home_),
       services_{files,          undoFolder_, *audioLock_, prompter, history_,
                 settings_.edit, clipboard_,  nullptr,     nullptr},
+      recoveryFiles_(std::make_unique<RecoveryFiles>(files, home_)),
       vstHost_(std::make_unique<VstHost>()),
       rack_(std::make_unique<Rack>(*vstHost_)),
       transport_(std::make_unique<Transport>(*audioLock_, [this] { return startOutput(); })),
@@ -68,7 +69,46 @@ void Application::watchSound() {
   const bool hung = std::any_of(faults.begin(), faults.end(),
                                 [](const PluginFault& fault) { return fault.kind == PluginFault::hangs; });
   if (hung) output_->abandon();
-  for (const PluginFault& fault : faults) prompter().message(fault.text());
+  if (faults.empty()) return;
+  std::string text;
+  for (const PluginFault& fault : faults) text += (text.empty() ? "" : "\n") + fault.text();
+  prompter().status(faults.back().text());
+  prompter().message(text);
+}
+
+// ---- Copies for the case of a crash ---------------------------------------------------------------------
+
+void Application::keepCopies() {
+  if (!rackOn() || !rack_->hasActivePlugin()) return;
+  recoveryFiles_->follow(documents_);
+  tellCopyFailure();
+}
+
+void Application::secureDocuments() {
+  const BusyScope busy(prompter());
+  recoveryFiles_->bringUpToDate(documents_);
+  tellCopyFailure();
+}
+
+void Application::tellCopyFailure() {
+  const std::string title = recoveryFiles_->takeFailure();
+  if (!title.empty()) prompter().status("There is no room for a copy of " + title + " in " + home_);
+}
+
+CPlumettaDoc* Application::openLeftCopy(LeftCopy copy) {
+  FileOutcome outcome{};
+  OpenOptions options;
+  options.keepForeignChunks = true;
+  CPlumettaDoc* document = openDocument(copy.path, outcome, options);
+  if (document == nullptr) return nullptr;
+  CWave& wave = document->wave();
+  wave.setFileName(copy.info.fileName);
+  wave.setBitsPerSample(copy.info.bits);
+  wave.setFormatTag(static_cast<uint16_t>(copy.info.formatTag));
+  document->setTitle(copy.info.title);
+  document->setModified(true);
+  recoveryFiles_->adopt(std::move(copy), *document);
+  return document;
 }
 
 std::string Application::profilePath() const { return joinPath(home_, "plumetta.ini"); }
@@ -150,6 +190,7 @@ CPlumettaDoc* Application::adoptPasted(std::unique_ptr<CPlumettaDoc> document, c
 
 void Application::closeDocument(CPlumettaDoc& document) {
   transport_->release(document);
+  recoveryFiles_->forget(document);
   std::erase_if(documents_, [&](const auto& own) { return own.get() == &document; });
 }
 

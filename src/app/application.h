@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/output_device.h"
+#include "app/recovery_files.h"
 #include "app/settings.h"
 #include "audio/midi_remote.h"
 #include "audio/playback_engine.h"
@@ -63,6 +64,14 @@ class Application {
   // Whether playing goes through the rack; off at first.
   void setRackOn(bool on) { transport_->controls().rackEnabled = on; }
   bool rackOn() const { return transport_->controls().rackEnabled; }
+  // What was changed has a copy on the disk while sound goes through the rack. About once a second.
+  void keepCopies();
+  // The same at once, before a plug-in's code runs that has not run yet.
+  void secureDocuments();
+  RecoveryFiles& recoveryFiles() { return *recoveryFiles_; }
+  // The document as it was, changed, under its old name; null when the copy can't be read (a message has said
+  // so), which then stays.
+  CPlumettaDoc* openLeftCopy(LeftCopy copy);
   // Looks after device and plug-ins: a message says what has failed, and playing stops when it can't go on.
   // Several times a second while there is sound.
   void watchSound();
@@ -89,6 +98,7 @@ class Application {
 
  private:
   void setUpPlugins();
+  void tellCopyFailure();
   CPlumettaDoc* adoptPasted(std::unique_ptr<CPlumettaDoc> document, const char* title);
 
   std::string home_;
@@ -101,6 +111,7 @@ class Application {
   UndoFolder undoFolder_;
   DocumentServices services_;
   std::vector<std::unique_ptr<CPlumettaDoc>> documents_;
+  std::unique_ptr<RecoveryFiles> recoveryFiles_;
   std::unique_ptr<VstHost> vstHost_;
   std::unique_ptr<Rack> rack_;
   std::unique_ptr<Transport> transport_;

@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <charconv>
 #include <set>
+#include <sstream>
 
 #include "platform/child_process.h"
+#include "platform/crash_note.h"
 #include "platform/file_identity.h"
 #include "platform/paths.h"
 #include "platform/plugin_folders.h"
@@ -13,6 +15,7 @@
 #include "platform/replace_file.h"
 #include "vst/chain_file.h"
 #include "vst/program_file.h"
+#include "vst/skipped_plugins.h"
 
 namespace plumetta {
 namespace {
@@ -147,9 +150,31 @@ bool loadChainFile(Application& app, const std::string& path, UnknownLibraries u
     return false;
   }
   if (!agreesToLoad(app, chain, unknown)) return true;
+  if (unknown == UnknownLibraries::ask) {
+    std::erase_if(chain, [&](const ChainPlugin& plugin) { return !agreesToCrashed(app, plugin.path); });
+  }
   const BusyScope busy(prompter);
   tellWhatIsMissing(prompter, restoreChain(app.rack(), chain));
   return true;
+}
+
+std::vector<std::string> noteCrashes(Application& app) {
+  std::istringstream notes(takeCrashNotes(app.homeFolder()));
+  SkippedPlugins skipped(app.files(), skippedPluginsPath(app));
+  std::vector<std::string> paths;
+  for (std::string path; std::getline(notes, path);) {
+    if (path.empty() || std::ranges::count(paths, path) > 0) continue;
+    paths.push_back(path);
+    skipped.add(path, SkipReason::crashed);  // a list that can't be written shows with the next scan
+  }
+  return paths;
+}
+
+bool agreesToCrashed(Application& app, const std::string& path) {
+  if (!SkippedPlugins(app.files(), skippedPluginsPath(app)).contains(path)) return true;
+  return app.prompter().question(path +
+                                 "\nThis plug-in has crashed or hung before. Do you want to load it all the "
+                                 "same?");
 }
 
 ProgramOutcome loadProgramFile(Application& app, int position, ProgramFileKind kind,

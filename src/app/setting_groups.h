@@ -77,7 +77,7 @@ struct PluginSettings {
   std::string pluginFolder = kDefaultFolder;
   std::string chainFolder = kDefaultFolder;
   double tempo = 125.0;            // beats a minute, told to plug-ins
-  bool disableAfterApply = false;  // plug-ins are muted once the chain has been applied to the samples
+  bool disableAfterApply = false;  // playing leaves the rack once it was applied to the samples
 };
 
 struct ProgramSettings {

@@ -62,6 +62,14 @@ SettingRow real(const char* key, RealPlace place) {
   return {kGeneral, key, std::move(place), kAnyReal[0], kAnyReal[1], {}, {}, {}};
 }
 
+// Plug-ins are told no tempo beyond these bounds.
+SettingRow tempo(const char* key, RealPlace place) {
+  constexpr double kSlowest = 0.01, kFastest = 499.99;
+  SettingRow row = real(key, std::move(place));
+  row.preference = {PreferencePage::plugins, "Tempo that plug-ins are told", "BPM", kSlowest, kFastest};
+  return row;
+}
+
 SettingRow replacing(SettingRow row, double replacement) {
   row.replacement = replacement;
   return row;
@@ -90,7 +98,7 @@ std::vector<SettingRow> generalNumbers() {
               general("Files opened again, at most")),
       path("VSTPathOpen", at(&S::plugins, &PluginSettings::pluginFolder)),
       path("SorPathOpen", at(&S::plugins, &PluginSettings::chainFolder)),
-      real("VSTBPM", at(&S::plugins, &PluginSettings::tempo)),
+      tempo("VSTBPM", at(&S::plugins, &PluginSettings::tempo)),
       path("SamplePathOpen", at(&S::files, &FileSettings::sampleFolder)),
       path("SkinFileName", at(&S::program, &ProgramSettings::skinFile)),
       oneOf("AudioInSampleRate", at(&S::recording, &RecordingSettings::sampleRate),
@@ -150,7 +158,8 @@ std::vector<SettingRow> generalFlags() {
       boolean("ScrollSample", at(&S::display, &DisplaySettings::followPlayback)),
       boolean("MultimediaKey", at(&S::program, &ProgramSettings::mediaKeys),
               general("Media keys of the keyboard")),
-      boolean("DisableProcessAfterApply", at(&S::plugins, &PluginSettings::disableAfterApply)),
+      boolean("DisableProcessAfterApply", at(&S::plugins, &PluginSettings::disableAfterApply),
+              {PreferencePage::plugins, "Playing leaves the rack once it was applied"}),
       boolean("SnapToZeroCrossing", at(&S::display, &DisplaySettings::snapToZeroCrossing),
               editing("Selections snap to zero crossings")),
       boolean("RememberLastFileOpened", at(&S::files, &FileSettings::reopenFiles),

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,13 +27,16 @@ struct SettingChoice {
   const char* label;  // in the preferences; "" for the number itself
 };
 
-enum class PreferencePage { none, general, display, editing };
+enum class PreferencePage { none, general, display, editing, plugins };
 
 // How the preferences show a setting; those without a page are chosen elsewhere.
 struct Preference {
   PreferencePage page = PreferencePage::none;
   const char* label = "";
   const char* unit = "";
+  // What a person may choose of what the file may hold.
+  double minimum = -std::numeric_limits<double>::infinity();
+  double maximum = std::numeric_limits<double>::infinity();
 };
 
 // One setting: where it stands in the file, what is accepted, and where it lives.

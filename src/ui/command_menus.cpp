@@ -90,6 +90,8 @@ MenuPlan MainFrame::processMenu() {
                            "silence-remover", "gapper",   "",         "bit-depth"})) {
     menu.actions.push_back(action);
   }
+  menu.actions.push_back(kSeparator);
+  for (const Action& action : rackActions()) menu.actions.push_back(action);
   return menu;
 }
 

@@ -17,6 +17,8 @@ int main(int argc, char** argv) {
     setenv("LC_ALL", "C.UTF-8", 1);
     std::setlocale(LC_ALL, "");
   }
+  // Plug-ins put their editors into windows of X11 alone; other display systems mostly serve these as well.
+  if (std::getenv("DISPLAY") != nullptr) setenv("GDK_BACKEND", "x11", 0);
   wxDISABLE_DEBUG_SUPPORT();
   return wxEntry(argc, argv);
 }

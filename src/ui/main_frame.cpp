@@ -65,7 +65,8 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       files_(*this, app, *tabs_, profile_, recent_),
       sound_(app, *tabs_, prompter),
       menus_(*this, [this] { return !prompter_.working(); }),
-      place_(*this, profile_) {
+      place_(*this, profile_),
+      editors_(*this, app.rack()) {
   SetIcons(programIcons());
   for (wxWindow* window :
        {static_cast<wxWindow*>(this), static_cast<wxWindow*>(displays_), static_cast<wxWindow*>(sides_),
@@ -159,13 +160,16 @@ MainFrame::~MainFrame() {
 }
 
 void MainFrame::begin(const std::vector<std::string>& paths) {
+  openLeftCopies();
   paths.empty() ? files_.reopenFiles() : files_.openPaths(paths);
   startRemote();
   sound_.offerRecovery();
+  watchCopies();
 }
 
 void MainFrame::applySettings() {
   app_.applyPlaybackSettings();
+  app_.vstHost().setTempo(static_cast<float>(app_.settings().plugins.tempo));
   app_.saveSettings();
   recent_.followSettings();
   tabs_->followSettings();
@@ -331,6 +335,9 @@ void MainFrame::onClose(wxCloseEvent& event) {
   if (app_.rememberVolume()) app_.saveSettings();
   place_.store();
   if (spectrum_ != nullptr && spectrum_->IsShown()) spectrum_->storePlace();
+  if (rackWindow_ != nullptr) rackWindow_->Show(false);
+  app_.rack().closeAllEditors();
+  copyTimer_.Stop();
   storeHistoryWidth();
   displays_->storeLayout();
   // Without a veto the documents end with their windows, which look at them to the last.

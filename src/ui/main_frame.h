@@ -16,11 +16,13 @@
 #include "ui/file_commands.h"
 #include "ui/history_pane.h"
 #include "ui/live_displays.h"
+#include "ui/rack_dialog.h"
 #include "ui/recent_files.h"
 #include "ui/sound_control.h"
 #include "ui/spectrum_dialog.h"
 #include "ui/start_page.h"
 #include "ui/transport_bar.h"
+#include "ui/vst_editor_window.h"
 #include "ui/window_place.h"
 #include "ui/window_profile.h"
 #include "ui/window_prompter.h"
@@ -74,7 +76,6 @@ class MainFrame : public wxFrame {
   void goTo(CPlumettaDoc& doc);
   void editPreferences();
   void configureMidi();
-  void addPlugin();
   void configureAudio();
   void configureRouting();
   // What a settings dialog or a window has changed takes effect and is stored.
@@ -90,6 +91,14 @@ class MainFrame : public wxFrame {
   void showTempo(CPlumettaDoc& doc);
   void showSpectrum();
   void showAbout();
+
+  // The rack (rack_actions.cpp).
+  std::vector<Action> rackActions();
+  void showRack();
+  void switchRack();
+  void applyRack(CPlumettaDoc& doc);
+  void watchCopies();
+  void openLeftCopies();
 
   void buildToolBar();
   // Documents and what stands beside and below them.
@@ -124,9 +133,12 @@ class MainFrame : public wxFrame {
   SoundControl sound_;
   ActionMenus menus_;
   WindowPlace place_;
+  PluginEditors editors_;
+  wxTimer copyTimer_;
   wxStopWatch sinceRefresh_;
   TransportBar* transportBar_ = nullptr;  // once the menus are built
   CSpectrumDlg* spectrum_ = nullptr;      // made when it is first asked for
+  CVSTRackDlg* rackWindow_ = nullptr;     // likewise
 };
 
 }  // namespace plumetta

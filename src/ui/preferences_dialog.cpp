@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/preferences_dialog.h"
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 
@@ -19,9 +20,11 @@ FormDialog::Check acceptedBy(const SettingRow& row, bool whole) {
     const auto number = parseNumber(text);
     if (!number) return "This is not a number.";
     if (whole && *number != std::floor(*number)) return "A whole number is needed.";
-    if (acceptsNumber(row, *number)) return {};
+    const Preference& bounds = row.preference;
+    const bool wanted = *number >= bounds.minimum && *number <= bounds.maximum;
+    if (wanted && acceptsNumber(row, *number)) return {};
     if (whole) return "From " + numberText(row.minimum) + " to " + numberText(row.maximum) + ".";
-    return *number < row.minimum ? "This is too small." : "This is too large.";
+    return *number < std::max(row.minimum, bounds.minimum) ? "This is too small." : "This is too large.";
   };
 }
 
@@ -66,7 +69,8 @@ bool askPreferences(wxWindow* parent, Settings& settings) {
     const char* title;
   } kPages[] = {{PreferencePage::general, "General"},
                 {PreferencePage::display, "Display"},
-                {PreferencePage::editing, "Editing"}};
+                {PreferencePage::editing, "Editing"},
+                {PreferencePage::plugins, "Plug-ins"}};
   FormDialog form(parent, "Preferences");
   std::vector<Taker> takers;
   for (const auto& [page, title] : kPages) {

@@ -45,6 +45,11 @@ const std::map<std::string, const char*>& drawings() {
       {"monitor",
        "<path d='M9 4.5a3 3 0 0 1 6 0v6a3 3 0 0 1-6 0z'/><path d='M5.5 10.5a6.5 6.5 0 0 0 13 0M12 "
        "17v4M8.5 21h7'/>"},
+      {"rack",
+       "<path d='M4 4h16v16h-16zM4 9.3h16M4 14.7h16'/><path d='M7 6.7h5M7 12h5M7 17.3h5M16.5 "
+       "6.7h.2M16.5 12h.2M16.5 17.3h.2'/>"},
+      {"rack-on",
+       "<path d='M2.5 12h4.5M17 12h4.5'/><path d='M7 6h10v12h-10z'/><path d='M9.5 14.5l2-5l1.5 4l1.5-2.5'/>"},
       {"zoom-all", "<path d='M3 4v16M21 4v16M6.5 12h11'/><path d='M9.5 9l-3 3l3 3M14.5 9l3 3l-3 3'/>"},
   };
   return all;

@@ -20,8 +20,9 @@ constexpr int kSliderWidth = 150;
 constexpr int kIconSize = 20;
 
 // An empty name stands for a gap.
-constexpr const char* kButtons[] = {"back-to-start", "rewind", "play", "play-all", "pause",  "stop",
-                                    "forward",       "",       "loop", "",         "record", "monitor"};
+constexpr const char* kButtons[] = {"back-to-start", "rewind",  "play", "play-all", "pause",
+                                    "stop",          "forward", "",     "loop",     "",
+                                    "record",        "monitor", "",     "rack-on",  "rack"};
 
 wxBitmapBundle icon(const std::string& id, const wxColour& colour) {
   return toolbarIcon(id, colour, wxSize(kIconSize, kIconSize));

@@ -12,7 +12,6 @@
 #include "ui/edit_dialogs.h"
 #include "ui/main_frame.h"
 #include "ui/midi_configuration_dialog.h"
-#include "ui/plugin_list_panel.h"
 #include "ui/preferences_dialog.h"
 #include "ui/shortcuts_dialog.h"
 #include "ui/statistics_dialog.h"
@@ -148,8 +147,6 @@ MenuPlan MainFrame::editMenu() {
                       [this](CPlumettaDoc& doc) { goTo(doc); }),
        kSeparator,
        {"preferences", "Pre&ferences…", "Ctrl+,", "How the editor behaves", [this] { editPreferences(); }},
-       {"add-plugin", "Add &VST plug-in…", "", "From the list of plug-ins to the rack",
-        [this] { addPlugin(); }},
        {"midi", "MID&I remote control…", "", "Controllers of MIDI devices that drive the editor",
         [this] { configureMidi(); }},
        {"audio", "Aud&io configuration…", "", "Devices, rates and buffers of output and input",
@@ -197,14 +194,6 @@ void MainFrame::editPreferences() {
 void MainFrame::configureMidi() {
   CMidiConfigurationDlg dialog(this, app_.midi(), app_.settings().midi, app_.prompter());
   if (dialog.ShowModal() == wxID_OK) app_.saveSettings();
-}
-
-void MainFrame::addPlugin() {
-  const auto path = pickPlugin(this, app_, profile_);
-  if (!path) return;
-  const RackAddition addition = app_.rack().add(*path);
-  app_.prompter().message(addition.message.empty() ? app_.rack().lineText(addition.position)
-                                                   : addition.message);
 }
 
 // ---- View and markers

@@ -50,8 +50,10 @@ wxDialog* modalDialog() {
 
 wxWindow* WindowPrompter::boxParent() const {
   if (dialog_) return dialog_.get();
-  wxWindow* const modal = modalDialog();
-  return modal != nullptr ? modal : parent_;
+  if (wxWindow* const modal = modalDialog()) return modal;
+  // The keys go back to where they came from, which may be a window beside the main one.
+  wxWindow* const active = parent_ != nullptr ? wxGetActiveWindow() : nullptr;
+  return active != nullptr && active->GetParent() == parent_ && active->IsShown() ? active : parent_;
 }
 
 int WindowPrompter::showBox(const std::string& text, long style) {

@@ -140,14 +140,19 @@ bool Rack::selectProgram(int position, int program) {
   return true;
 }
 
+std::string Rack::programLine(int position, int program) const {
+  const VstPlugin* plugin = pluginAt(position);
+  if (plugin == nullptr) return {};
+  char number[24];
+  std::snprintf(number, sizeof number, "%3.3d: ", program);
+  return number + plugin->programName(program);
+}
+
 std::vector<std::string> Rack::programLines(int position) const {
   std::vector<std::string> lines;
   const VstPlugin* plugin = pluginAt(position);
-  for (int i = 0; plugin != nullptr && i < plugin->programCount(); ++i) {
-    char number[24];
-    std::snprintf(number, sizeof number, "%3.3d: ", i);
-    lines.push_back(number + plugin->programName(i));
-  }
+  for (int i = 0; plugin != nullptr && i < plugin->programCount(); ++i)
+    lines.push_back(programLine(position, i));
   return lines;
 }
 

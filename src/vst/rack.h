@@ -76,6 +76,7 @@ class Rack final : public BlockProcessor, public ChainProcessor {
   // ---- Programs and parameters --------------------------------------------------------------------------
   // False for an empty position or a program that isn't there.
   bool selectProgram(int position, int program);
+  std::string programLine(int position, int program) const;
   std::vector<std::string> programLines(int position) const;
   // False for an empty position or a parameter that isn't there.
   bool setParameter(int position, int index, float value);

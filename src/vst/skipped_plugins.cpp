@@ -44,7 +44,7 @@ std::string lineOf(const SkippedPlugin& plugin) {
 }  // namespace
 
 std::string SkippedPlugin::text() const {
-  return reason == SkipReason::hung ? "does not come back when it is loaded" : "crashes when it is loaded";
+  return reason == SkipReason::hung ? "does not come back when it is loaded" : "has crashed";
 }
 
 SkippedPlugins::SkippedPlugins(FileSystem& files, std::string path) : files_(files), path_(std::move(path)) {

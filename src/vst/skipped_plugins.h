@@ -11,7 +11,7 @@ namespace plumetta {
 
 enum class SkipReason { crashed, hung };
 
-// A library that came to harm when it was looked at, and the date of its file then.
+// A library that came to harm when it was looked at or used, and the date of its file then.
 struct SkippedPlugin {
   std::string path;
   long long fileTime = 0;
