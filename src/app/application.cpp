@@ -79,8 +79,8 @@ void Application::watchSound() {
 // ---- Copies for the case of a crash ---------------------------------------------------------------------
 
 void Application::keepCopies() {
-  if (!rackOn() || !rack_->hasActivePlugin()) return;
-  recoveryFiles_->follow(documents_);
+  const bool atRisk = rackOn() && rack_->hasActivePlugin();
+  atRisk ? recoveryFiles_->follow(documents_) : recoveryFiles_->dropSaved(documents_);
   tellCopyFailure();
 }
 

@@ -64,7 +64,8 @@ class Application {
   // Whether playing goes through the rack; off at first.
   void setRackOn(bool on) { transport_->controls().rackEnabled = on; }
   bool rackOn() const { return transport_->controls().rackEnabled; }
-  // What was changed has a copy on the disk while sound goes through the rack. About once a second.
+  // What was changed has a copy on the disk while sound goes through the rack; what was saved has none. About
+  // once a second.
   void keepCopies();
   // The same at once, before a plug-in's code runs that has not run yet.
   void secureDocuments();

@@ -126,16 +126,22 @@ RecoveryFiles::~RecoveryFiles() {
 
 // ---- Copies that follow their documents -----------------------------------------------------------------
 
-void RecoveryFiles::follow(const Documents& documents) {
+void RecoveryFiles::dropSaved(const Documents& documents) {
   if (job_ && !job_->done) return;
   collect();
-  settle(documents);
-  beginStale(documents, kCopyAge);
+  for (const auto& document : documents) {
+    if (Entry* entry = entryOf(*document); entry != nullptr && !document->modified()) remove(*entry);
+  }
+}
+
+void RecoveryFiles::follow(const Documents& documents) {
+  dropSaved(documents);
+  if (!job_) beginStale(documents, kCopyAge);
 }
 
 void RecoveryFiles::bringUpToDate(const Documents& documents) {
   collect();
-  settle(documents);
+  dropSaved(documents);
   while (beginStale(documents, std::chrono::seconds(0))) collect();
 }
 
@@ -147,12 +153,6 @@ void RecoveryFiles::collect() {
   Entry& entry = *job->entry;
   entry.written = entry.written || job->saved;
   if (!job->saved && !job->cancelled && !std::exchange(entry.failed, true)) failure_ = job->info.title;
-}
-
-void RecoveryFiles::settle(const Documents& documents) {
-  for (const auto& document : documents) {
-    if (Entry* entry = entryOf(*document); entry != nullptr && !document->modified()) remove(*entry);
-  }
 }
 
 // True when there was one to begin with.

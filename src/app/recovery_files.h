@@ -43,8 +43,10 @@ class RecoveryFiles {
   RecoveryFiles(const RecoveryFiles&) = delete;
   RecoveryFiles& operator=(const RecoveryFiles&) = delete;
 
-  // Removes the copies of documents without changes, and begins to write one that is out of date. Called
-  // about once a second, it leaves no copy older than a minute.
+  // Removes the copies of documents without changes.
+  void dropSaved(const Documents& documents);
+  // The same, and begins to write one that is out of date. Called about once a second, it leaves no copy
+  // older than a minute.
   void follow(const Documents& documents);
   // Comes back when every changed document has a copy of its present state, or none can be made.
   void bringUpToDate(const Documents& documents);
@@ -65,7 +67,6 @@ class RecoveryFiles {
   struct Job;
 
   void collect();
-  void settle(const Documents& documents);
   bool beginStale(const Documents& documents, std::chrono::seconds youngest);
   void begin(const CPlumettaDoc& document, Entry& entry);
   Entry* entryOf(const CPlumettaDoc& document);

@@ -159,7 +159,7 @@ std::vector<SettingRow> generalFlags() {
       boolean("MultimediaKey", at(&S::program, &ProgramSettings::mediaKeys),
               general("Media keys of the keyboard")),
       boolean("DisableProcessAfterApply", at(&S::plugins, &PluginSettings::disableAfterApply),
-              {PreferencePage::plugins, "Playing leaves the rack once it was applied"}),
+              {PreferencePage::plugins, "Plug-ins are muted once their chain has been applied"}),
       boolean("SnapToZeroCrossing", at(&S::display, &DisplaySettings::snapToZeroCrossing),
               editing("Selections snap to zero crossings")),
       boolean("RememberLastFileOpened", at(&S::files, &FileSettings::reopenFiles),

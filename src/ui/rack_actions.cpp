@@ -48,8 +48,11 @@ void MainFrame::applyRack(CPlumettaDoc& doc) {
   if (app_.rack().hasActivePlugin()) app_.secureDocuments();
   const CommandOutcome outcome = runCommand(doc, *findCommand("rack-apply"));
   if (outcome != CommandOutcome::done || !app_.settings().plugins.disableAfterApply) return;
-  app_.setRackOn(false);  // else the effect would be heard twice
-  followSound();
+  // Else the effect would be heard twice.
+  Rack& rack = app_.rack();
+  for (int position = 0; position < rack.positionCount(); ++position) {
+    if (rack.activeSlotAt(position) >= 0) rack.setMuted(position, true);
+  }
 }
 
 // Nothing is copied in the middle of a command.
