@@ -78,6 +78,9 @@ class PluginFiles(unittest.TestCase):
         self.assertEqual(self.said[-1], "question: File format seems to be old one, do you want to continue?")
         self.edit(f"rack-load {library}", options=["--yes"], status=1)
         self.edit("rack-save missing/c.sor", status=3)
+        self.edit("new 44100 2 16 100 save s.wav")
+        self.call("play", "s.wav", "--chain", "none.sor", status=1)
+        self.call("play", "s.wav", "--chain", status=2)
 
     def test_presets_and_banks(self):
         two = f"rack-add p/bank{ENDING} rack-add p/gain{ENDING} "
