@@ -15,6 +15,14 @@ namespace {
 
 using Messages = std::vector<std::string>;
 
+struct LateProcessor : BlockProcessor {
+  void setSampleRate(int) override {}
+  int64_t latencyFrames() const override { return 100; }
+  void setPosition(double) noexcept override {}
+  void setPlaying(bool) noexcept override {}
+  void process(float**, int, int) noexcept override {}
+};
+
 struct AsioOutput : testing::Test {
   TemporaryFolder folder;
   RecordingPrompter prompter;
@@ -39,6 +47,12 @@ TEST_F(AsioOutput, PlaysAtTheRateThatTheDriverReallyHas) {
   for (int i = 0; i < 10; ++i) asio.driver().switchBuffers();
   EXPECT_EQ(doc->playback().playCursor, 10 * 64) << "not slower, as it would be for 96000";
   EXPECT_DOUBLE_EQ(app.output().latency(), 66.0 / 44100);
+  LateProcessor rack;
+  app.playbackEngine().setRack(&rack);
+  EXPECT_DOUBLE_EQ(app.output().latency(), 66.0 / 44100) << "nothing goes through it";
+  app.setRackOn(true);
+  EXPECT_DOUBLE_EQ(app.output().latency(), 166.0 / 44100);
+  app.playbackEngine().setRack(nullptr);
   EXPECT_EQ(told(), Messages{});
   app.output().stop();
   EXPECT_EQ(asio.driver().calls().back(), "Release");

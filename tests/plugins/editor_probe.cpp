@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Opens the editor of a plug-in in a plain X11 window and keeps it for a while: editor_probe LIBRARY SECONDS.
-// Prints the size that the plug-in wants, the windows that it has made, and how many colours are seen. Ends with 1
-// when the plug-in can't be loaded or has refused, with 77 when there is no display or no editor.
+// Prints the size that the plug-in wants, the windows that it has made, and how many colours are seen. Ends
+// with 1 when the plug-in can't be loaded or has refused, with 77 when there is no display or no editor.
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 

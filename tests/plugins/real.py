@@ -9,7 +9,7 @@ that there is. Prints a line a plug-in and ends with 1 when the program has cras
   apply   the loudest sample of what the chain makes of half a second of noise
   chain preset bank
           "same" when a second save after loading has the same bytes, "lives" when already two saves without any loading
-          between them differ, "differs" otherwise; with the highest difference of a parameter's value
+          between them differ, "differs" otherwise, "empty" for a bank without programs; with the highest difference of a parameter's value
   play    half a second through a sound server of its own
   editor  what editor_probe says"""
 import json
@@ -109,6 +109,8 @@ class Bench:
             first, again, second = ((self.folder / f"{name}.{ending}").read_bytes() for name in ("first", "again", "second"))
             word = "same" if second == first else "lives" if again != first else "differs"
             off = max((abs(a - b) for a, b in zip(values(saved), values(line), strict=True)), default=0)
+            if ending == "fxb" and not self.programs:
+                word, off = "empty", 0  # a bank holds programs, and there are none
             words.append(word + (f" {off:.2g}" if off > 1e-6 else ""))
         return words
 
@@ -132,7 +134,7 @@ class Bench:
 
     def row(self, plugin):
         path, cells, bad = plugin["path"], [], 0
-        self.parameters = plugin["parameters"]
+        self.parameters, self.programs = plugin["parameters"], plugin["programs"]
         for trial in (self.apply, self.save_and_load, self.play, self.editor):
             try:
                 cell = trial(path)

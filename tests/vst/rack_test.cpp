@@ -159,6 +159,20 @@ TEST_F(RackTest, FindsSilenceOnTheSecondInputOfAMonoFile) {
   EXPECT_EQ(applied("gain", 16)[15], 0.0f) << "nobody wrote to it";
 }
 
+// For the address sanitizer above all, which tells of what is left behind.
+TEST_F(RackTest, HoldsTwoHundredAndFiftySixAndLetsThemGo) {
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < 256; ++i) ASSERT_EQ(add(i % 2 == 0 ? "swap" : "mono"), i);
+    EXPECT_EQ(rack.add(testPlugin("gain")).message, "Rack full");
+    play(2, 1.0f);
+    const auto wave = countingWave(2, 5000);
+    EXPECT_EQ(apply(*wave), ChainResult::done);
+    rack.clear();
+    EXPECT_FALSE(rack.hasActivePlugin());
+    EXPECT_EQ(host.plugin(255), nullptr);
+  }
+}
+
 TEST_F(RackTest, SilencesWhatIsNoNumberAndTellsOnce) {
   addFaulty("nan");
   EXPECT_EQ(play(2, 1.0f), Floats({1.0f, 1.0f}));
