@@ -17,7 +17,7 @@ from plain_model import Model, QUICK, f32
 # order of adding; that is up to two last places of a sample.  All other steps are compared to the bit.
 ROUNDED = {"volume", "normalize", "truncate", "synthesis", "gapper", *(QUICK[q] for q in [*range(2, 6), *range(13, 19), 22, 23, 33])}
 
-# Faults of the program that are known and not mended yet: a chain that meets one is left out.
+
 def title(step):
     """What a step is called, whether a quick effect is given by number or by name."""
     return (QUICK[int(step[1])] if step[1].isdigit() else step[1]) if step[0] == "quick" else step[0]
@@ -77,7 +77,10 @@ def random_step(rng, model):
         (2, ["marker-delete", marker]), (2, ["marker-select", marker]), (4, ["loop", at, other]), (1, ["loop-clear"]),
         (10, ["envelope-point", at, pick(["0.0", "0.3", "1.0"]), channel, f"kind={upto(0, 3)}"]),
         (2, ["envelope-remove", upto(0, 3), channel]), (2, ["envelope-invert", channel]), (1, ["envelope-reset"]),
-        (1, ["envelope-clear"]), (2, ["new", 8000, pick([1, 2, 3, 16, 16]), 16, upto(0, 9)]),
+        (1, ["envelope-clear"]), (1, ["envelope-create"]), (2, ["sample", at, channel, pick(["0.3", "-1.0"])]),
+        (3, ["envelope-move", upto(0, 3), channel, at, pick(["0.0", "0.7"])]),
+        (2, ["envelope-kind", upto(0, 3), channel, upto(0, 3)]), (1, ["envelope-point-reset", upto(0, 3), channel]),
+        (2, ["new", 8000, pick([1, 2, 3, 16, 16]), 16, upto(0, 9)]),
         (1, ["open", pick(["a.wav", "b.wav"])]), (2, ["doc", upto(0, len(model.documents))]),
         (2, ["auto-trim", pick(["-40", "-6", "-1.5", "20"])]),
         (2, ["silence-remover", pick(["-40", "-6", "-1.5", "20"]), pick(["0.0", "0.0004", "0.002"])]),
