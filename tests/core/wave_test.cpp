@@ -23,6 +23,14 @@ TEST(Wave, CreateRefusesWhatNoFileHasAndChangesNothing) {
   }
 }
 
+TEST(Wave, TheMixOfActiveChannelsIsTheirMean) {
+  auto wave = countingWave(3, 3);
+  for (int c = 0; c < 3; ++c) wave->setSample(1, c, static_cast<float>(1 << c));
+  wave->setActive(ActiveOperation::off, 1);
+  ASSERT_TRUE(wave->mixDownToMono(kMixActiveChannels));
+  EXPECT_EQ(wave->sample(1, 0), 2.5f);
+}
+
 TEST(Wave, LargeBlocksGrowAndShrinkInPlaceWithoutLosingASample) {
   constexpr int32_t kFrames = 3000000;  // beyond the size from which blocks are mapped
   auto wave = countingWave(2, kFrames);

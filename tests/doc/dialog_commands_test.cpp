@@ -76,14 +76,9 @@ TEST(DialogCommands, AreTakenBackWhenCancelled) {
   }
 }
 
-TEST(DialogCommands, TakeTheSmallestFilesAndTheMostChannels) {
+TEST(SynthesisCommand, TakesTheSmallestFilesAndTheMostChannels) {
   for (const int channels : {1, 16}) {
     for (int32_t frames = 0; frames < 4; ++frames) {
-      for (const char* id : {"auto-trim", "silence-remover", "auto-region", "set-region", "marker-bpm",
-                             "gapper", "scramble"}) {
-        SlowDocument loose(channels, frames);
-        run(loose, id);
-      }
       for (int64_t type = 0; type <= 14; ++type) {
         SlowDocument loose(channels, frames);
         EXPECT_EQ(run(loose, "synthesis", {type, 999.0, 0.01}), type != 13) << type;
