@@ -19,10 +19,13 @@ int main(int argc, char** argv) {
       if (!entry.is_regular_file()) continue;
       std::ifstream in(entry.path(), std::ios::binary);
       const std::vector<char> bytes{std::istreambuf_iterator<char>(in), {}};
-      const auto* data = reinterpret_cast<const uint8_t*>(bytes.data());
-      for (size_t part = 0; part < kParts; ++part) LLVMFuzzerTestOneInput(data, bytes.size() * part / kParts);
-      for (size_t cut = std::min<size_t>(bytes.size(), 8) + 1; cut-- > 0;)
-        LLVMFuzzerTestOneInput(data, bytes.size() - cut);
+      // Each in memory of its own, so that a byte behind the cut isn't there.
+      const auto run = [&](size_t size) {
+        const std::vector<uint8_t> part(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
+        LLVMFuzzerTestOneInput(part.data(), size);
+      };
+      for (size_t part = 0; part < kParts; ++part) run(bytes.size() * part / kParts);
+      for (size_t cut = std::min<size_t>(bytes.size(), 8) + 1; cut-- > 0;) run(bytes.size() - cut);
       ++inputs;
     }
   }
