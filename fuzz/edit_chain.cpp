@@ -1,19 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a chain of commands on a small document. Whatever happens, annotations stay inside the file,
 // and undoing everything gives the first samples back bit for bit.
-#include <cstdlib>
 #include <cstring>
 
-#include "doc/command.h"
+#include "input_file.h"
 #include "support/loose_document.h"
 
 using namespace plumetta;
 
 namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
 
 class Bytes {
  public:

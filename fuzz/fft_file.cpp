@@ -1,24 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a spectrum file: whatever loads is finite, saved, and loads again as the same.
 #include <cmath>
-#include <cstdlib>
 
 #include "doc/spectrum_file.h"
-#include "support/memory_file_system.h"
+#include "input_file.h"
 
 using namespace plumetta;
 
-namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  MemoryFileSystem files;
-  files.contents["in"].assign(reinterpret_cast<const char*>(data), size);
+  InputFile files("in", data, size);
   SpectrumRecord record;
   if (loadSpectrum(files, "in", record).status != LoadStatus::loaded) return 0;
   require(record.values.size() <= size);

@@ -1,24 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as MPEG audio: the probe bears them, and whatever loads is sound samples of a size in bounds.
 #include <cmath>
-#include <cstdlib>
 
 #include "formats/mp3_reader.h"
-#include "support/memory_file_system.h"
+#include "input_file.h"
 
 using namespace plumetta;
 
-namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  MemoryFileSystem files;
-  files.contents["in.mp3"].assign(reinterpret_cast<const char*>(data), size);
+  InputFile files("in.mp3", data, size);
   formatOfContent(files, "in.mp3");
   CWave wave;
   const LoadResult result = loadMp3(files, "in.mp3", wave);

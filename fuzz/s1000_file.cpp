@@ -1,23 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a sampler's sample: whatever loads is saved and loads again as the same.
-#include <cstdlib>
-
 #include "formats/s1000_file.h"
-#include "support/memory_file_system.h"
+#include "input_file.h"
 
 using namespace plumetta;
 
-namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  MemoryFileSystem files;
-  files.contents["in"].assign(reinterpret_cast<const char*>(data), size);
+  InputFile files("in", data, size);
   CWave wave;
   if (loadS1000(files, "in", wave).status != LoadStatus::loaded) return 0;
   require(wave.sampleCount() <= size / 2);

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a file of every format that the table knows: what loads is sound, and can be saved as AIFF and
 // loaded again.
-#include <cstdlib>
-
 #include "formats/format.h"
 #include "formats/sndfile_formats.h"
-#include "support/memory_file_system.h"
+#include "input_file.h"
 
 using namespace plumetta;
 
@@ -14,15 +12,10 @@ namespace {
 // Compressed silence may unfold to far more than a machine has.
 constexpr int kMostReports = 2000;
 
-void require(bool condition) {
-  if (!condition) std::abort();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  MemoryFileSystem files;
-  files.contents["in"].assign(reinterpret_cast<const char*>(data), size);
+  InputFile files("in", data, size);
   const Format* format = formatOfContent(files, "in");
   if (format == nullptr) return 0;
   int reports = 0;

@@ -1,24 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a WAV file: whatever loads is saved and loads again as the same.
-#include <cstdlib>
-
 #include "formats/wav_reader.h"
 #include "formats/wav_writer.h"
-#include "support/memory_file_system.h"
+#include "input_file.h"
 
 using namespace plumetta;
 
-namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  MemoryFileSystem files;
-  files.contents["in"].assign(reinterpret_cast<const char*>(data), size);
+  InputFile files("in", data, size);
   CWave wave;
   const auto loaded = loadWav(files, "in", wave);
   if (loaded.status != LoadStatus::loaded) return 0;

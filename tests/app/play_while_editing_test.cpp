@@ -63,24 +63,6 @@ TEST_F(Playing, WindingCarriesCursorAndSelectionOfTheDocumentAlong) {
   EXPECT_EQ(doc.playback().playCursor, 5000 + 10 * kFrames);
 }
 
-TEST_F(Playing, FollowsSelectionAndMutedChannelsAndEndsWithTheDocument) {
-  CPlumettaDoc& doc = open(2, 1000);
-  doc.select(100, 900);
-  app.transport().play(&doc);
-  EXPECT_EQ(doc.playback().position, 100);
-  doc.setActive(ActiveOperation::off, 1);
-  pull();
-  EXPECT_EQ(loudest, 0.0f);
-  doc.setActive(ActiveOperation::all, 0);
-  pull();
-  EXPECT_EQ(loudest, 0.999f);
-  app.closeDocument(doc);
-  EXPECT_FALSE(controls.playing);
-  loudest = 0;
-  pull();
-  EXPECT_EQ(loudest, 0.0f);
-}
-
 // Has a state of its own, as plug-ins do.
 class Rack : public BlockProcessor {
  public:

@@ -62,24 +62,5 @@ TEST_F(Player, OtherDriverTakesOverFromOneThatPlays) {
   EXPECT_FALSE(AudioPlayer(nullptr, nullptr, fake).Start());
 }
 
-TEST_F(Player, OutputTakesWhatIsAcceptable) {
-  struct Row {
-    int frames, rate, bits;
-    int framesThen, rateThen, bitsThen;
-  };
-  const Row rows[] = {
-      {512, 96000, 8, 512, 96000, 8}, {0, 12000, 24, 4096, 96000, 8}, {5000, 44100, 16, 4096, 44100, 16}};
-  for (const Row& row : rows) {
-    player.SetOutput(1, row.frames, row.rate);
-    player.SetBitDepth(row.bits);
-    int device = 0, frames = 0, rate = 0;
-    player.GetOutput(device, frames, rate);
-    EXPECT_EQ(std::tuple(device, frames, rate), std::tuple(1, row.framesThen, row.rateThen));
-    ASSERT_TRUE(player.Start());
-    EXPECT_EQ(fake.format.bitsPerSample, row.bitsThen);
-    player.Stop();
-  }
-}
-
 }  // namespace
 }  // namespace plumetta

@@ -38,15 +38,7 @@ TEST_F(MidiRemoteTest, PostsTheCommandOfAController) {
   } cases[] = {
       {0xB0, 10, 127, "MidiCommandPlay 127;"},
       {0xBF, 11, 0, "MidiCommandStop 0;"},  // any channel, and a value of 0 counts
-      {0xB3, 12, 1, "MidiCommandPause 1;"},
-      {0xB0, 13, 1, "MidiCommandRecord 1;"},
-      {0xB0, 20, 1, "MidiCommandRewind 1;"},
-      {0xB0, 21, 1, "MidiCommandForward 1;"},
-      {0xB0, 22, 1, "MidiCommandBackToStart 1;"},
-      {0xB0, 30, 1, "MidiCommandNextMarker 1;"},
-      {0xB0, 31, 1, "MidiCommandPreviousMarker 1;"},
-      {0xB0, 32, 1, "MidiCommandAddMarker 1;"},
-      {0xB0, 50, 1, "MidiCommandToggleWindow 1;"},
+      {0xB3, 50, 1, "MidiCommandToggleWindow 1;"},
       {0xB0, 14, 127, ""},
       {0x90, 10, 100, ""},  // a note of that number
       {0x80, 10, 100, ""},

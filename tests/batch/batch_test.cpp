@@ -51,17 +51,6 @@ size_t occurrences(const std::string& text, const std::string& part) {
   return count;
 }
 
-TEST_F(BatchTest, SeveralJobsWriteTheLogOfOne) {
-  addFiles(40);
-  const std::string log = run();
-  const std::string last = result("f139.wav");
-  settings.jobs = 4;
-  settings.output = folder.file("other");
-  EXPECT_EQ(run(), log);
-  EXPECT_EQ(result("f139.wav"), last);
-  EXPECT_EQ(occurrences(log, batch_text::kApplied), 40u);
-}
-
 TEST_F(BatchTest, AStopFinishesTheFilesInWorkAndNoOthers) {
   addFiles(60);
   for (settings.jobs = 1; settings.jobs <= 3; ++settings.jobs) {

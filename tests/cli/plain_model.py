@@ -203,6 +203,15 @@ class Document(Buffer):
             self.reset_envelope()
         self.envelope[c] = sorted([*self.envelope[c], [p, f32(value), int(kind)]])
 
+    def has_point(self, i, c):
+        return 0 <= c < len(self.envelope) and 0 <= i < len(self.envelope[c])
+
+    def can_move_point(self, i, c, p, value):
+        if not self.has_point(i, c):
+            return False
+        before, here, behind = [None, *(point[0] for point in self.envelope[c]), None][i:i + 3]
+        return p == here if None in (before, behind) else before < p < behind
+
     def invert_envelope(self, c):
         self.envelope[c] = [[p, f32(1 - value), kind] for p, value, kind in self.envelope[c]]
 
@@ -450,6 +459,8 @@ EDITS = {
     "volume": (lambda level: f"Volume {level:2.2f}dB", lambda d, level: True,
                lambda d, level: d.amplify(*d.ordered(), gain_of(level))),
     "truncate": (truncate_name, lambda d, level: True, lambda d, level: d.clip(level)),
+    "sample": ("Sample moved", lambda d, p, c, value: 0 <= p < len(d.frames) and c < d.channels,
+               lambda d, p, c, value: d.frames[p].__setitem__(c, f32(value))),
     "bit-depth": ("Bit depth convertion", lambda d, *_, **__: True, Document.convert),
     "marker": ("Marker point created", lambda d, p, **_: p >= 0 and d.frames,
                lambda d, p, label=None: d.add_marker(d.inside(p), label)),
@@ -473,6 +484,13 @@ EDITS = {
     "envelope-point": ("Volume add", Document.can_add_point, Document.add_point),
     "envelope-remove": ("Volume point removed", lambda d, i, c: 0 <= c < len(d.envelope)
                         and 0 < i < len(d.envelope[c]) - 1, lambda d, i, c: d.envelope[c].pop(i)),
+    "envelope-move": ("Volume point changed", Document.can_move_point,
+                      lambda d, i, c, p, value: d.envelope[c][i].__setitem__(slice(2), [p, f32(value)])),
+    "envelope-kind": (lambda i, c, kind: "Volume point " + ("linear", "smooth", "hold", "curve")[kind],
+                      lambda d, i, c, kind: d.has_point(i, c), lambda d, i, c, kind: d.envelope[c][i].__setitem__(2, kind)),
+    "envelope-point-reset": ("Volume point reset", Document.has_point,
+                             lambda d, i, c: d.envelope[c][i].__setitem__(1, 0.5)),
+    "envelope-create": ("Volume created", lambda d: d.frames and not d.envelope, Document.reset_envelope),
     "envelope-reset": ("Volume reset", lambda d: d.frames, Document.reset_envelope),
     "envelope-invert": ("Volume reverse", lambda d, c: 0 <= c < len(d.envelope), Document.invert_envelope),
 }

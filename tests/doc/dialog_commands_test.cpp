@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "doc/command.h"
 #include "doc/selection_tempo.h"
 #include "doc/tap_tempo.h"
 #include "support/loose_document.h"
@@ -21,88 +20,11 @@ struct SlowDocument : LooseDocument {
   }
 };
 
-bool run(LooseDocument& loose, const char* id, Arguments arguments = {}) {
-  const Command* command = findCommand(id);
-  for (size_t i = arguments.size(); i < command->parameters.size(); ++i) {
-    arguments.push_back(command->parameters[i].fallback);
-  }
-  return runCommand(loose.doc, *command, std::move(arguments)) == CommandOutcome::done;
+bool run(LooseDocument& loose, const char* id, const Arguments& arguments = {}) {
+  return runCommandOf(loose.doc, id, arguments);
 }
 
 ParameterValue number(int64_t n) { return n; }
-
-// Mono, 8000 frames a second, 1.0 at the frames named by the text's other characters than '.'.
-void sound(LooseDocument& loose, const std::string& shape) {
-  loose.doc.createNew(8000, 1, 32, static_cast<int64_t>(shape.size()), kFormatFloat);
-  for (size_t i = 0; i < shape.size(); ++i) {
-    loose.doc.wave().setSample(static_cast<int32_t>(i), 0, shape[i] == '.' ? 0.0f : 1.0f);
-  }
-}
-
-constexpr double kTwoFrames = 0.00025;
-
-TEST(SilenceCommands, RemoveItAndStartTheViewAnew) {
-  SlowDocument loose(1, 1);
-  sound(loose, "..x...xx.x..");
-  loose.doc.wave().markers.add(6);
-  loose.doc.setCursor(11);
-  ASSERT_TRUE(run(loose, "silence-remover", {-6.0, kTwoFrames}));
-  EXPECT_EQ(framesIn(loose.doc.wave()), (std::vector<int>{1, 1, 1, 0, 1}));
-  EXPECT_EQ(loose.doc.wave().markers[0].position, 1);
-  EXPECT_EQ(loose.doc.view().cursor, 0);
-  ASSERT_TRUE(run(loose, "undo"));
-  EXPECT_EQ(loose.doc.wave().frames(), 12);
-  loose.doc.select(3, 11);  // in the selection alone
-  ASSERT_TRUE(run(loose, "silence-remover", {-6.0, kTwoFrames}));
-  EXPECT_EQ(framesIn(loose.doc.wave()), (std::vector<int>{0, 0, 1, 1, 1, 0, 1}));
-  ASSERT_TRUE(run(loose, "auto-trim", {-6.0}));
-  EXPECT_EQ(framesIn(loose.doc.wave()), (std::vector<int>{1, 1, 1, 0, 1}));
-  loose.prompter.messages.clear();
-  EXPECT_FALSE(run(loose, "auto-trim", {6.0}));
-  EXPECT_FALSE(run(loose, "silence-remover", {6.0, 0.0}));
-  EXPECT_EQ(loose.prompter.messages.size(), 2u);
-  EXPECT_EQ(loose.doc.wave().frames(), 5);
-}
-
-TEST(MarkerCommands, PartTheFileOrTheSelection) {
-  SlowDocument loose(1, 1001);  // at 8000 frames a second
-  ASSERT_TRUE(run(loose, "marker-bpm", {1600.0, 1.0}));
-  EXPECT_EQ(markerPositions(loose.doc.wave()), (std::vector<int>{0, 300, 600, 900}));
-  loose.doc.select(200, 500);
-  ASSERT_TRUE(run(loose, "marker-bpm", {7200.0, 2.0}));  // every 133 1/3 frames
-  EXPECT_EQ(markerPositions(loose.doc.wave()), (std::vector<int>{0, 300, 600, 900, 200, 333, 467}));
-  run(loose, "marker-clear");
-  ASSERT_TRUE(run(loose, "set-region", {number(4)}));  // 301 frames, and where the file goes on
-  EXPECT_EQ(markerPositions(loose.doc.wave()), (std::vector<int>{200, 275, 350, 425, 501}));
-  run(loose, "marker-clear");
-  loose.doc.selectNone();
-  ASSERT_TRUE(run(loose, "set-region", {number(3)}));
-  EXPECT_EQ(markerPositions(loose.doc.wave()), (std::vector<int>{0, 333, 667}));
-}
-
-TEST(SynthesisCommand, PutsTheSignalWhereItIsWanted) {
-  // Ten frames of an impulse train of one impulse into 20 frames that count; what stands at frames 0, 5, 20.
-  struct Case {
-    int64_t position, mix;
-    int32_t frames, start;
-    float at0, at5;
-  };
-  const Case cases[] = {{0, 0, 30, 0, 1, 0},  {1, 0, 30, 20, 0, 5}, {2, 0, 30, 5, 0, 1}, {0, 1, 20, 0, 1, 5},
-                        {1, 1, 30, 20, 0, 5}, {2, 1, 20, 5, 0, 6},  {0, 2, 20, 0, 1, 0}, {2, 2, 20, 5, 0, 1}};
-  for (const Case& one : cases) {
-    SlowDocument loose(1, 20);
-    loose.doc.setCursor(5);
-    ASSERT_TRUE(run(loose, "synthesis", {number(14), 1.0, 10 / 8000.0, 1.0, one.position, one.mix}));
-    EXPECT_EQ(loose.doc.wave().frames(), one.frames);
-    EXPECT_EQ(loose.doc.wave().sample(0, 0), one.at0);
-    EXPECT_EQ(loose.doc.wave().sample(5, 0), one.at5);
-    EXPECT_EQ(loose.doc.view().selectionStart, one.start);
-    EXPECT_EQ(loose.doc.view().selectionEnd, one.start + 9);
-    EXPECT_EQ(loose.doc.view().cursor, one.start);
-    ASSERT_TRUE(run(loose, "undo"));
-    EXPECT_EQ(framesIn(loose.doc.wave()), span(0, 19));
-  }
-}
 
 TEST(DialogCommands, RefuseWhatMakesNoSenseAndLeaveTheDocumentAsItWas) {
   struct Case {
@@ -154,14 +76,9 @@ TEST(DialogCommands, AreTakenBackWhenCancelled) {
   }
 }
 
-TEST(DialogCommands, TakeTheSmallestFilesAndTheMostChannels) {
+TEST(SynthesisCommand, TakesTheSmallestFilesAndTheMostChannels) {
   for (const int channels : {1, 16}) {
     for (int32_t frames = 0; frames < 4; ++frames) {
-      for (const char* id : {"auto-trim", "silence-remover", "auto-region", "set-region", "marker-bpm",
-                             "gapper", "scramble"}) {
-        SlowDocument loose(channels, frames);
-        run(loose, id);
-      }
       for (int64_t type = 0; type <= 14; ++type) {
         SlowDocument loose(channels, frames);
         EXPECT_EQ(run(loose, "synthesis", {type, 999.0, 0.01}), type != 13) << type;

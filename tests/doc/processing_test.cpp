@@ -5,18 +5,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "doc/command.h"
 #include "support/loose_document.h"
 
 namespace plumetta {
 namespace {
 
-bool run(LooseDocument& loose, const char* id, Arguments arguments) {
-  const Command* command = findCommand(id);
-  for (size_t i = arguments.size(); i < command->parameters.size(); ++i) {
-    arguments.push_back(command->parameters[i].fallback);
-  }
-  return runCommand(loose.doc, *command, std::move(arguments)) == CommandOutcome::done;
+bool run(LooseDocument& loose, const char* id, const Arguments& arguments) {
+  return runCommandOf(loose.doc, id, arguments);
 }
 
 ParameterValue whole(int64_t n) { return n; }

@@ -104,18 +104,6 @@ TEST(LaneLayout, dividesTheHeightWithoutLoss) {
   }
 }
 
-TEST(LaneLayout, mapsAmplitudesAndEnvelopeValues) {
-  const AmplitudeScale amplitude{10, 200, 2};
-  EXPECT_DOUBLE_EQ(amplitude.y(0), 110);
-  EXPECT_DOUBLE_EQ(amplitude.y(0.5), 10);
-  EXPECT_DOUBLE_EQ(amplitude.value(210), -0.5);
-  const EnvelopeScale envelope{10, 200};
-  EXPECT_DOUBLE_EQ(envelope.y(1), 10);
-  EXPECT_DOUBLE_EQ(envelope.value(110), 0.5);
-  EXPECT_DOUBLE_EQ(envelope.value(-50), 1);
-  EXPECT_DOUBLE_EQ(envelope.value(999), 0);
-}
-
 TEST(RulerTicks, countInStepsOfTheClock) {
   struct Case {
     double seconds;  // at least between labels

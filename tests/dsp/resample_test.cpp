@@ -11,7 +11,6 @@
 
 #include "dsp/fir_filter.h"
 #include "dsp/phase_vocoder.h"
-#include "dsp/polar.h"
 #include "support/waves.h"
 
 namespace plumetta {
@@ -46,8 +45,7 @@ double signalToRest(const CWave& wave, double hz) {
 }
 
 TEST(Resample, KernelsFollowTheirPolynomials) {
-  // A line stays a line, ahead by what each kernel is ahead; the cubic (1) bends one, so it has values by
-  // hand.
+  // A line stays a line, ahead by what each kernel is ahead; only the cubic (1) bends one.
   const std::map<int, double> ahead{{0, 0}, {2, 1}, {3, 0}, {4, 2}, {5, 2}};
   for (const auto& [kernel, offset] : ahead) {
     for (const double target : {6400.0, 12800.0}) {
@@ -62,8 +60,6 @@ TEST(Resample, KernelsFollowTheirPolynomials) {
     }
   }
   const double x[] = {1, 4, 2, 8, 5, 7};
-  EXPECT_DOUBLE_EQ(CubicKernel::at(x, 0.5), 9 * 0.125 + (1 - 4 - 9) * 0.25 + (2 - 1) * 0.5 + 4);
-  EXPECT_DOUBLE_EQ(QuadraticKernel::at(x, 1.0), 2.0);
   // Both kernels of six points meet the samples at their ends; one goes through all six of them.
   for (const double t : {0.0, 1.0}) {
     EXPECT_NEAR(OsculatingSixKernel::at(x, t), x[2 + static_cast<int>(t)], 1e-12);
@@ -109,7 +105,7 @@ TEST(Resample, AnnotationsFollow) {
   EXPECT_EQ(wave->envelope.point(3, 0).position, 499);
 }
 
-TEST(Resample, SmallAndImpossibleOnes) {
+TEST(Resample, SmallOnes) {
   for (const int32_t frames : {1, 2, 3}) {
     for (const int kernel : {0, 1, 2, 3, 4, 5, 10}) {
       const auto wave = countingWave(16, frames);
@@ -118,10 +114,6 @@ TEST(Resample, SmallAndImpossibleOnes) {
     }
   }
   const auto wave = countingWave(1, 100);
-  EXPECT_TRUE(resample(*wave, {44100, true, 0}));
-  EXPECT_FALSE(resample(*wave, {0, true, 0}));
-  EXPECT_FALSE(resample(*wave, {48000, true, 10}));
-  EXPECT_FALSE(resample(*wave, {48000, true, 7}));
   EXPECT_FALSE(resample(*wave, {4e9 * 44100, true, 0}));
   EXPECT_EQ(framesIn(*wave), span(0, 99));
 }
@@ -148,33 +140,7 @@ TEST(Resample, TheBandAboveTheTargetIsGone) {
   for (int32_t f = 1000; f < 43000; ++f) ASSERT_LT(std::fabs(wave->sample(f, 0)), 0.5 * 3.2e-5) << f;
 }
 
-TEST(Pitch, RatesFollowSemitonesAndCents) {
-  EXPECT_NEAR(rateOfPitch(44100, 12, 0), 22050, 1e-8);
-  EXPECT_NEAR(rateOfPitch(44100, -12, 0), 88200, 1e-8);
-  EXPECT_NEAR(rateOfPitch(44100, 1, -100), 44100, 1e-7);
-}
-
 // ---- Phase vocoder --------------------------------------------------------------------------------------
-
-TEST(Polar, AnglesAndMagnitudesThereAndBack) {
-  std::vector<double> re, im;
-  for (int k = 0; k < 1000; ++k) {
-    re.push_back((k % 7) * std::cos(k * 0.731));
-    im.push_back((k % 7) * std::sin(k * 0.731));
-  }
-  std::vector<double> magnitude(1000), turns(1000), backRe(1000), backIm(1000);
-  toPolar(re.data(), im.data(), magnitude.data(), turns.data(), 1000);
-  for (size_t k = 0; k < 1000; ++k) {
-    if (k % 7 == 0) continue;  // zero has no angle
-    EXPECT_NEAR(turns[k], std::atan2(im[k], re[k]) / (2 * kPi), 1e-12);
-    turns[k] += static_cast<double>(k) - 500;
-  }
-  toCartesian(magnitude.data(), turns.data(), backRe.data(), backIm.data(), 1000);
-  for (size_t k = 0; k < 1000; ++k) {
-    EXPECT_NEAR(backRe[k], re[k], 1e-10);
-    EXPECT_NEAR(backIm[k], im[k], 1e-10);
-  }
-}
 
 // Instantaneous level and frequency of what should be a sine, window by window.
 struct Steadiness {

@@ -83,13 +83,5 @@ TEST(PrivateProfile, KeepsLineEndsAndTheByteOrderMarkOfOtherPrograms) {
   EXPECT_EQ(bytesOf(path), "\xEF\xBB\xBF[General]\nA=x\nB=2\nC=y\n");
 }
 
-TEST(PrivateProfile, MakesTheFileWhenThereIsNone) {
-  const TemporaryFolder folder;
-  EXPECT_TRUE(writeProfileString(folder.file("new.ini"), "General", "A", "1"));
-  EXPECT_EQ(readProfileInt(folder.file("new.ini"), "General", "A", 0), 1);
-  EXPECT_FALSE(writeProfileString(folder.file("missing/new.ini"), "General", "A", "1"));
-  EXPECT_FALSE(writeProfileString(folder.path(), "General", "A", "1")) << "a folder is in the way";
-}
-
 }  // namespace
 }  // namespace plumetta

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "doc/document.h"
+#include <algorithm>
+
+#include "doc/command.h"
 #include "support/memory_file_system.h"
 #include "support/recording_prompter.h"
 #include "support/waves.h"
@@ -26,5 +28,13 @@ struct LooseDocument {
   DocumentServices services{files, folder, lock, prompter, history, settings, clipboard};
   CPlumettaDoc doc{services};
 };
+
+// Runs a command with its first arguments given and the others as they are by themselves.
+inline bool runCommandOf(CPlumettaDoc& doc, const char* id, const Arguments& given = {}) {
+  const Command& command = *findCommand(id);
+  Arguments arguments = fallbackArguments(command);
+  std::copy(given.begin(), given.end(), arguments.begin());
+  return runCommand(doc, command, std::move(arguments)) == CommandOutcome::done;
+}
 
 }  // namespace plumetta
