@@ -89,6 +89,7 @@ void CVSTRackDlg::loadChain() {
   keepFolder(folder, *path);
   app_.secureDocuments();
   loadChainFile(app_, *path, UnknownLibraries::ask);
+  editors_.titleByName();
   positions_->Refresh();
   select(0);
   showChain();

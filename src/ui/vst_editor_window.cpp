@@ -10,6 +10,7 @@ namespace plumetta {
 namespace {
 
 constexpr int kIdleMilliseconds = 30;
+constexpr int kRestMilliseconds = 500;          // while no plug-in is there
 constexpr int kSmallest = 60, kLargest = 8192;  // pixels that are believed of a side
 
 }  // namespace
@@ -70,7 +71,7 @@ PluginEditors::PluginEditors(wxWindow& parent, Rack& rack) : parent_(parent), ra
     window = nullptr;
   };
   timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { idle(); });
-  timer_.Start(kIdleMilliseconds);
+  setPace(kRestMilliseconds);
 }
 
 PluginEditors::~PluginEditors() {
@@ -102,11 +103,26 @@ void PluginEditors::open(int position) {
   window = nullptr;
 }
 
+void PluginEditors::titleByName() {
+  for (int slot = 0; slot < VstHost::kSlots; ++slot) {
+    if (CVSTDlg* window = windows_[static_cast<size_t>(slot)]) {
+      window->SetTitle(toWx(rack_.host().plugin(slot)->displayName()));
+    }
+  }
+}
+
+void PluginEditors::setPace(int milliseconds) {
+  if (!timer_.IsRunning() || timer_.GetInterval() != milliseconds) timer_.Start(milliseconds);
+}
+
 // A plug-in may let waiting events through, and so this timer's next one.
 void PluginEditors::idle() {
   if (idling_) return;
   idling_ = true;
   rack_.host().idle();
+  bool any = false;
+  for (int slot = 0; slot < VstHost::kSlots && !any; ++slot) any = rack_.host().plugin(slot) != nullptr;
+  setPace(any ? kIdleMilliseconds : kRestMilliseconds);
   idling_ = false;
 }
 

@@ -39,9 +39,12 @@ class PluginEditors {
 
   // Shows the editor of a position in front of all. False when there is none to show.
   bool show(int position);
+  // From now on the windows that are there bear the plug-ins' names, and no longer their paths.
+  void titleByName();
 
  private:
   void open(int position);
+  void setPace(int milliseconds);
   void idle();
 
   wxWindow& parent_;

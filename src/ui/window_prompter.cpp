@@ -52,7 +52,7 @@ wxWindow* WindowPrompter::boxParent() const {
   if (dialog_) return dialog_.get();
   if (wxWindow* const modal = modalDialog()) return modal;
   // The keys go back to where they came from, which may be a window beside the main one.
-  wxWindow* const active = parent_ != nullptr ? wxGetActiveWindow() : nullptr;
+  wxWindow* const active = parent_ != nullptr ? wxGetTopLevelParent(wxGetActiveWindow()) : nullptr;
   return active != nullptr && active->GetParent() == parent_ && active->IsShown() ? active : parent_;
 }
 
