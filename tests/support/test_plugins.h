@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <list>
 #include <string>
 
 #include "platform/paths.h"
@@ -16,10 +17,9 @@ inline std::string testPlugin(const std::string& name) {
 
 // What the misbehaving plug-ins that are made from now on do.
 inline void chooseFault(const std::string& name) {
-  // "PLUMETTA_TEST_FAULT=..." stays the environment's.
-  static std::string assignment;
-  assignment = "PLUMETTA_TEST_FAULT=" + name;
-  putenv(assignment.data());
+  // The texts stay the environment's, also those that are no longer in force.
+  static std::list<std::string> assignments;
+  putenv(assignments.emplace_back("PLUMETTA_TEST_FAULT=" + name).data());
 }
 
 // What the plug-ins of a library have been told since the last time, see test_plugin.h.
