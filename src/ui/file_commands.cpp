@@ -182,9 +182,12 @@ std::string FileCommands::askTarget(const wxString& title, const std::string& na
   dialog.SetFilterIndex(filterIndex);
   if (dialog.ShowModal() != wxID_OK) return {};
   std::string path = absolutePath(fromWx(dialog.GetPath()));
+  const std::string extension = extensionOf(path);
+  // Not every toolkit's dialog changes the proposed name when another kind of file is chosen.
+  const bool otherKind = dialog.GetFilterIndex() != filterIndex && extension == extensionOf(name);
   const auto chosen = static_cast<size_t>(std::max(dialog.GetFilterIndex(), 0));
-  if (extensionOf(path).empty() && !extensions.empty()) {
-    path += "." + extensions[std::min(chosen, extensions.size() - 1)];
+  if ((extension.empty() || otherKind) && chosen < extensions.size()) {
+    path = withoutExtension(path) + "." + extensions[chosen];
     // The dialog has asked about the name that was typed, not about this one.
     if (app_.files().kind(path) != FileKind::missing &&
         !app_.prompter().question(path + "\nThis file exists already. Do you want to replace it?")) {
