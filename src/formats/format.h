@@ -72,8 +72,19 @@ struct FileHead {
   std::vector<uint8_t> bytes;  // the first kBytes, fewer of a shorter file
   uint64_t size = 0;           // of the whole file
   std::string extension;       // lower case
+  uint64_t tagBytes = 0;       // of an ID3 version 2 tag ahead of everything; 0 also when it claims too much
+  std::vector<uint8_t> behindTag = {};  // the first kBytes behind that tag; empty without one
 
-  bool has(size_t offset, std::string_view text) const;
+  // Reads the head of a file, which stands at its start before and after.
+  static FileHead of(File& file, std::string extension);
+
+  // Where the audio begins: some programs put a tag ahead of formats that know nothing of it.
+  const std::vector<uint8_t>& audio() const { return tagBytes > 0 ? behindTag : bytes; }
+  bool has(size_t offset, std::string_view text) const { return isAt(bytes, offset, text); }
+  bool audioHas(size_t offset, std::string_view text) const { return isAt(audio(), offset, text); }
+
+ private:
+  static bool isAt(const std::vector<uint8_t>& bytes, size_t offset, std::string_view text);
 };
 
 enum class Likeness {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
-#include <string_view>
 
 #include "formats/format.h"
 #include "formats/mp3_reader.h"
@@ -32,12 +31,6 @@ SaveResult SaveResult::from(std::error_code error) {
 
 bool Format::hasExtension(const std::string& extension) const {
   return std::any_of(extensions.begin(), extensions.end(), [&](const char* own) { return extension == own; });
-}
-
-bool FileHead::has(size_t offset, std::string_view text) const {
-  return bytes.size() >= offset + text.size() &&
-         std::equal(text.begin(), text.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset),
-                    [](char wanted, uint8_t present) { return static_cast<uint8_t>(wanted) == present; });
 }
 
 namespace {
@@ -86,15 +79,21 @@ std::optional<FileHead> headOf(FileSystem& files, const std::string& path) {
   std::error_code error;
   const auto file = files.openForReading(path, error);
   if (!file) return std::nullopt;
-  FileHead head{std::vector<uint8_t>(FileHead::kBytes), file->size(), extensionOf(path)};
-  head.bytes.resize(file->read(head.bytes.data(), head.bytes.size(), error));
-  return head;
+  return FileHead::of(*file, extensionOf(path));
 }
 
-// In the samples of other formats bytes that look like frames are found by accident, and decoded to noise.
+// In the samples of other formats, and in any noise, bytes that look like frames are found by accident.
 LoadResult readMp3File(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
-  const auto head = headOf(files, path);
-  if (head && probeMp3(*head) == Likeness::none) return LoadResult::failure("This is no MP3 file.");
+  std::error_code error;
+  if (const auto file = files.openForReading(path, error)) {
+    const FileHead head = FileHead::of(*file, extensionOf(path));
+    const Likeness likeness = probeMp3(head);
+    const bool unclear = likeness == Likeness::byName && head.size > head.bytes.size();
+    if (likeness == Likeness::none || (unclear && !holdsMp3Frames(*file))) {
+      wave.setLayout(wave.channels(), 0);
+      return LoadResult::failure("This is no MP3 file.");
+    }
+  }
   return loadMp3(files, path, wave);
 }
 

@@ -233,6 +233,8 @@ LoadResult readMp3(File& file, CWave& wave) {
 
 // ---- The probe ------------------------------------------------------------------------------------------
 
+constexpr int kSure = 3;  // headers in a row, of which chance seldom makes so many
+
 struct FrameRun {
   int headers = 0;
   size_t end = 0;       // of the last frame
@@ -254,28 +256,56 @@ FrameRun frameRun(std::span<const uint8_t> data, size_t at) {
   return run;
 }
 
-bool isOtherContainer(const FileHead& head, size_t at) {
+bool isOtherContainer(const FileHead& head) {
   return std::any_of(std::begin(kOtherContainers), std::end(kOtherContainers),
-                     [&](const char* magic) { return head.has(at, magic); });
+                     [&](const char* magic) { return head.audioHas(0, magic); });
+}
+
+// The decoder's own reading of headers, which knows frames of free bit rate too.
+bool hasHeadersInARow(std::span<const uint8_t> data, int wanted) {
+  mad_stream stream;
+  mad_header header;
+  mad_stream_init(&stream);
+  mad_header_init(&header);
+  mad_stream_buffer(&stream, data.data(), static_cast<unsigned long>(data.size()));
+  int row = 0;
+  while (row < wanted) {
+    if (mad_header_decode(&header, &stream) == 0) {
+      ++row;
+    } else if (MAD_RECOVERABLE(stream.error)) {
+      row = 0;
+    } else {
+      break;
+    }
+  }
+  mad_header_finish(&header);
+  mad_stream_finish(&stream);
+  return row == wanted;
 }
 
 }  // namespace
 
 Likeness probeMp3(const FileHead& head) {
-  constexpr int kSure = 3;
   if (head.size == 0) return Likeness::byName;
-  const size_t tag = id3TagBytes(head.bytes);
   if (head.has(0, "RIFF") && head.has(8, "RMP3"))
     return Likeness::certain;  // frames in a RIFF form of their own
-  if (isOtherContainer(head, tag)) return Likeness::none;
-  if (tag >= head.bytes.size() && tag > 0) return tag < head.size ? Likeness::possible : Likeness::byName;
-  const FrameRun run = frameRun(head.bytes, tag);
+  if (isOtherContainer(head)) return Likeness::none;
+  const std::vector<uint8_t>& audio = head.audio();
+  const FrameRun run = frameRun(audio, 0);
   if (run.headers >= kSure || (run.headers == kSure - 1 && !run.broken)) return Likeness::certain;
-  if (tag > 0 || run.end == head.size) return Likeness::possible;
-  for (size_t at = 1; at + Mp3FrameHeader::kBytes <= head.bytes.size(); ++at) {
-    if (head.bytes[at] == 0xFF && frameRun(head.bytes, at).headers >= kSure) return Likeness::possible;
+  if (head.tagBytes > 0 || run.end == head.size) return Likeness::possible;
+  for (size_t at = 1; at + Mp3FrameHeader::kBytes <= audio.size(); ++at) {
+    if (audio[at] == 0xFF && frameRun(audio, at).headers >= kSure) return Likeness::possible;
   }
   return Likeness::byName;
+}
+
+bool holdsMp3Frames(File& file) {
+  constexpr uint64_t kLookedAt = uint64_t{1} << 22;
+  std::vector<uint8_t> bytes(static_cast<size_t>(std::min(file.size(), kLookedAt)));
+  std::error_code error;
+  bytes.resize(file.read(bytes.data(), bytes.size(), error));
+  return hasHeadersInARow(bytes, kSure);
 }
 
 LoadResult loadMp3(FileSystem& files, const std::string& path, CWave& wave) {

@@ -28,6 +28,8 @@ LoadResult readRaw(File& file, const RawLayout& layout, int64_t mostFrames, CWav
   if (layout.fileOffset > file.size()) {
     return LoadResult::failure("The file offset lies behind the end of the file.");
   }
+  // Whoever tries one layout after another reads the same open file again.
+  if (const auto error = file.seek(0)) return LoadResult::failure(error.message());
   InputStream in(file);
   in.seek(layout.fileOffset);
   const int frameBytes = bytesPerSample(layout.sample.encoding) * layout.channels;

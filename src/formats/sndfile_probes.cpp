@@ -3,8 +3,6 @@
 
 #include <string_view>
 
-#include "formats/mp3_frame_scan.h"
-
 namespace plumetta {
 namespace {
 
@@ -15,12 +13,13 @@ constexpr size_t kOggPacket = 28;                // of the first page, which hol
 
 Likeness certainIf(bool condition) { return condition ? Likeness::certain : Likeness::none; }
 
-// An unsigned number of `count` bytes; 0 beyond the head.
+// An unsigned number of `count` bytes, its offset from where the audio begins; 0 beyond the head.
 uint64_t number(const FileHead& head, size_t offset, size_t count, bool bigEndian) {
-  if (head.bytes.size() < offset + count) return 0;
+  const std::vector<uint8_t>& bytes = head.audio();
+  if (bytes.size() < offset + count) return 0;
   uint64_t value = 0;
   for (size_t i = 0; i < count; ++i) {
-    value = value << 8 | head.bytes[offset + (bigEndian ? i : count - 1 - i)];
+    value = value << 8 | bytes[offset + (bigEndian ? i : count - 1 - i)];
   }
   return value;
 }
@@ -28,7 +27,7 @@ uint64_t number(const FileHead& head, size_t offset, size_t count, bool bigEndia
 }  // namespace
 
 Likeness probeAiff(const FileHead& head) {
-  return certainIf(head.has(0, "FORM") && (head.has(8, "AIFF") || head.has(8, "AIFC")));
+  return certainIf(head.audioHas(0, "FORM") && (head.audioHas(8, "AIFF") || head.audioHas(8, "AIFC")));
 }
 
 Likeness probeAmigaIff(const FileHead& head) {
@@ -45,13 +44,7 @@ Likeness probeW64(const FileHead& head) {
   return certainIf(head.has(0, "riff\x2E\x91\xCF\x11\xA5\xD6\x28\xDB\x04\xC1\0\0"sv));
 }
 
-Likeness probeFlac(const FileHead& head) {
-  const size_t tag = id3TagBytes(head.bytes);  // some programs put one ahead of the stream
-  if (head.has(tag, "fLaC")) return Likeness::certain;
-  // The tag may be longer than the head that is looked at.
-  const bool mayFollow = tag > 0 && tag >= head.bytes.size();
-  return mayFollow && head.extension == "flac" ? Likeness::possible : Likeness::none;
-}
+Likeness probeFlac(const FileHead& head) { return certainIf(head.audioHas(0, "fLaC")); }
 
 Likeness probeOggFlac(const FileHead& head) {
   return certainIf(head.has(0, "OggS") && head.has(kOggPacket,

@@ -174,12 +174,9 @@ bool hasText(SNDFILE& sound) {
 }
 
 // How long the file says that it is, where that is more than it has.
-std::optional<uint64_t> lengthBeforeTruncation(const SndfileKind& kind, InputStream& in) {
+std::optional<uint64_t> lengthBeforeTruncation(const SndfileKind& kind, File& file) {
   if (kind.claimedBytes == nullptr) return std::nullopt;
-  FileHead head{std::vector<uint8_t>(FileHead::kBytes), in.size(), {}};
-  in.seek(0);
-  head.bytes.resize(in.read(head.bytes.data(), head.bytes.size()));
-  in.seek(0);
+  const FileHead head = FileHead::of(file, {});
   const uint64_t claimed = kind.claimedBytes(head);
   // Some programs count a pad byte that they leave out.
   return claimed > head.size + 1 ? std::optional(claimed) : std::nullopt;
@@ -205,8 +202,8 @@ LoadResult readOpened(const Load& load) {
 }
 
 LoadResult loadOpened(const SndfileKind& kind, File& file, CWave& wave) {
+  const auto longer = lengthBeforeTruncation(kind, file);
   InputStream in(file);
-  const auto longer = lengthBeforeTruncation(kind, in);
   SndfileInput input(in, kind.refusesTruncated && longer ? *longer : in.size());
   SF_INFO info{};
   const SndfilePointer sound = input.open(info);
@@ -222,13 +219,23 @@ LoadResult loadOpened(const SndfileKind& kind, File& file, CWave& wave) {
   return result;
 }
 
+// The library takes the positions in most containers for those in the file, and would be led astray by a tag.
+LoadResult loadBehindTag(const SndfileKind& kind, File& file, CWave& wave) {
+  const uint64_t tag = FileHead::of(file, {}).tagBytes;
+  if (tag == 0) return loadOpened(kind, file, wave);
+  SegmentedFile audio(file, {{tag, file.size() - tag}});
+  LoadResult result = loadOpened(kind, audio, wave);
+  if (result.status == LoadStatus::loaded) result.textKinds.push_back("ID3");
+  return result;
+}
+
 }  // namespace
 
 LoadResult loadSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, CWave& wave) {
   std::error_code error;
   const auto file = files.openForReading(path, error);
   if (!file) return LoadResult::failure(error.message());
-  LoadResult result = loadOpened(kind, *file, wave);
+  LoadResult result = loadBehindTag(kind, *file, wave);
   wave.setFileName(path);
   return result;
 }

@@ -273,7 +273,7 @@ void CBatchProcessorDlg::showProgress() {
     text += toWx(progress.file);
   }
   state_->SetLabel(text);
-  remaining_->SetLabel(finished_ ? wxString() : remainingText(fraction, begun_));
+  remaining_->SetLabel(finished_ || stopAsked_ ? wxString() : remainingText(fraction, begun_));
 }
 
 void CBatchProcessorDlg::saveLog() {

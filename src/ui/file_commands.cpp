@@ -177,22 +177,25 @@ void FileCommands::rememberFolder(const std::string& folder) {
 
 std::string FileCommands::askTarget(const wxString& title, const std::string& name, const std::string& filter,
                                     int filterIndex, const std::vector<std::string>& extensions) {
-  wxFileDialog dialog(&parent_, title, toWx(folderFor(tabs_.active())), toWx(name), toWx(filter),
-                      wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+  // The dialog would ask about the name that it shows, which is not always the one that is written.
+  wxFileDialog dialog(&parent_, title, toWx(folderFor(tabs_.active())), toWx(name), toWx(filter), wxFD_SAVE);
   dialog.SetFilterIndex(filterIndex);
-  if (dialog.ShowModal() != wxID_OK) return {};
-  std::string path = absolutePath(fromWx(dialog.GetPath()));
-  const auto chosen = static_cast<size_t>(std::max(dialog.GetFilterIndex(), 0));
-  if (extensionOf(path).empty() && !extensions.empty()) {
-    path += "." + extensions[std::min(chosen, extensions.size() - 1)];
-    // The dialog has asked about the name that was typed, not about this one.
-    if (app_.files().kind(path) != FileKind::missing &&
-        !app_.prompter().question(path + "\nThis file exists already. Do you want to replace it?")) {
-      return {};
+  while (dialog.ShowModal() == wxID_OK) {
+    std::string path = absolutePath(fromWx(dialog.GetPath()));
+    const std::string extension = extensionOf(path);
+    // Not every toolkit's dialog changes the proposed name when another kind of file is chosen.
+    const bool otherKind = dialog.GetFilterIndex() != filterIndex && extension == extensionOf(name);
+    const auto chosen = static_cast<size_t>(std::max(dialog.GetFilterIndex(), 0));
+    if ((extension.empty() || otherKind) && chosen < extensions.size()) {
+      path = withoutExtension(path) + "." + extensions[chosen];
+    }
+    if (app_.files().kind(path) == FileKind::missing ||
+        app_.prompter().question(path + "\nThis file exists already. Do you want to replace it?")) {
+      rememberFolder(folderOf(path));
+      return path;
     }
   }
-  rememberFolder(folderOf(path));
-  return path;
+  return {};
 }
 
 std::optional<SaveOptions> FileCommands::saveOptionsFor(const std::string& path, bool ask) {

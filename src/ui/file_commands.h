@@ -47,7 +47,8 @@ class FileCommands {
   bool closeAll();
 
  private:
-  // Empty when the person cancelled. A name without extension gets that of the chosen filter.
+  // Empty when the person cancelled. A name without extension, or with the proposed
+  // one where another filter was chosen, gets that of the filter.
   std::string askTarget(const wxString& title, const std::string& name, const std::string& filter,
                         int filterIndex, const std::vector<std::string>& extensions);
   // How a file of this name is written: as it was chosen last or, with `ask`, as the person chooses now.

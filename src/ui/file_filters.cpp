@@ -1,22 +1,39 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/file_filters.h"
 
+#include <algorithm>
+#include <cctype>
+
 #include "platform/paths.h"
 
 namespace plumetta {
 namespace {
 
-std::string patterns(const Format& format, const char* separator) {
+std::string upperCase(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::toupper(c); });
+  return text;
+}
+
+// As a person reads them.
+std::string listedPatterns(const Format& format) {
   std::string text;
   for (const char* extension : format.extensions) {
-    if (!text.empty()) text += separator;
-    text += std::string("*.") + extension;
+    text += (text.empty() ? "*." : ", *.") + std::string(extension);
+  }
+  return text;
+}
+
+// As names are compared with them, which on some systems tells upper case from lower.
+std::string patterns(const Format& format) {
+  std::string text;
+  for (const char* extension : format.extensions) {
+    text += (text.empty() ? "*." : ";*.") + std::string(extension) + ";*." + upperCase(extension);
   }
   return text;
 }
 
 std::string filterOf(const Format& format) {
-  return std::string(format.name) + " (" + patterns(format, ", ") + ")|" + patterns(format, ";");
+  return std::string(format.name) + " (" + listedPatterns(format) + ")|" + patterns(format);
 }
 
 }  // namespace
@@ -26,7 +43,7 @@ std::string openFilter(const std::vector<Format>& formats) {
   for (const Format& format : formats) {
     if (format.read == nullptr) continue;
     if (!all.empty()) all += ";";
-    all += patterns(format, ";");
+    all += patterns(format);
     each += filterOf(format) + "|";
   }
   return "All known media files|" + all + "|" + each + "All files|*";

@@ -8,7 +8,7 @@
 
 namespace plumetta {
 
-// Filters of file dialogs, read off the format table: "NAME (*.a, *.b)|*.a;*.b|..." each.
+// Filters of file dialogs, read off the format table: "NAME (*.a, *.b)|*.a;*.A;*.b;*.B|..." each.
 
 // "All known media files", each format that can be read, "All files".
 std::string openFilter(const std::vector<Format>& formats);

@@ -5,6 +5,7 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <utility>
 
 #include "platform/file_system.h"
 #include "ui/main_frame.h"
@@ -63,9 +64,13 @@ bool PlumettaApp::OnInit() {
   application_ = std::make_unique<Application>(prompter_, nativeFileSystem(), home_);
   application_->setSystemClipboard(&clipboard_);
   auto* frame = new MainFrame(*application_, prompter_);
+  // Some toolkits show a window later than they are told to. A progress that came first would lie behind it.
+  frame->Bind(wxEVT_SHOW, [this, frame, begun = false](wxShowEvent& event) mutable {
+    event.Skip();
+    if (!std::exchange(begun, true)) CallAfter([frame, files = files_] { frame->begin(files); });
+  });
   frame->Show();
   // Once the event loop runs, so that the window is there while long files are read.
-  CallAfter([frame, files = files_] { frame->begin(files); });
   return true;
 }
 

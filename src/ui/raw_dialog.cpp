@@ -22,6 +22,7 @@ constexpr const char* kByteOrderKey = "Byte order";
 constexpr const char* kSignKey = "Sign type";
 constexpr const char* kOffsetKey = "File offset";
 
+constexpr const char* kNoSuchSamples = "No samples have these bits and this sign.";
 constexpr std::array kBits{8, 16, 24, 32, 64};
 // Read again with every change of a value, so no more of the file than is read in a moment.
 constexpr int64_t kPreviewSamples = 1 << 20;
@@ -39,10 +40,11 @@ class RawDialog : public FormDialog {
     addFields();
     preview_ = new WavePreview(this, wave_);
     setPicture(preview_);
-    checkAll = [this] {
-      return sampleFormat() ? "" : std::string("No samples have these bits and this sign.");
+    checkAll = [this] { return std::string(sampleFormat() ? "" : kNoSuchSamples); };
+    onValues = [this](bool allGood) {
+      if (allGood) return showPreview();
+      preview_->clear(sampleFormat() ? wxString() : wxString(kNoSuchSamples));
     };
-    onValues = [this](bool allGood) { allGood ? showPreview() : preview_->clear(); };
   }
 
   RawLayout layout() const {

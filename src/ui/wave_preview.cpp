@@ -20,9 +20,9 @@ void WavePreview::show(const wxString& text) {
   Refresh(false);
 }
 
-void WavePreview::clear() {
+void WavePreview::clear(const wxString& text) {
   filled_ = false;
-  text_.clear();
+  text_ = text;
   Refresh(false);
 }
 

@@ -17,8 +17,8 @@ class WavePreview : public LiveView {
 
   // The buffer has changed.
   void show(const wxString& text);
-  // There is nothing to be shown.
-  void clear();
+  // There is nothing to be shown, and perhaps a reason why.
+  void clear(const wxString& text = wxString());
 
  protected:
   void paint(wxGraphicsContext& gc, const wxSize& size) override;

@@ -61,6 +61,16 @@ TEST_F(Headerless, RawLayoutsReadTheirSamples) {
   EXPECT_FALSE(rawSampleFormat(12, ByteOrder::little, RawSign::isSigned));
 }
 
+TEST_F(Headerless, OneLayoutAfterAnotherIsTriedOnTheOpenFile) {
+  files_.contents["x.dat"] = std::string(4096, 'a');
+  std::error_code error;
+  const auto file = files_.openForReading("x.dat", error);
+  for (const int channels : {1, 2, 4}) {
+    ASSERT_EQ(readRaw(*file, {44100, channels, {}, 0}, 100000, wave_).status, LoadStatus::loaded);
+    EXPECT_EQ(wave_.frames(), 2048 / channels);
+  }
+}
+
 TEST_F(Headerless, RawIsTakenByNameOrOnDemandAlone) {
   EXPECT_EQ(load("x.pcm", "abcd").status, LoadStatus::loaded);
   EXPECT_EQ(wave_.frames(), 2);

@@ -96,6 +96,10 @@ TEST(Mp3Reader, KeepsEveryFrameThatCanBeDecoded) {
            Case{monoFrames(3) + lowMonoFrames(3), 5184, 22050, 1, 1},
            Case{stereoFrames(5).substr(0, 2000), 4608, 44100, 2, 1},
            Case{std::string(700, 'x') + stereoFrames(4), 4608, 44100, 2},
+           Case{std::string(9000, 'x') + stereoFrames(4), 4608, 44100, 2},
+           Case{stereoFrames(1), 1152, 44100, 2},
+           Case{id3Tag({"\0\0\x27\x08", 4}, std::string(5000, 'x')) + stereoFrames(4), 4608, 44100, 2, 0, 1,
+                "in.flac"},
            Case{riff(riffBody), 4608, 44100, 2, 0, 0, "in.wav"},
        }) {
     const Loaded loaded = openBytes(c.bytes, c.name);
@@ -113,7 +117,8 @@ TEST(Mp3Reader, KeepsEveryFrameThatCanBeDecoded) {
 TEST(Mp3Reader, RefusesWhatIsNoneWithASentence) {
   for (const std::string& bytes :
        {std::string(), std::string("Hello.\n"), std::string(100000, '\xFF'), kId3v1,
-        id3Tag({"\0\0\2\1", 4}, std::string(257, 'x')), stereoFrames(1).substr(0, 300)}) {
+        id3Tag({"\0\0\2\1", 4}, std::string(257, 'x')), stereoFrames(1).substr(0, 300),
+        std::string(9000, 'x') + stereoFrames(2) + std::string(9000, 'x')}) {  // by chance
     const Loaded loaded = openBytes(bytes);
     EXPECT_EQ(loaded.format, "mp3");
     EXPECT_EQ(loaded.result.status, LoadStatus::failed);

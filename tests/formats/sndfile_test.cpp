@@ -283,6 +283,23 @@ TEST_F(Sndfile, FlacIsReadOutOfOgg) {
   EXPECT_TRUE(sameSamples(again_, plain));
 }
 
+TEST_F(Sndfile, ATagAheadOfTheContainerIsLookedBehind) {
+  fill(16, kFormatPcm, 2, 5000);
+  const std::string tag = "ID3\x04\0\0\0\0\x27\x08"s + std::string(5000, 'x');
+  for (const std::string extension : {"aiff", "flac"}) {
+    ASSERT_TRUE(save(extension).saved);
+    const std::string untagged = bytesOf(file(extension));
+    writeBytes(file(extension), tag + untagged);
+    const auto result = load(extension, again_);
+    ASSERT_EQ(result.status, LoadStatus::loaded) << result.reason;
+    EXPECT_TRUE(result.warnings.empty());
+    EXPECT_EQ(result.textKinds, std::vector<std::string>{"ID3"});
+    EXPECT_EQ(again_.frames(), 5000);
+    writeBytes(file("mp3"), tag + untagged);
+    EXPECT_TRUE(formatOfContent(nativeFileSystem(), file("mp3"))->hasExtension(extension));
+  }
+}
+
 TEST_F(Sndfile, WavTellsItsTextOrKeepsTheChunksOfOthers) {
   const std::string behind = chunk("LIST", "INFOIART" + u32(2) + "me") + chunk("bext", "origin!") +
                              chunk("PEAK", "1234") + chunk("id3 ", "ID3xx") + chunk("ETTA", "older");

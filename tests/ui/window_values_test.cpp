@@ -45,9 +45,10 @@ TEST(FileFilters, AreReadOffTheFormats) {
                                     {"Beta", {"b"}, probe, read, nullptr, nullptr},
                                     {"Gamma", {"g"}, probe, nullptr, write, nullptr}};
   EXPECT_EQ(openFilter(formats),
-            "All known media files|*.a;*.al;*.b|Alpha (*.a, *.al)|*.a;*.al|Beta (*.b)|*.b|All files|*");
+            "All known media files|*.a;*.A;*.al;*.AL;*.b;*.B|Alpha (*.a, *.al)|*.a;*.A;*.al;*.AL|"
+            "Beta (*.b)|*.b;*.B|All files|*");
   const auto writable = writableFormats(formats);
-  EXPECT_EQ(saveFilter(writable), "Alpha (*.a, *.al)|*.a;*.al|Gamma (*.g)|*.g");
+  EXPECT_EQ(saveFilter(writable), "Alpha (*.a, *.al)|*.a;*.A;*.al;*.AL|Gamma (*.g)|*.g;*.G");
   EXPECT_EQ(filterIndexOf(writable, "x.G"), 1);
   EXPECT_EQ(filterIndexOf(writable, "x.b"), 0);
 }
