@@ -5,6 +5,7 @@
 #include <wx/msgdlg.h>
 #include <wx/richmsgdlg.h>
 #include <wx/utils.h>
+#include <wx/weakref.h>
 
 #include "ui/text.h"
 
@@ -46,18 +47,34 @@ wxDialog* modalDialog() {
   return modal;
 }
 
+// The keys go back to the window that they came from, which may be one beside the main window.
+class FocusKeeper {
+ public:
+  FocusKeeper() : focused_(wxWindow::FindFocus()) {}
+  ~FocusKeeper() {
+    if (!focused_) return;
+    wxGetTopLevelParent(focused_)->Raise();
+    focused_->SetFocus();
+  }
+  FocusKeeper(const FocusKeeper&) = delete;
+  FocusKeeper& operator=(const FocusKeeper&) = delete;
+
+ private:
+  wxWeakRef<wxWindow> focused_;
+};
+
 }  // namespace
 
 wxWindow* WindowPrompter::boxParent() const {
   if (dialog_) return dialog_.get();
   if (wxWindow* const modal = modalDialog()) return modal;
-  // The keys go back to where they came from, which may be a window beside the main one.
   wxWindow* const active = parent_ != nullptr ? wxGetTopLevelParent(wxGetActiveWindow()) : nullptr;
   return active != nullptr && active->GetParent() == parent_ && active->IsShown() ? active : parent_;
 }
 
 int WindowPrompter::showBox(const std::string& text, long style) {
   const BusyPause pause;
+  const FocusKeeper focus;
   ++boxes_;
   const int answer = wxMessageBox(toWx(text), "Plumetta", style | wxCENTRE, boxParent());
   --boxes_;
@@ -73,6 +90,7 @@ bool WindowPrompter::question(const std::string& text) {
 bool WindowPrompter::confirmLoss(const std::string& text) {
   if (asksOfLosses != nullptr && !*asksOfLosses) return true;
   const BusyPause pause;
+  const FocusKeeper focus;
   wxRichMessageDialog dialog(boxParent(), toWx(text), "Plumetta", wxYES_NO | wxCENTRE | wxICON_WARNING);
   dialog.SetYesNoLabels("Save", "Don't save");
   dialog.ShowCheckBox("Don't ask again");
