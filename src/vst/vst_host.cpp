@@ -46,6 +46,13 @@ VstTimeInfo initialTime() {
   return time;
 }
 
+// Somebody is in its code, so library and object stay where they are until the process ends, beyond the
+// destructors of statics.
+void leaveForGood(std::unique_ptr<VstPlugin> plugin) {
+  static auto* const left = std::make_unique<std::vector<std::unique_ptr<VstPlugin>>>().release();
+  left->push_back(std::move(plugin));
+}
+
 }  // namespace
 
 std::string PluginFault::text() const {
@@ -121,8 +128,7 @@ void VstHost::close(int slot) {
     const std::lock_guard held(watch_);
     if (!gate.hangTold) faults_.push_back({slot, plugin->displayName(), PluginFault::hangs});
     giveUp(slot);
-    // Somebody is in its code, so library and object stay where they are, for good.
-    static_cast<void>(plugin.release());
+    leaveForGood(std::move(plugin));
     return;
   }
   gate.state = 0;

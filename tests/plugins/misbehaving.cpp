@@ -46,8 +46,8 @@ Fault chosenFault() {
 std::atomic<bool> released{false};
 
 void crash() {
-  volatile int* nowhere = nullptr;
-  *nowhere = 1;
+  volatile uintptr_t nowhere = 16;  // no null pointer, which a sanitizer would see coming
+  *reinterpret_cast<volatile int*>(nowhere) = 1;
 }
 
 void hang() {
@@ -113,6 +113,10 @@ AEffect* makeTestPlugin(HostCallbackFunction host) {
   if (fault == kNull) return nullptr;
   if (fault == kCrashEntry) crash();
   if (fault == kHangEntry) hang();
+  if (fault == kWrongMagic || fault == kNoDispatcher) {
+    static Misbehaving refused(host, fault);  // nobody will tell it to close
+    return refused.effect();
+  }
   return (new Misbehaving(host, fault))->effect();
 }
 
