@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/keep_for_good.h"
 #include "formats/clipboard_image.h"
 #include "platform/crash_note.h"
 #include "platform/paths.h"
@@ -45,12 +46,12 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
 Application::~Application() {
   if (!vstHost_->hasAbandoned()) return;
   output_->abandon();
-  static_cast<void>(output_.release());
-  static_cast<void>(playbackEngine_.release());
-  static_cast<void>(transport_.release());
-  static_cast<void>(rack_.release());
-  static_cast<void>(vstHost_.release());
-  static_cast<void>(audioLock_.release());
+  keepForGood(std::move(output_));
+  keepForGood(std::move(playbackEngine_));
+  keepForGood(std::move(transport_));
+  keepForGood(std::move(rack_));
+  keepForGood(std::move(vstHost_));
+  keepForGood(std::move(audioLock_));
 }
 
 void Application::setUpPlugins() {

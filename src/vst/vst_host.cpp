@@ -6,6 +6,8 @@
 #include <thread>
 #include <utility>
 
+#include "core/keep_for_good.h"
+
 namespace plumetta {
 namespace {
 
@@ -44,13 +46,6 @@ VstTimeInfo initialTime() {
   time.smpteFrameRate = 1;
   time.flags = kVstPpqPosValid | kVstTempoValid | kVstBarsValid | kVstTimeSigValid;
   return time;
-}
-
-// Somebody is in its code, so library and object stay where they are until the process ends, beyond the
-// destructors of statics.
-void leaveForGood(std::unique_ptr<VstPlugin> plugin) {
-  static auto* const left = std::make_unique<std::vector<std::unique_ptr<VstPlugin>>>().release();
-  left->push_back(std::move(plugin));
 }
 
 }  // namespace
@@ -128,7 +123,7 @@ void VstHost::close(int slot) {
     const std::lock_guard held(watch_);
     if (!gate.hangTold) faults_.push_back({slot, plugin->displayName(), PluginFault::hangs});
     giveUp(slot);
-    leaveForGood(std::move(plugin));
+    keepForGood(std::move(plugin));  // somebody is in its code, and in its library
     return;
   }
   gate.state = 0;
