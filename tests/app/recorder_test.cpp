@@ -4,6 +4,7 @@
 
 #include "app/recorder.h"
 #include "doc/command.h"
+#include "platform/paths.h"
 #include "support/failing_file_system.h"
 #include "support/fake_wave_in.h"
 #include "support/recording_prompter.h"
@@ -86,7 +87,7 @@ class Recording : public testing::Test, public RecorderHost {
     Texts found;
     for (const std::string& name : nativeFileSystem().list(app.homeFolder())) {
       if (name.starts_with("~plumetta_2") && name.ends_with(ending))
-        found.push_back(folder.file("home/" + name));
+        found.push_back(joinPath(app.homeFolder(), name));
     }
     std::sort(found.begin(), found.end());
     return found;

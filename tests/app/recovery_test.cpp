@@ -128,7 +128,7 @@ TEST_F(Recovery, TellsOfAFullDiskAndGoesOn) {
 TEST_F(Recovery, AsksBeforeAPlugInIsLoadedThatHasCrashed) {
   const std::string plugin = folder.file("bad.so");
   std::ofstream(plugin) << "x";
-  std::ofstream(home + "/plumetta.crash") << plugin << "\n" << plugin << "\n";
+  std::ofstream(home + "/plumetta.crash", std::ios::binary) << plugin << "\n" << plugin << "\n";
   EXPECT_TRUE(offerRecovery(*app).empty());
   ASSERT_EQ(prompter.messages.size(), 1u);
   EXPECT_NE(prompter.messages[0].find(plugin), std::string::npos);

@@ -230,12 +230,13 @@ TEST(Mp3Writer, RoundTripThroughTheInstalledEncoder) {
         wave.setSample(f, c, 0.5f * std::sin(0.05f * static_cast<float>((c + 1) * (f % 8796))));
       }
     }
-    MemoryFileSystem files;
-    ASSERT_TRUE(saveMp3(files, "a.mp3", wave, {}).saved);
-    EXPECT_EQ(files.contents.size(), 1u);
+    // On a disk: an encoder may write the header frame into the file by its own means.
+    const TemporaryFolder folder;
+    const std::string path = folder.file("a.mp3");
+    ASSERT_TRUE(saveMp3(nativeFileSystem(), path, wave, {}).saved);
     const size_t tag = channels == 1 ? 21 : 36;
-    EXPECT_EQ(files.contents["a.mp3"].substr(tag, 4), "Info");
-    ASSERT_EQ(loadMp3(files, "a.mp3", again).status, LoadStatus::loaded);
+    EXPECT_EQ(bytesOf(path).substr(tag, 4), "Info");
+    ASSERT_EQ(loadMp3(nativeFileSystem(), path, again).status, LoadStatus::loaded);
     ASSERT_EQ(again.channels(), channels);
     ASSERT_GE(again.frames(), wave.frames() + kShift);
     for (int32_t f = 3000; f < 8000; ++f) {
