@@ -3,18 +3,7 @@
 
 #include <dlfcn.h>
 
-#include <utility>
-
 namespace plumetta {
-
-SharedLibrary::SharedLibrary(SharedLibrary&& other) noexcept
-    : handle_(std::exchange(other.handle_, nullptr)), errorText_(std::move(other.errorText_)) {}
-
-SharedLibrary& SharedLibrary::operator=(SharedLibrary&& other) noexcept {
-  std::swap(handle_, other.handle_);
-  std::swap(errorText_, other.errorText_);
-  return *this;
-}
 
 bool SharedLibrary::open(const std::string& path) {
   close();

@@ -4,21 +4,11 @@
 #include <windows.h>
 
 #include <system_error>
-#include <utility>
 
 #include "platform/paths.h"
 #include "platform/windows/wide.h"
 
 namespace plumetta {
-
-SharedLibrary::SharedLibrary(SharedLibrary&& other) noexcept
-    : handle_(std::exchange(other.handle_, nullptr)), errorText_(std::move(other.errorText_)) {}
-
-SharedLibrary& SharedLibrary::operator=(SharedLibrary&& other) noexcept {
-  std::swap(handle_, other.handle_);
-  std::swap(errorText_, other.errorText_);
-  return *this;
-}
 
 bool SharedLibrary::open(const std::string& path) {
   close();
