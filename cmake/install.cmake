@@ -28,9 +28,8 @@ install(FILES packaging/debian/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES resources/plumetta.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(DIRECTORY resources/hicolor DESTINATION ${CMAKE_INSTALL_DATADIR}/icons)
 install(FILES resources/plumetta.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
-install(FILES resources/plumetta.mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages RENAME plumetta.xml
-        OPTIONAL)
-install(FILES resources/plumetta.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo OPTIONAL)
+install(FILES resources/plumetta.mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages RENAME plumetta.xml)
+install(FILES resources/plumetta.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME plumetta)

@@ -61,15 +61,21 @@ Function un.onInit
   !insertmacro MULTIUSER_UNINIT
 FunctionEnd
 
+; What an earlier version has installed and this one no longer holds goes with that version; settings stay.
+Function RemoveEarlierVersion
+  IfFileExists "$INSTDIR\uninstall.exe" 0 done
+  ExecWait '"$INSTDIR\uninstall.exe" /S /$MultiUser.InstallMode _?=$INSTDIR'
+done:
+FunctionEnd
+
 Section
+  Call RemoveEarlierVersion
   SetOutPath "$INSTDIR"
   File /r "${STAGE}\*"
   WriteUninstaller "$INSTDIR\uninstall.exe"
   CreateShortcut "$SMPROGRAMS\Plumetta.lnk" "$INSTDIR\plumetta.exe"
 
-!ifmacrodef PlumettaRegisterFileTypes
   !insertmacro PlumettaRegisterFileTypes
-!endif
   WriteRegStr SHCTX "${CAPABILITIES}" ApplicationName Plumetta
   WriteRegStr SHCTX "${CAPABILITIES}" ApplicationDescription "Audio editor"
   WriteRegStr SHCTX "Software\RegisteredApplications" Plumetta "${CAPABILITIES}"
@@ -91,9 +97,7 @@ SectionEnd
 
 Section Uninstall
   Delete "$SMPROGRAMS\Plumetta.lnk"
-!ifmacrodef PlumettaUnregisterFileTypes
   !insertmacro PlumettaUnregisterFileTypes
-!endif
   !include "${LISTS}\empty_types.nsh"
   DeleteRegValue SHCTX "Software\RegisteredApplications" Plumetta
   DeleteRegKey SHCTX "${CAPABILITIES}"

@@ -48,6 +48,10 @@ cycle() {  # WORD FOLDER
   (cd "$installed" && use)
   # Settings, in the folder of a program that may write there.
   own=$(ls "$installed" | grep -vxFf <(ls "$stage"; echo uninstall.exe)) || fail "The editor kept no settings."
+  # Another version in its place takes the settings over.
+  "$run" "$setup" /S "$word" || fail "Installing over it ended with $?"
+  [[ $(ls "$installed" | grep -vxFf <(ls "$stage"; echo uninstall.exe)) == "$own" ]] || fail "Settings were lost."
+  cmp -s "$stage/plumetta.exe" "$installed/plumetta.exe" || fail "Installing over it left no program."
   "$run" "$installed/uninstall.exe" /S "$word" || fail "The uninstaller ended with $?"
   WINEPREFIX=$PLUMETTA_WINEPREFIX "$server" -w
   # What the person has made stays; without it, all is as before.
