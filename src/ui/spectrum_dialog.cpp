@@ -42,12 +42,8 @@ wxString dbText(double db) {
   return db < -300 ? toWx("\u2212\u221E dB") : withMinus(wxString::Format("%.1f dB", db));
 }
 
-// Octaves below C0 keep their hyphen's place.
-wxString noteText(double hz) {
-  wxString text = withMinus(toWx(noteName(hz)));
-  text.Replace("#", toWx("\u266F"));
-  return text;
-}
+// Octaves below C0 keep their hyphen's place. The sharp stays a number sign: many fonts lack its own.
+wxString noteText(double hz) { return withMinus(toWx(noteName(hz))); }
 
 wxString channelLabel(int channel, int channels) {
   return channels > 2    ? "Channel " + channelName(channel, channels)
