@@ -94,6 +94,12 @@ bool hasLongerLabel(const CWave& wave, size_t bytes) {
 
 }  // namespace
 
+const SndfileKind kWav{.name = "WAV",
+                       .container = SF_FORMAT_WAV,
+                       .mostChannels = kMaxChannels,
+                       .mostBytes = kFourGiB - kHeaderRoom,
+                       .mostRate = kAnyRate,
+                       .encodings = {}};
 const SndfileKind kAiff{.name = "AIFF",
                         .container = SF_FORMAT_AIFF,
                         .mostChannels = kMaxChannels,
@@ -116,6 +122,7 @@ const SndfileKind kAmigaIff{.name = "Amiga IFF",
                             .encodings = kAmigaEncodings,
                             .textKind = "text chunks",
                             .claimedBytes = formBytes,
+                            .soundBytes = amigaSoundBytes,
                             .planar = true};
 const SndfileKind kAu{.name = "Sun/NeXT AU",
                       .container = SF_FORMAT_AU,

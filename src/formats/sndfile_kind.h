@@ -32,6 +32,9 @@ struct SndfileKind {
   const char* textKind = "";  // what its text information is called
   // The bytes that a file of this kind has by its own header; 0 where the header doesn't tell.
   uint64_t (*claimedBytes)(const FileHead& head) = nullptr;
+  // The bytes of sound by its own header, where the library takes a pad byte for one more; 0 where it doesn't
+  // tell.
+  uint64_t (*soundBytes)(const FileHead& head) = nullptr;
   // Where the container has markers and loops; `write` comes ahead of the samples.
   void (*readAnnotations)(SNDFILE& sound, uint64_t fileBytes, CWave& wave) = nullptr;
   void (*writeAnnotations)(SNDFILE& sound, const CWave& wave) = nullptr;
@@ -50,7 +53,8 @@ struct SndfileKind {
   bool hasBitRate = false;
 };
 
-extern const SndfileKind kAiff, kAmigaIff, kAu, kVoc, kCaf, kW64, kFlac, kOpus, kVorbis;
+// kWav serves for reading alone, of what the editor's own reader leaves to the library.
+extern const SndfileKind kWav, kAiff, kAmigaIff, kAu, kVoc, kCaf, kW64, kFlac, kOpus, kVorbis;
 
 // How a buffer is stored in such a file: as it is, or the widest way below that there is.
 StoredEncoding storedEncoding(const SndfileKind& kind, const CWave& wave);

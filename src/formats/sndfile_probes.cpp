@@ -67,6 +67,16 @@ uint64_t auBytes(const FileHead& head) {
   return size == 0 || size == kUnknownSize32 ? 0 : number(head, 4, 4, big) + size;
 }
 
+uint64_t amigaSoundBytes(const FileHead& head) {
+  constexpr uint64_t kFormHeader = 12, kChunkHeader = 8;
+  for (uint64_t chunk = kFormHeader; chunk + kChunkHeader <= head.bytes.size();) {
+    const uint64_t size = number(head, chunk + 4, 4, true);
+    if (head.has(chunk, "BODY")) return size;
+    chunk += kChunkHeader + size + size % 2;
+  }
+  return 0;
+}
+
 uint64_t cafBytes(const FileHead& head) {
   constexpr uint64_t kFileHeader = 8, kChunkHeader = 12;
   for (uint64_t chunk = kFileHeader; chunk + kChunkHeader <= head.bytes.size();) {

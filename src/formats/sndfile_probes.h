@@ -24,5 +24,7 @@ uint64_t formBytes(const FileHead& head);
 uint64_t auBytes(const FileHead& head);
 uint64_t cafBytes(const FileHead& head);
 uint64_t w64Bytes(const FileHead& head);
+// How many bytes of sound an Amiga IFF has by its own header; 0 where that is not in the head.
+uint64_t amigaSoundBytes(const FileHead& head);
 
 }  // namespace plumetta

@@ -174,9 +174,8 @@ bool hasText(SNDFILE& sound) {
 }
 
 // How long the file says that it is, where that is more than it has.
-std::optional<uint64_t> lengthBeforeTruncation(const SndfileKind& kind, File& file) {
+std::optional<uint64_t> lengthBeforeTruncation(const SndfileKind& kind, const FileHead& head) {
   if (kind.claimedBytes == nullptr) return std::nullopt;
-  const FileHead head = FileHead::of(file, {});
   const uint64_t claimed = kind.claimedBytes(head);
   // Some programs count a pad byte that they leave out.
   return claimed > head.size + 1 ? std::optional(claimed) : std::nullopt;
@@ -201,21 +200,19 @@ LoadResult readOpened(const Load& load) {
   return result;
 }
 
+void dropPadByte(const SndfileKind& kind, const FileHead& head, CWave& wave) {
+  const uint64_t bytes = kind.soundBytes != nullptr ? kind.soundBytes(head) : 0;
+  const uint64_t frames = bytes * 8 / static_cast<uint64_t>(wave.channels() * wave.bitsPerSample());
+  if (frames + 1 != static_cast<uint64_t>(wave.frames())) return;
+  wave.resize(wave.frames() - 1, wave.channels());
+  wave.setLayout(wave.channels(), static_cast<int32_t>(frames));
+}
+
 LoadResult loadOpened(const SndfileKind& kind, File& file, CWave& wave) {
-  const auto longer = lengthBeforeTruncation(kind, file);
+  const FileHead head = FileHead::of(file, {});
   InputStream in(file);
-  SndfileInput input(in, kind.refusesTruncated && longer ? *longer : in.size());
-  SF_INFO info{};
-  const SndfilePointer sound = input.open(info);
-  if (!sound) {
-    return LoadResult::failure("This " + std::string(kind.name) +
-                               " file is damaged or of a kind that is not " +
-                               "supported: " + sf_strerror(nullptr));
-  }
-  LoadResult result = readOpened({kind, in, *sound, info, wave});
-  if (longer && result.status == LoadStatus::loaded && result.warnings.empty()) {
-    result.warnings.push_back("The file is truncated: only the audio that is there was loaded.");
-  }
+  LoadResult result = loadSndfile(kind, in, lengthBeforeTruncation(kind, head), wave);
+  if (result.status == LoadStatus::loaded) dropPadByte(kind, head, wave);
   return result;
 }
 
@@ -230,6 +227,23 @@ LoadResult loadBehindTag(const SndfileKind& kind, File& file, CWave& wave) {
 }
 
 }  // namespace
+
+LoadResult loadSndfile(const SndfileKind& kind, InputStream& in, std::optional<uint64_t> claimedBytes,
+                       CWave& wave) {
+  SndfileInput input(in, kind.refusesTruncated && claimedBytes ? *claimedBytes : in.size());
+  SF_INFO info{};
+  const SndfilePointer sound = input.open(info);
+  if (!sound) {
+    return LoadResult::failure("This " + std::string(kind.name) +
+                               " file is damaged or of a kind that is not " +
+                               "supported: " + sf_strerror(nullptr));
+  }
+  LoadResult result = readOpened({kind, in, *sound, info, wave});
+  if (claimedBytes && result.status == LoadStatus::loaded && result.warnings.empty()) {
+    result.warnings.push_back("The file is truncated: only the audio that is there was loaded.");
+  }
+  return result;
+}
 
 LoadResult loadSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, CWave& wave) {
   std::error_code error;

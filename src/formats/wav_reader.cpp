@@ -5,6 +5,7 @@
 #include <cstring>
 #include <optional>
 
+#include "formats/sndfile_formats.h"
 #include "formats/wav_encoding.h"
 #include "platform/pages_ahead.h"
 
@@ -16,6 +17,7 @@ constexpr uint64_t kChunkHeaderBytes = 8;
 constexpr uint64_t kFormatBytes = 16;
 constexpr uint64_t kExtensibleBytes = 24;
 constexpr uint64_t kSubFormatBytes = 16;
+constexpr uint64_t kBlockAdpcmBytes = 50;     // of a format chunk with a table of seven coefficients
 constexpr uint16_t kSubFormatExtension = 22;  // extension bytes from which a sub-format is there
 constexpr uint64_t kCuePointBytes = 24;
 constexpr uint64_t kSamplerBytes = 36;
@@ -85,6 +87,11 @@ std::vector<ChunkPlace> findChunks(InputStream& in) {
   return chunks;
 }
 
+const ChunkPlace* firstNamed(const std::vector<ChunkPlace>& chunks, const char* id) {
+  const auto found = std::find_if(chunks.begin(), chunks.end(), [&](const auto& c) { return c.is(id); });
+  return found == chunks.end() ? nullptr : &*found;
+}
+
 struct WavFormat {
   uint16_t tag = 0;
   uint16_t channels = 0;
@@ -113,6 +120,11 @@ std::optional<WavFormat> readFormatChunk(InputStream& in, const ChunkPlace& chun
   in.seek(chunk.body + kExtensibleBytes);
   in.readLittle(format.tag);  // the sub-format identifier begins with the plain tag
   return format;
+}
+
+// Microsoft's ADPCM has the tag of the plain four-bit codec, but comes in blocks that a table goes with.
+bool isBlockAdpcm(const WavFormat& format, const ChunkPlace& chunk) {
+  return format.tag == kFormatAdpcm && chunk.size >= kBlockAdpcmBytes;
 }
 
 bool isSupported(const WavFormat& format) {
@@ -172,6 +184,20 @@ LoadResult readSamples(InputStream& in, const ChunkPlace& chunk, const WavFormat
   if (chunk.truncated || framesRead < frames) {
     result.warnings.push_back("The file is truncated: only the audio that is there was loaded.");
   }
+  return result;
+}
+
+LoadResult readOwnCodec(InputStream& in, const std::vector<ChunkPlace>& chunks, WavFormat format,
+                        CWave& wave) {
+  LoadResult result;
+  if (format.sampleRate == 0) {
+    format.sampleRate = kFallbackRate;
+    result.warnings.push_back("The file names no sample rate: 44100 Hz is assumed.");
+  }
+  const ChunkPlace* data = firstNamed(chunks, "data");
+  const ChunkPlace nothing{{'d', 'a', 't', 'a'}, in.size(), 0, true};
+  result = readSamples(in, data != nullptr ? *data : nothing, format, wave, std::move(result));
+  if (result.status == LoadStatus::loaded) adoptFormat(wave, format);
   return result;
 }
 
@@ -291,11 +317,6 @@ void readForeignChunks(InputStream& in, const std::vector<ChunkPlace>& chunks, b
   }
 }
 
-const ChunkPlace* firstNamed(const std::vector<ChunkPlace>& chunks, const char* id) {
-  const auto found = std::find_if(chunks.begin(), chunks.end(), [&](const auto& c) { return c.is(id); });
-  return found == chunks.end() ? nullptr : &*found;
-}
-
 }  // namespace
 
 Likeness probeWav(const FileHead& head) {
@@ -310,8 +331,9 @@ LoadResult loadWav(FileSystem& files, const std::string& path, const OpenOptions
   std::error_code error;
   const auto file = files.openForReading(path, error);
   if (!file) return LoadResult::failure(error.message());
+  LoadResult result = readWav(*file, wave, options);
   wave.setFileName(path);
-  return readWav(*file, wave, options);
+  return result;
 }
 
 LoadResult readWav(File& file, CWave& wave, const OpenOptions& options) {
@@ -329,16 +351,13 @@ LoadResult readWav(File& file, CWave& wave, const OpenOptions& options) {
     return LoadResult::failure("The format of this WAV file is not supported.");
   }
   LoadResult result;
-  WavFormat known = *format;
-  if (known.sampleRate == 0) {
-    known.sampleRate = kFallbackRate;
-    result.warnings.push_back("The file names no sample rate: 44100 Hz is assumed.");
+  if (isBlockAdpcm(*format, *formatChunk)) {
+    in.seek(0);
+    result = loadSndfile(kWav, in, std::nullopt, wave);
+  } else {
+    result = readOwnCodec(in, chunks, *format, wave);
   }
-  const ChunkPlace* data = firstNamed(chunks, "data");
-  const ChunkPlace nothing{{'d', 'a', 't', 'a'}, in.size(), 0, true};
-  result = readSamples(in, data != nullptr ? *data : nothing, known, wave, std::move(result));
   if (result.status != LoadStatus::loaded) return result;
-  adoptFormat(wave, known);
   readAnnotations(in, chunks, wave);
   readForeignChunks(in, chunks, options.keepForeignChunks, wave, result);
   return result;
