@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kRowPadding = 4;
 constexpr int kNumberWidth = 40;
-constexpr int kProgramWidth = 330;
+constexpr int kLeastName = 80;
 
 enum ParameterColumn { kName, kValue, kNumber };
 
@@ -84,7 +84,19 @@ void PositionList::OnDrawItem(wxDC& dc, const wxRect& rect, size_t row) const {
 PluginTableBase::PluginTableBase(wxWindow* parent, Rack& rack, const wxSize& size)
     : wxListView(parent, wxID_ANY, wxDefaultPosition, parent->FromDIP(size),
                  wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL),
-      rack_(rack) {}
+      rack_(rack) {
+  Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    fillWidth();
+    event.Skip();
+  });
+}
+
+// The first column takes what the others leave.
+void PluginTableBase::fillWidth() {
+  int room = GetClientSize().x;
+  for (int column = 1; column < GetColumnCount(); ++column) room -= GetColumnWidth(column);
+  if (GetColumnCount() > 0 && room > FromDIP(kLeastName)) SetColumnWidth(0, room);
+}
 
 const VstPlugin* PluginTableBase::plugin() const {
   return rack_.host().isGivenUp(rack_.slotAt(position_)) ? nullptr : rack_.pluginAt(position_);
@@ -98,8 +110,8 @@ void PluginTableBase::setRows(int position, int count) {
   Refresh();
 }
 
-ProgramTable::ProgramTable(wxWindow* parent, Rack& rack) : PluginTableBase(parent, rack, wxSize(360, 110)) {
-  AppendColumn("Program", wxLIST_FORMAT_LEFT, FromDIP(kProgramWidth));
+ProgramTable::ProgramTable(wxWindow* parent, Rack& rack) : PluginTableBase(parent, rack, wxSize(420, 110)) {
+  AppendColumn("Program");
 }
 
 void ProgramTable::show(int position) {
@@ -116,8 +128,8 @@ wxString ProgramTable::OnGetItemText(long row, long) const {
 }
 
 ParameterTable::ParameterTable(wxWindow* parent, Rack& rack)
-    : PluginTableBase(parent, rack, wxSize(360, 160)) {
-  AppendColumn("Parameter", wxLIST_FORMAT_LEFT, FromDIP(150));
+    : PluginTableBase(parent, rack, wxSize(420, 160)) {
+  AppendColumn("Parameter");
   AppendColumn("Value", wxLIST_FORMAT_RIGHT, FromDIP(110));
   AppendColumn("0 to 1", wxLIST_FORMAT_RIGHT, FromDIP(64));
 }

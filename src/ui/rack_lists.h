@@ -43,6 +43,8 @@ class PluginTableBase : public wxListView {
   Rack& rack_;
 
  private:
+  void fillWidth();
+
   int position_ = -1;
 };
 

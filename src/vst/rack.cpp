@@ -93,6 +93,18 @@ bool Rack::remove(int position) {
   return true;
 }
 
+bool Rack::exchange(int first, int second) {
+  if (!inRack(first) || !inRack(second)) return false;
+  const int slot = slotAt(first);
+  const int other = slotAt(second);
+  setSlotAt(first, -1);  // rather out of one block than twice in it
+  setSlotAt(second, slot);
+  setSlotAt(first, other);
+  notify(first);
+  notify(second);
+  return true;
+}
+
 void Rack::clear() {
   closeAllEditors();
   host_.closeAll();

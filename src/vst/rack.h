@@ -67,6 +67,8 @@ class Rack final : public BlockProcessor, public ChainProcessor {
   bool occupied(int position) const { return slotAt(position) >= 0; }
   // Leaves a hole. False for an empty position.
   bool remove(int position);
+  // What is at one position comes to the other, holes too. False when one is out of range.
+  bool exchange(int first, int second);
   void clear();
   // The position's line in a list.
   std::string lineText(int position) const;
