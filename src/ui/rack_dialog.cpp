@@ -210,8 +210,7 @@ void CVSTRackDlg::showParameter() {
 }
 
 void CVSTRackDlg::showChain() {
-  bool any = false;
-  for (int position = 0; position < rack_.positionCount(); ++position) any |= rack_.occupied(position);
+  const bool any = !rack_.isEmpty();
   clear_->Enable(any);
   saveChain_->Enable(any);
   apply_->Enable(any && !app_.documents().empty());
@@ -236,6 +235,7 @@ wxString CVSTRackDlg::latencyText() const {
 
 // What plug-ins, the transport bar or a fault have changed meanwhile.
 void CVSTRackDlg::onTimer() {
+  positions_->follow();
   if (parameters_->follow() && !slider_->HasCapture()) showParameter();
   showChain();
 }

@@ -5,6 +5,7 @@
 #include <wx/settings.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "ui/text.h"
 
@@ -42,11 +43,24 @@ void PositionList::adoptTheme() {
   Refresh();
 }
 
+wxString PositionList::textOf(int row) const {
+  const bool givenUp = rack_.host().isGivenUp(rack_.slotAt(row));
+  return toWx(rack_.lineText(row) + (givenUp ? " – does not answer" : ""));
+}
+
+void PositionList::follow() {
+  int silent = 0;
+  for (int row = 0; row < rack_.positionCount(); ++row) {
+    silent += rack_.host().isGivenUp(rack_.slotAt(row)) ? 1 : 0;
+  }
+  if (std::exchange(silent_, silent) != silent) Refresh();
+}
+
 int PositionList::textLeft() const { return FromDIP(kNumberWidth + 2 * kRowPadding); }
 
 // A line that is cut off stands whole in a tooltip.
 void PositionList::showWhole(int row) {
-  const wxString text = row >= 0 ? toWx(rack_.lineText(row)) : wxString();
+  const wxString text = row >= 0 ? textOf(row) : wxString();
   const bool cut = GetTextExtent(text).x > GetClientSize().x - textLeft();
   if (cut && GetToolTipText() != text) SetToolTip(text);
   if (!cut && GetToolTip() != nullptr) UnsetToolTip();
@@ -76,7 +90,7 @@ void PositionList::OnDrawItem(wxDC& dc, const wxRect& rect, size_t row) const {
   const bool heard = rack_.activeSlotAt(position) >= 0;
   dc.SetTextForeground(givenUp ? theme_.clip : heard ? theme_.text : theme_.textQuiet);
   const int room = rect.GetRight() - left - FromDIP(kRowPadding);
-  dc.DrawText(wxControl::Ellipsize(toWx(rack_.lineText(position)), dc, wxELLIPSIZE_END, room), left, top);
+  dc.DrawText(wxControl::Ellipsize(textOf(position), dc, wxELLIPSIZE_END, room), left, top);
 }
 
 // ---- Tables ---------------------------------------------------------------------------------------------

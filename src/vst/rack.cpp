@@ -81,6 +81,13 @@ RackAddition Rack::addAt(int position, const std::string& path) {
   return {position, {}};
 }
 
+bool Rack::isEmpty() const {
+  for (int position = 0; position < kPositions; ++position) {
+    if (occupied(position)) return false;
+  }
+  return true;
+}
+
 bool Rack::remove(int position) {
   const int slot = slotAt(position);
   if (slot < 0) return false;
