@@ -25,6 +25,7 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
       recoveryFiles_(std::make_unique<RecoveryFiles>(files, home_)),
       vstHost_(std::make_unique<VstHost>()),
       rack_(std::make_unique<Rack>(*vstHost_)),
+      chainCopy_(std::make_unique<ChainCopy>(files, home_, *rack_)),
       transport_(std::make_unique<Transport>(*audioLock_, [this] { return startOutput(); })),
       playbackEngine_(
           std::make_unique<PlaybackEngine>(*audioLock_, transport_->controls(), AudioPlayer::kBufferFrames)),
@@ -82,17 +83,20 @@ void Application::watchSound() {
 void Application::keepCopies() {
   const bool atRisk = rackOn() && rack_->hasActivePlugin();
   atRisk ? recoveryFiles_->follow(documents_) : recoveryFiles_->dropSaved(documents_);
+  chainCopy_->follow();
   tellCopyFailure();
 }
 
 void Application::secureDocuments() {
   const BusyScope busy(prompter());
   recoveryFiles_->bringUpToDate(documents_);
+  chainCopy_->bringUpToDate();
   tellCopyFailure();
 }
 
 void Application::tellCopyFailure() {
-  const std::string title = recoveryFiles_->takeFailure();
+  std::string title = recoveryFiles_->takeFailure();
+  if (chainCopy_->takeFailure()) title = "the VST rack";
   if (!title.empty()) prompter().status("There is no room for a copy of " + title + " in " + home_);
 }
 

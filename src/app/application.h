@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/chain_copy.h"
 #include "app/output_device.h"
 #include "app/recovery_files.h"
 #include "app/settings.h"
@@ -64,12 +65,13 @@ class Application {
   // Whether playing goes through the rack; off at first.
   void setRackOn(bool on) { transport_->controls().rackEnabled = on; }
   bool rackOn() const { return transport_->controls().rackEnabled; }
-  // What was changed has a copy on the disk while sound goes through the rack; what was saved has none. About
-  // once a second.
+  // What was changed has a copy on the disk while sound goes through the rack, and so has its chain; what was
+  // saved has none. About once a second.
   void keepCopies();
   // The same at once, before a plug-in's code runs that has not run yet.
   void secureDocuments();
   RecoveryFiles& recoveryFiles() { return *recoveryFiles_; }
+  ChainCopy& chainCopy() { return *chainCopy_; }
   // The document as it was, changed, under its old name; null when the copy can't be read (a message has said
   // so), which then stays.
   CPlumettaDoc* openLeftCopy(LeftCopy copy);
@@ -115,6 +117,7 @@ class Application {
   std::unique_ptr<RecoveryFiles> recoveryFiles_;
   std::unique_ptr<VstHost> vstHost_;
   std::unique_ptr<Rack> rack_;
+  std::unique_ptr<ChainCopy> chainCopy_;
   std::unique_ptr<Transport> transport_;
   std::unique_ptr<PlaybackEngine> playbackEngine_;
   std::unique_ptr<OutputDevice> output_;  // stops before the documents go

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/crash_recovery.h"
 
+#include <utility>
+
 #include "app/plugin_library.h"
+#include "platform/paths.h"
 
 namespace plumetta {
 namespace {
@@ -13,17 +16,17 @@ std::string crashText(const std::vector<std::string>& plugins) {
   return text + "\nFrom now on it is loaded only after a question.";
 }
 
-}  // namespace
+// Each opens a question, the first one with what has not been told yet.
+std::string opening(std::string& untold) {
+  const std::string text = std::exchange(untold, {});
+  return text.empty() ? text : text + "\n\n";
+}
 
-std::vector<CPlumettaDoc*> offerRecovery(Application& app) {
-  const std::string crashed = crashText(noteCrashes(app));
+std::vector<CPlumettaDoc*> offerCopies(Application& app, std::string& untold) {
   std::vector<LeftCopy> copies = app.recoveryFiles().leftCopies();
-  if (copies.empty()) {
-    if (!crashed.empty()) app.prompter().message(crashed);
-    return {};
-  }
-  std::string text = crashed.empty() ? "The program did not end in good order." : crashed;
-  text += "\n\nThere are copies of files with changes that were not saved:";
+  if (copies.empty()) return {};
+  if (untold.empty()) untold = "The program did not end in good order.";
+  std::string text = opening(untold) + "There are copies of files with changes that were not saved:";
   for (const LeftCopy& copy : copies) text += "\n" + copy.info.title;
   text += "\nDo you want to open them? Otherwise they stay in " + app.homeFolder();
   const bool wanted = app.prompter().question(text);
@@ -35,6 +38,34 @@ std::vector<CPlumettaDoc*> offerRecovery(Application& app) {
       documents.push_back(document);
     }
   }
+  return documents;
+}
+
+void offerChain(Application& app, std::string& untold) {
+  ChainCopy& copy = app.chainCopy();
+  std::optional<LeftChain> left = copy.left();
+  if (!left) return;
+  const size_t gone =
+      std::erase_if(left->chain, [&](const ChainPlugin& plugin) { return hasCrashed(app, plugin.path); });
+  if (left->chain.empty()) return copy.discard(*left);
+  std::string text = opening(untold) + "The VST rack held";
+  if (gone > 0) text += ", beside what has crashed";
+  text += ":";
+  for (const ChainPlugin& plugin : left->chain) text += "\n" + fileNameOf(plugin.path);
+  text += "\nDo you want to load these plug-ins again? Otherwise their chain stays in " + copy.keptPath();
+  if (!app.prompter().question(text)) return copy.keep(*left);
+  putIntoRack(app, left->chain);
+  copy.bringUpToDate();
+  copy.discard(*left);
+}
+
+}  // namespace
+
+std::vector<CPlumettaDoc*> offerRecovery(Application& app) {
+  std::string untold = crashText(noteCrashes(app));
+  std::vector<CPlumettaDoc*> documents = offerCopies(app, untold);
+  offerChain(app, untold);
+  if (!untold.empty()) app.prompter().message(untold);
   return documents;
 }
 

@@ -7,9 +7,9 @@
 
 namespace plumetta {
 
-// At start: tells which plug-in has taken the program down, and opens the copies of changed documents that
-// were left behind, if the person wants them. Those that are not wanted stay where they are, and nobody is
-// asked again.
+// At start: tells which plug-in has taken the program down, opens the copies of changed documents that were
+// left behind, and puts the chain that was left behind into the rack, but for what has crashed, as far as the
+// person wants them. What is not wanted stays in the program's own folder, and nobody is asked again.
 std::vector<CPlumettaDoc*> offerRecovery(Application& app);
 
 }  // namespace plumetta

@@ -13,7 +13,6 @@
 #include "platform/plugin_folders.h"
 #include "platform/private_profile.h"
 #include "platform/replace_file.h"
-#include "vst/chain_file.h"
 #include "vst/program_file.h"
 #include "vst/skipped_plugins.h"
 
@@ -150,12 +149,15 @@ bool loadChainFile(Application& app, const std::string& path, UnknownLibraries u
     return false;
   }
   if (!agreesToLoad(app, chain, unknown)) return true;
-  if (unknown == UnknownLibraries::ask) {
-    std::erase_if(chain, [&](const ChainPlugin& plugin) { return !agreesToCrashed(app, plugin.path); });
-  }
-  const BusyScope busy(prompter);
-  tellWhatIsMissing(prompter, restoreChain(app.rack(), chain));
+  noteCrashes(app);
+  std::erase_if(chain, [&](const ChainPlugin& plugin) { return !agreesToCrashed(app, plugin.path); });
+  putIntoRack(app, chain);
   return true;
+}
+
+void putIntoRack(Application& app, const Chain& chain) {
+  const BusyScope busy(app.prompter());
+  tellWhatIsMissing(app.prompter(), restoreChain(app.rack(), chain));
 }
 
 std::vector<std::string> noteCrashes(Application& app) {
@@ -170,8 +172,12 @@ std::vector<std::string> noteCrashes(Application& app) {
   return paths;
 }
 
+bool hasCrashed(Application& app, const std::string& path) {
+  return SkippedPlugins(app.files(), skippedPluginsPath(app)).contains(path);
+}
+
 bool agreesToCrashed(Application& app, const std::string& path) {
-  if (!SkippedPlugins(app.files(), skippedPluginsPath(app)).contains(path)) return true;
+  if (!hasCrashed(app, path)) return true;
   return app.prompter().question(path +
                                  "\nThis plug-in has crashed or hung before. Do you want to load it all the "
                                  "same?");

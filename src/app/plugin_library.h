@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/application.h"
+#include "vst/chain_file.h"
 #include "vst/plugin_scan.h"
 
 namespace plumetta {
@@ -30,15 +31,19 @@ enum class UnknownLibraries { ask, tell };
 
 // Replaces the rack by the chain of a file. Messages tell what went wrong and what of it could not be loaded.
 // False when the file can't be read or is damaged; the rack is then as it was, as it is when the person
-// declines or the file is of a later version. Where there is to be asked, plug-ins that have crashed are left
-// out unless the person wants them.
+// declines or the file is of a later version. Plug-ins that have crashed are left out unless the person wants
+// them.
 bool loadChainFile(Application& app, const std::string& path, UnknownLibraries unknown);
+
+// Replaces the rack by a chain. Messages tell what of it could not be loaded.
+void putIntoRack(Application& app, const Chain& chain);
 
 // ---- Plug-ins that crash --------------------------------------------------------------------------------
 
 // The libraries that have taken the program down since the last call. Scans and chains leave them out from
 // now on.
 std::vector<std::string> noteCrashes(Application& app);
+bool hasCrashed(Application& app, const std::string& path);
 // Asks before one of these is loaded. False when the person would rather not.
 bool agreesToCrashed(Application& app, const std::string& path);
 

@@ -207,6 +207,7 @@ void CBatchProcessorDlg::start() {
   settings.function = function_->GetSelection();
   settings.recurse = recurse_->GetValue();
   if (!accept(settings)) return;
+  if (batchFunctions()[static_cast<size_t>(settings.function)].usesChain) app_.secureDocuments();
   const auto toPending = [this](std::string_view text) {
     const std::lock_guard lock(pendingMutex_);
     pending_ += text;

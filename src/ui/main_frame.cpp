@@ -338,6 +338,7 @@ void MainFrame::onClose(wxCloseEvent& event) {
   if (rackWindow_ != nullptr) rackWindow_->Show(false);
   app_.rack().closeAllEditors();
   copyTimer_.Stop();
+  app_.chainCopy().forget();
   storeHistoryWidth();
   displays_->storeLayout();
   // Without a veto the documents end with their windows, which look at them to the last.

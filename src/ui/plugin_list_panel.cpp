@@ -169,10 +169,11 @@ void PluginListPanel::applyFilter() {
     if (matches(row, filter_->GetValue())) shown.push_back(&row);
   }
   if (!scan_) {
-    const wxString instruments = toWx(std::string(kInstrumentMark) + "instrument");
-    status_->SetLabel(rows_.empty()
-                          ? toWx(kPluginListEmpty)
-                          : wxString::Format("%zu of %zu   ", shown.size(), rows_.size()) + instruments);
+    const bool instruments =
+        std::ranges::any_of(shown, [](const PluginRow* row) { return row->plugin.isSynth(); });
+    const wxString mark = instruments ? toWx(std::string(kInstrumentMark) + "instrument") : wxString();
+    status_->SetLabel(rows_.empty() ? toWx(kPluginListEmpty)
+                                    : wxString::Format("%zu of %zu   ", shown.size(), rows_.size()) + mark);
   }
   table_->show(std::move(shown));
   selectionChanged();

@@ -28,6 +28,7 @@ void MainFrame::showRack() {
   if (rackWindow_ == nullptr) {
     rackWindow_ = new CVSTRackDlg(this, app_, profile_, editors_, [this] { return !prompter_.working(); });
     rackWindow_->onSwitched = [this] { switchRack(); };
+    rackWindow_->onApply = [this] { menus_.choose("rack-apply"); };
     rackWindow_->onPlayKey = [this] { menus_.choose(sound_.playing() ? "stop" : "play"); };
   } else if (rackWindow_->IsShown()) {
     rackWindow_->Close();
@@ -65,6 +66,7 @@ void MainFrame::watchCopies() {
 
 void MainFrame::openLeftCopies() {
   for (CPlumettaDoc* document : offerRecovery(app_)) tabs_->add(*document);
+  if (!app_.rack().isEmpty()) showRack();
 }
 
 }  // namespace plumetta

@@ -78,8 +78,10 @@ wxSizer* CVSTRackDlg::makeLeft() {
   auto* upper = new wxBoxSizer(wxHORIZONTAL);
   addButton(*upper, "&Add…", "A plug-in of the list, at the first free position", &CVSTRackDlg::add);
   addButton(*upper, "From &file…", "A plug-in's file, at the first free position", &CVSTRackDlg::addFile);
-  editor_ = addButton(*upper, "&Editor", "Shows the plug-in's own window", &CVSTRackDlg::showEditor);
+  up_ = addButton(*upper, "&Up", "Sound comes to the plug-in earlier", &CVSTRackDlg::moveUp);
+  down_ = addButton(*upper, "&Down", "Sound comes to the plug-in later", &CVSTRackDlg::moveDown);
   auto* lower = new wxBoxSizer(wxHORIZONTAL);
+  editor_ = addButton(*lower, "&Editor", "Shows the plug-in's own window", &CVSTRackDlg::showEditor);
   mute_ = addButton(*lower, "&Mute", "Sound passes by the plug-in", &CVSTRackDlg::toggleMute);
   addButton(*lower, "Re&place…", "Puts a plug-in of the list at this position", &CVSTRackDlg::replace);
   remove_ = addButton(*lower, "&Remove", "Leaves the position empty", &CVSTRackDlg::remove);
@@ -116,11 +118,13 @@ wxSizer* CVSTRackDlg::makeRight() {
 
 wxSizer* CVSTRackDlg::makeBottom() {
   auto* row = new wxBoxSizer(wxHORIZONTAL);
-  latency_ = new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE);
-  row->Add(latency_, 1, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap));
+  facts_ = new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE);
+  row->Add(facts_, 1, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap));
   auto* buttons = new wxBoxSizer(wxHORIZONTAL);
   addButton(*buttons, "&Load chain…", "Replaces the whole rack", &CVSTRackDlg::loadChain);
   saveChain_ = addButton(*buttons, "&Save chain…", "The whole rack", &CVSTRackDlg::saveChain);
+  apply_ = addButton(*buttons, "A&pply", "The plug-ins over the selection, or over the whole file",
+                     &CVSTRackDlg::apply);
   row->Add(buttons, 0, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap));
   auto* close = new wxButton(this, wxID_CLOSE);
   close->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { Close(); });
@@ -181,10 +185,13 @@ void CVSTRackDlg::showPosition() {
   programs_->show(selected());
   parameters_->show(selected());
   showParameter();
-  for (wxButton* button : {remove_, mute_, editor_, loadPreset_, savePreset_, loadBank_, saveBank_}) {
+  for (wxButton* button : {remove_, mute_, editor_, up_, down_, loadPreset_, savePreset_, loadBank_, saveBank_}) {
     button->Enable(occupied);
   }
+  if (selected() == 0) up_->Disable();
+  if (selected() + 1 == rack_.positionCount()) down_->Disable();
   mute_->SetLabel(rack_.isMuted(selected()) ? "Un&mute" : "&Mute");
+  showChain();
 }
 
 void CVSTRackDlg::showParameter() {
@@ -203,21 +210,32 @@ void CVSTRackDlg::showParameter() {
 }
 
 void CVSTRackDlg::showChain() {
-  bool any = false;
-  for (int position = 0; position < rack_.positionCount(); ++position) any |= rack_.occupied(position);
+  const bool any = !rack_.isEmpty();
   clear_->Enable(any);
   saveChain_->Enable(any);
+  apply_->Enable(any && !app_.documents().empty());
   switch_->SetValue(app_.rackOn());
+  const wxString text = pinText() + latencyText();
+  if (facts_->GetLabel() != text) facts_->SetLabel(text);
+}
+
+// One that has fewer channels than the file leaves the others out.
+wxString CVSTRackDlg::pinText() const {
+  const VstPlugin* plugin = rack_.pluginAt(selected());
+  if (plugin == nullptr) return wxString();
+  return wxString::Format("%d in, %d out   ", plugin->inputCount(), plugin->outputCount());
+}
+
+wxString CVSTRackDlg::latencyText() const {
   const auto frames = static_cast<double>(rack_.latencyFrames());
-  const wxString text = frames > 0
-                            ? wxString::Format("Latency %.0f samples (%.1f ms)", frames,
-                                               1000 * frames / static_cast<double>(rack_.host().sampleRate()))
-                            : wxString("No latency");
-  if (latency_->GetLabel() != text) latency_->SetLabel(text);
+  if (frames == 0) return "No latency";
+  return wxString::Format("Latency %.0f samples (%.1f ms)", frames,
+                          1000 * frames / static_cast<double>(rack_.host().sampleRate()));
 }
 
 // What plug-ins, the transport bar or a fault have changed meanwhile.
 void CVSTRackDlg::onTimer() {
+  positions_->follow();
   if (parameters_->follow() && !slider_->HasCapture()) showParameter();
   showChain();
 }
@@ -253,6 +271,10 @@ void CVSTRackDlg::remove() {
   if (rack_.remove(position)) select(position + 1);
 }
 
+void CVSTRackDlg::move(int by) {
+  if (rack_.occupied(selected()) && rack_.exchange(selected(), selected() + by)) select(selected() + by);
+}
+
 void CVSTRackDlg::toggleMute() { rack_.setMuted(selected(), !rack_.isMuted(selected())); }
 
 void CVSTRackDlg::showEditor() {
@@ -267,6 +289,10 @@ void CVSTRackDlg::activate() {
 void CVSTRackDlg::clear() {
   rack_.clear();
   select(0);
+}
+
+void CVSTRackDlg::apply() {
+  if (onApply) onApply();
 }
 
 void CVSTRackDlg::chooseProgram() {
@@ -288,6 +314,8 @@ void CVSTRackDlg::onListKey(wxKeyEvent& event) {
   const int key = event.GetKeyCode();
   if (key == WXK_ESCAPE) {
     Close();
+  } else if (onList && event.ControlDown() && (key == WXK_UP || key == WXK_DOWN) && mayChange_()) {
+    move(key == WXK_UP ? -1 : 1);
   } else if (onList && key == WXK_DELETE && mayChange_()) {
     remove();
   } else if (onList && (key == WXK_RETURN || key == WXK_NUMPAD_ENTER)) {

@@ -34,6 +34,8 @@ class CVSTRackDlg : public wxDialog {
   std::function<void()> onSwitched;
   // Keys that are none of this window's.
   std::function<void()> onPlayKey;
+  // The plug-ins are wanted over the samples of the document.
+  std::function<void()> onApply;
 
   bool Show(bool show = true) override;
   void storePlace();
@@ -52,10 +54,14 @@ class CVSTRackDlg : public wxDialog {
   void place(int position, const std::string& path);
   void addAtFirstFree(const std::string& path);
   void remove();
+  void moveUp() { move(-1); }
+  void moveDown() { move(1); }
+  void move(int by);
   void toggleMute();
   void showEditor();
   void activate();
   void clear();
+  void apply();
   void loadChain();
   void saveChain();
   void loadPreset() { loadPrograms(ProgramFileKind::program); }
@@ -76,6 +82,8 @@ class CVSTRackDlg : public wxDialog {
   void showPosition();
   void showParameter();
   void showChain();
+  wxString pinText() const;
+  wxString latencyText() const;
   void onTimer();
   void onListKey(wxKeyEvent& event);
 
@@ -90,8 +98,9 @@ class CVSTRackDlg : public wxDialog {
   wxCheckBox* switch_ = nullptr;
   wxSlider* slider_ = nullptr;
   wxStaticText* value_ = nullptr;
-  wxStaticText* latency_ = nullptr;
-  wxButton *remove_ = nullptr, *mute_ = nullptr, *editor_ = nullptr, *clear_ = nullptr, *saveChain_ = nullptr;
+  wxStaticText* facts_ = nullptr;
+  wxButton *remove_ = nullptr, *mute_ = nullptr, *editor_ = nullptr, *up_ = nullptr, *down_ = nullptr;
+  wxButton *clear_ = nullptr, *saveChain_ = nullptr, *apply_ = nullptr;
   wxButton *loadPreset_ = nullptr, *savePreset_ = nullptr, *loadBank_ = nullptr, *saveBank_ = nullptr;
   wxTimer timer_;
 };

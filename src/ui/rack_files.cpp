@@ -112,7 +112,9 @@ void CVSTRackDlg::loadPrograms(ProgramFileKind kind) {
       askFile(wxString("Load a ") + files.name, files.openFilter, folder, files.extension, false);
   if (!path) return;
   profile_.setText(kSection, kPresetFolder, folderOf(*path));
-  loadProgramFile(app_, selected(), kind, *path);
+  const ProgramOutcome outcome = loadProgramFile(app_, selected(), kind, *path);
+  const bool silent = outcome == ProgramOutcome::refused && kind == ProgramFileKind::program;
+  app_.prompter().status(silent ? "This is no preset of the plug-in: " + *path : std::string());
 }
 
 void CVSTRackDlg::savePrograms(ProgramFileKind kind) {

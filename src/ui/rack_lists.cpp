@@ -5,6 +5,7 @@
 #include <wx/settings.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "ui/text.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 constexpr int kRowPadding = 4;
 constexpr int kNumberWidth = 40;
-constexpr int kProgramWidth = 330;
+constexpr int kLeastName = 80;
 
 enum ParameterColumn { kName, kValue, kNumber };
 
@@ -42,11 +43,24 @@ void PositionList::adoptTheme() {
   Refresh();
 }
 
+wxString PositionList::textOf(int row) const {
+  const bool givenUp = rack_.host().isGivenUp(rack_.slotAt(row));
+  return toWx(rack_.lineText(row) + (givenUp ? " – does not answer" : ""));
+}
+
+void PositionList::follow() {
+  int silent = 0;
+  for (int row = 0; row < rack_.positionCount(); ++row) {
+    silent += rack_.host().isGivenUp(rack_.slotAt(row)) ? 1 : 0;
+  }
+  if (std::exchange(silent_, silent) != silent) Refresh();
+}
+
 int PositionList::textLeft() const { return FromDIP(kNumberWidth + 2 * kRowPadding); }
 
 // A line that is cut off stands whole in a tooltip.
 void PositionList::showWhole(int row) {
-  const wxString text = row >= 0 ? toWx(rack_.lineText(row)) : wxString();
+  const wxString text = row >= 0 ? textOf(row) : wxString();
   const bool cut = GetTextExtent(text).x > GetClientSize().x - textLeft();
   if (cut && GetToolTipText() != text) SetToolTip(text);
   if (!cut && GetToolTip() != nullptr) UnsetToolTip();
@@ -76,7 +90,7 @@ void PositionList::OnDrawItem(wxDC& dc, const wxRect& rect, size_t row) const {
   const bool heard = rack_.activeSlotAt(position) >= 0;
   dc.SetTextForeground(givenUp ? theme_.clip : heard ? theme_.text : theme_.textQuiet);
   const int room = rect.GetRight() - left - FromDIP(kRowPadding);
-  dc.DrawText(wxControl::Ellipsize(toWx(rack_.lineText(position)), dc, wxELLIPSIZE_END, room), left, top);
+  dc.DrawText(wxControl::Ellipsize(textOf(position), dc, wxELLIPSIZE_END, room), left, top);
 }
 
 // ---- Tables ---------------------------------------------------------------------------------------------
@@ -84,7 +98,19 @@ void PositionList::OnDrawItem(wxDC& dc, const wxRect& rect, size_t row) const {
 PluginTableBase::PluginTableBase(wxWindow* parent, Rack& rack, const wxSize& size)
     : wxListView(parent, wxID_ANY, wxDefaultPosition, parent->FromDIP(size),
                  wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL),
-      rack_(rack) {}
+      rack_(rack) {
+  Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    fillWidth();
+    event.Skip();
+  });
+}
+
+// The first column takes what the others leave.
+void PluginTableBase::fillWidth() {
+  int room = GetClientSize().x;
+  for (int column = 1; column < GetColumnCount(); ++column) room -= GetColumnWidth(column);
+  if (GetColumnCount() > 0 && room > FromDIP(kLeastName)) SetColumnWidth(0, room);
+}
 
 const VstPlugin* PluginTableBase::plugin() const {
   return rack_.host().isGivenUp(rack_.slotAt(position_)) ? nullptr : rack_.pluginAt(position_);
@@ -98,8 +124,8 @@ void PluginTableBase::setRows(int position, int count) {
   Refresh();
 }
 
-ProgramTable::ProgramTable(wxWindow* parent, Rack& rack) : PluginTableBase(parent, rack, wxSize(360, 110)) {
-  AppendColumn("Program", wxLIST_FORMAT_LEFT, FromDIP(kProgramWidth));
+ProgramTable::ProgramTable(wxWindow* parent, Rack& rack) : PluginTableBase(parent, rack, wxSize(420, 110)) {
+  AppendColumn("Program");
 }
 
 void ProgramTable::show(int position) {
@@ -116,8 +142,8 @@ wxString ProgramTable::OnGetItemText(long row, long) const {
 }
 
 ParameterTable::ParameterTable(wxWindow* parent, Rack& rack)
-    : PluginTableBase(parent, rack, wxSize(360, 160)) {
-  AppendColumn("Parameter", wxLIST_FORMAT_LEFT, FromDIP(150));
+    : PluginTableBase(parent, rack, wxSize(420, 160)) {
+  AppendColumn("Parameter");
   AppendColumn("Value", wxLIST_FORMAT_RIGHT, FromDIP(110));
   AppendColumn("0 to 1", wxLIST_FORMAT_RIGHT, FromDIP(64));
 }

@@ -15,8 +15,11 @@ namespace plumetta {
 class PositionList : public wxVListBox {
  public:
   PositionList(wxWindow* parent, Rack& rack);
+  // Draws rows again whose plug-ins have stopped answering.
+  void follow();
 
  private:
+  wxString textOf(int row) const;
   void adoptTheme();
   void showWhole(int row);
   int textLeft() const;
@@ -26,6 +29,7 @@ class PositionList : public wxVListBox {
 
   Rack& rack_;
   Theme theme_;
+  int silent_ = 0;  // plug-ins that do not answer, as drawn
 };
 
 // A table about the plug-in at one position. It asks for what can be seen alone, since plug-ins may claim any
@@ -43,6 +47,8 @@ class PluginTableBase : public wxListView {
   Rack& rack_;
 
  private:
+  void fillWidth();
+
   int position_ = -1;
 };
 

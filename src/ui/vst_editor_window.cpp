@@ -33,12 +33,22 @@ CVSTDlg::CVSTDlg(wxWindow* parent, VstHost& host, int slot)
 
 bool CVSTDlg::openEditor() {
   takeSize();
-  CentreOnParent();
+  place();
   Show();
   void* const parent = nativeParent(*area_);
   if (parent == nullptr || host_.openEditor(slot_, parent) < 1) return false;
+  const wxSize before = GetSize();
   takeSize();  // some know it only now
+  if (GetSize() != before) place();
   return true;
+}
+
+// A step beside the last one, so that each can be reached.
+void CVSTDlg::place() {
+  constexpr int kStep = 28, kSteps = 8;
+  CentreOnParent();
+  const int offset = FromDIP(kStep) * (slot_ % kSteps);
+  Move(GetPosition() + wxPoint(offset, offset));
 }
 
 // The plug-in counts the screen's pixels, the toolkit its own.

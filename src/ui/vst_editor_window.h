@@ -22,6 +22,7 @@ class CVSTDlg : public wxDialog {
 
  private:
   void takeSize();
+  void place();
 
   VstHost& host_;
   const int slot_;

@@ -156,11 +156,11 @@ bool place(Rack& rack, const ChainPlugin& stored) {
 
 // ---- Writing --------------------------------------------------------------------------------------------
 
-void writePlugin(FieldWriter& out, const Rack& rack, int position) {
+void writePlugin(FieldWriter& out, const Rack& rack, int position, ChainStates states) {
   const VstPlugin& plugin = *rack.pluginAt(position);
   // A copy: the bytes are the plug-in's own until its next call.
   std::vector<uint8_t> state;
-  if (plugin.hasProgramChunks()) {
+  if (plugin.hasProgramChunks() && states == ChainStates::with) {
     const std::span<const uint8_t> own = plugin.chunk(false);
     state.assign(own.begin(), own.end());
   }
@@ -216,7 +216,7 @@ ChainRestoration restoreChain(Rack& rack, const Chain& chain) {
   return restoration;
 }
 
-std::vector<uint8_t> chainBytes(const Rack& rack) {
+std::vector<uint8_t> chainBytes(const Rack& rack, ChainStates states) {
   std::vector<int> positions;
   for (int position = 0; position < rack.positionCount(); ++position) {
     if (rack.pluginAt(position) != nullptr) positions.push_back(position);
@@ -226,7 +226,7 @@ std::vector<uint8_t> chainBytes(const Rack& rack) {
   out.little(0);
   out.little(kVersion);
   out.little(static_cast<int32_t>(positions.size()));
-  for (const int position : positions) writePlugin(out, rack, position);
+  for (const int position : positions) writePlugin(out, rack, position, states);
   std::vector<uint8_t> bytes = out.content();
   const size_t total = bytes.size() - kTotalAt - sizeof(int32_t);
   if (total > static_cast<size_t>(std::numeric_limits<int32_t>::max())) return {};

@@ -54,8 +54,11 @@ struct ChainRestoration {
 // Clears the rack and puts the chain's plug-ins into it, each as it was, with their editors.
 ChainRestoration restoreChain(Rack& rack, const Chain& chain);
 
-// The rack in the current form; empty when it is too long for the file's fields.
-std::vector<uint8_t> chainBytes(const Rack& rack);
+enum class ChainStates { with, without };
+
+// The rack in the current form; empty when it is too long for the file's fields. Without the opaque states,
+// which may be long in the making, it tells whether anything else has changed.
+std::vector<uint8_t> chainBytes(const Rack& rack, ChainStates states = ChainStates::with);
 std::error_code saveChain(FileSystem& files, const Rack& rack, const std::string& path);
 
 }  // namespace plumetta

@@ -81,6 +81,13 @@ RackAddition Rack::addAt(int position, const std::string& path) {
   return {position, {}};
 }
 
+bool Rack::isEmpty() const {
+  for (int position = 0; position < kPositions; ++position) {
+    if (occupied(position)) return false;
+  }
+  return true;
+}
+
 bool Rack::remove(int position) {
   const int slot = slotAt(position);
   if (slot < 0) return false;
@@ -90,6 +97,18 @@ bool Rack::remove(int position) {
   setSlotAt(position, -1);
   recordProgram(slot, -1);
   notify(position);
+  return true;
+}
+
+bool Rack::exchange(int first, int second) {
+  if (!inRack(first) || !inRack(second)) return false;
+  const int slot = slotAt(first);
+  const int other = slotAt(second);
+  setSlotAt(first, -1);  // rather out of one block than twice in it
+  setSlotAt(second, slot);
+  setSlotAt(first, other);
+  notify(first);
+  notify(second);
   return true;
 }
 

@@ -65,8 +65,11 @@ class Rack final : public BlockProcessor, public ChainProcessor {
   // At a given one (0 when it is out of range), whose occupant goes first: ask before, see occupied().
   RackAddition addAt(int position, const std::string& path);
   bool occupied(int position) const { return slotAt(position) >= 0; }
+  bool isEmpty() const;
   // Leaves a hole. False for an empty position.
   bool remove(int position);
+  // What is at one position comes to the other, holes too. False when one is out of range.
+  bool exchange(int first, int second);
   void clear();
   // The position's line in a list.
   std::string lineText(int position) const;

@@ -155,7 +155,6 @@ void VstPlugin::readInfo() {
   effectName_ = text(effGetEffectName, kEffectNameBytes);
   vendorName_ = text(effGetVendorString, kProductBytes);
   productName_ = text(effGetProductString, kProductBytes);
-  initialDelay_ = effect_->initialDelay;
   vstVersion_ = static_cast<int32_t>(dispatch(effGetVstVersion));
   vendorVersion_ = static_cast<int32_t>(dispatch(effGetVendorVersion));
   category_ = static_cast<int32_t>(dispatch(effGetPlugCategory));

@@ -57,6 +57,8 @@ class VstPlugin {
   int programCount() const;
   int inputCount() const;   // 0..kMostPins
   int outputCount() const;  // 0..kMostPins
+  // Frames by which sound comes late, at present: some know it only once sound has come.
+  int32_t initialDelay() const { return loaded() ? effect_->initialDelay : 0; }
   int32_t uniqueId() const { return loaded() ? effect_->uniqueID : 0; }
   bool hasEditor() const { return hasFlag(effFlagsHasEditor); }
   bool canReplace() const { return hasFlag(effFlagsCanReplacing); }
@@ -84,7 +86,6 @@ class VstPlugin {
   // What messages call it: the effect's name, else the file's.
   std::string displayName() const;
   int32_t category() const { return category_; }
-  int32_t initialDelay() const { return initialDelay_; }
   int32_t vstVersion() const { return vstVersion_; }
   int32_t vendorVersion() const { return vendorVersion_; }
 
@@ -119,7 +120,7 @@ class VstPlugin {
   int32_t pendingMidi_ = 0;
   bool infoValid_ = false;
   bool probing_ = false;
-  int32_t category_ = 0, initialDelay_ = 0, vstVersion_ = 0, vendorVersion_ = 0;
+  int32_t category_ = 0, vstVersion_ = 0, vendorVersion_ = 0;
   AEffect* effect_ = nullptr;
   VstSpeakerArrangement speakerArrangement_{};
   std::vector<uint8_t> chunk_;

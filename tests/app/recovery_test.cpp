@@ -11,6 +11,7 @@
 #include "support/failing_file_system.h"
 #include "support/recording_prompter.h"
 #include "support/temporary_folder.h"
+#include "support/test_plugins.h"
 #include "support/waves.h"
 
 namespace plumetta {
@@ -139,6 +140,53 @@ TEST_F(Recovery, AsksBeforeAPlugInIsLoadedThatHasCrashed) {
   start();
   offerRecovery(*app);
   EXPECT_EQ(prompter.messages.size(), 1u) << "told once";
+}
+
+TEST_F(Recovery, BringsBackTheChainWithoutWhatHasCrashed) {
+  Rack& rack = app->rack();
+  rack.addAt(2, testPlugin("bank"));
+  rack.addAt(4, testPlugin("gain"));
+  rack.setParameter(2, 1, 0.75f);
+  rack.setMuted(2, true);
+  app->keepCopies();
+  EXPECT_FALSE(app->chainCopy().left()) << "a living program's chain is nobody else's";
+  start();
+  std::ofstream(home + "/plumetta.crash", std::ios::binary) << testPlugin("gain") << "\n";
+  EXPECT_TRUE(offerRecovery(*app).empty());
+  ASSERT_EQ(prompter.questions.size(), 1u);
+  EXPECT_TRUE(prompter.messages.empty()) << "the question names the plug-in";
+  EXPECT_NE(prompter.questions[0].find("crashed:\n" + testPlugin("gain")), std::string::npos);
+  EXPECT_TRUE(app->rack().isMuted(2));
+  EXPECT_EQ(app->rack().pluginAt(2)->parameter(1), 0.75f);
+  EXPECT_FALSE(app->rack().occupied(4));
+  start();
+  EXPECT_FALSE(app->rack().occupied(2));
+  prompter.answer = false;
+  offerRecovery(*app);
+  EXPECT_EQ(prompter.questions.size(), 2u) << "it is offered until the program ends in good order";
+  EXPECT_FALSE(app->rack().occupied(2));
+  start();
+  offerRecovery(*app);
+  EXPECT_EQ(prompter.questions.size(), 2u) << "asked once";
+  EXPECT_TRUE(loadChainFile(*app, app->chainCopy().keptPath(), UnknownLibraries::tell));
+  EXPECT_TRUE(app->rack().occupied(2)) << "what was not wanted can still be had";
+  app->secureDocuments();
+  app->chainCopy().forget();
+  start();
+  EXPECT_FALSE(app->chainCopy().left());
+}
+
+TEST_F(Recovery, LeavesWhatHasCrashedOutOfChainFiles) {
+  app->rack().addAt(0, testPlugin("bank"));
+  app->rack().addAt(1, testPlugin("gain"));
+  const std::string chain = folder.file("both.sor");
+  ASSERT_FALSE(saveChain(disk, app->rack(), chain));
+  std::ofstream(home + "/plumetta.crash", std::ios::binary) << testPlugin("gain") << "\n";
+  prompter.answer = false;
+  EXPECT_TRUE(loadChainFile(*app, chain, UnknownLibraries::tell));
+  EXPECT_TRUE(app->rack().occupied(0));
+  EXPECT_FALSE(app->rack().occupied(1));
+  EXPECT_EQ(prompter.questions.size(), 1u);
 }
 
 }  // namespace

@@ -159,6 +159,23 @@ TEST_F(RackTest, FindsSilenceOnTheSecondInputOfAMonoFile) {
   EXPECT_EQ(applied("gain", 16)[15], 0.0f) << "nobody wrote to it";
 }
 
+TEST_F(RackTest, ExchangesPlugInsAndHoles) {
+  const int delaying = add("editor");
+  add("mono");
+  const VstPlugin* const first = rack.pluginAt(0);
+  rack.setMuted(0, true);
+  EXPECT_TRUE(rack.exchange(0, 5));
+  EXPECT_FALSE(rack.occupied(0));
+  EXPECT_EQ(rack.pluginAt(5), first);
+  EXPECT_TRUE(rack.isMuted(5)) << "what belongs to the plug-in goes along";
+  EXPECT_FALSE(rack.exchange(5, 256));
+  EXPECT_TRUE(rack.exchange(delaying, 5));
+  rack.setMuted(0, false);
+  EXPECT_EQ(rack.latencyFrames(), 0);
+  play(2, 1.0f);
+  EXPECT_EQ(rack.latencyFrames(), 64) << "which it could not tell before";
+}
+
 // For the address sanitizer above all, which tells of what is left behind.
 TEST_F(RackTest, HoldsTwoHundredAndFiftySixAndLetsThemGo) {
   for (int round = 0; round < 2; ++round) {
