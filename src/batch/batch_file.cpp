@@ -12,7 +12,12 @@ namespace plumetta {
 
 BatchWorker::BatchWorker(FileSystem& files, const BatchSettings& settings, const std::atomic<BatchStop>& stop,
                          ChainProcessor* chain)
-    : files_(files), settings_(settings), stop_(stop), chain_(chain), realInput_(realPath(settings.input)) {
+    : files_(files),
+      settings_(settings),
+      stop_(stop),
+      chain_(chain),
+      realInput_(realPath(settings.input)),
+      realOutput_(realPath(settings.output)) {
   addVersionChunk(wave_);
   wave_.progress = {&BatchWorker::goOn, this};
 }
@@ -66,7 +71,8 @@ bool BatchWorker::save(const std::string& path) {
 // A link in the output folder may lead back into the input folder.
 bool BatchWorker::mayBeWritten(const std::string& path) const {
   if (settings_.mayChangeInput || files_.kind(path) == FileKind::missing) return true;
-  return !liesInFolder(realPath(path), realInput_);
+  const std::string real = realPath(path);
+  return !liesInFolder(real, realInput_) || liesInFolder(real, realOutput_);
 }
 
 // Gives the memory back, and everything that the file has left in the buffer.

@@ -43,7 +43,7 @@ class BatchWorker {
   const BatchSettings& settings_;
   const std::atomic<BatchStop>& stop_;
   ChainProcessor* const chain_;
-  const std::string realInput_;
+  const std::string realInput_, realOutput_;
   AudioLock lock_;  // nobody else has these samples; the chain asks for one
   CWave wave_;
 };

@@ -100,7 +100,8 @@ BatchPlan planBatch(FileSystem& files, const BatchSettings& settings, const std:
 }
 
 bool outputLiesInInput(const BatchSettings& settings) {
-  return liesInFolder(realPath(settings.output), realPath(settings.input));
+  const std::string output = realPath(settings.output), input = realPath(settings.input);
+  return settings.recurse ? liesInFolder(output, input) : output == input;
 }
 
 std::string overwriteQuestion(const BatchSettings& settings) {

@@ -44,7 +44,8 @@ struct BatchPlan {
 // `stopped` is asked for each entry and ends the walk.
 BatchPlan planBatch(FileSystem& files, const BatchSettings& settings, const std::function<bool()>& stopped);
 
-// Whether results would land in the input folder: it is the output folder, or holds it.
+// Whether results would land among the files that are walked: the output folder is the input folder, or lies
+// in it and subfolders are walked as well.
 bool outputLiesInInput(const BatchSettings& settings);
 // What is asked then, before the batch starts.
 std::string overwriteQuestion(const BatchSettings& settings);

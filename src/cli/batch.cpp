@@ -89,7 +89,7 @@ BatchCall readCall(WordReader& words) {
 bool loadChain(const BatchCall& call, Application& app) {
   if (!call.chain.empty() && !loadChainFile(app, call.chain, UnknownLibraries::tell)) return false;
   if (app.rack().hasActivePlugin()) return true;
-  app.prompter().message("There is no active plug-in in the rack");
+  app.prompter().message(kNoActivePlugin);
   return false;
 }
 
@@ -202,7 +202,11 @@ std::string functionList() {
 }  // namespace
 
 int runBatch(const CallOptions& options, WordReader words) {
-  if (!words.atEnd() && words.peek() == "--list") return print(functionList()) ? kAllDone : kFileError;
+  if (!words.atEnd() && words.peek() == "--list") {
+    words.take();
+    if (!words.atEnd()) return wrongCall("batch --list: what is '" + words.take() + "'?");
+    return print(functionList()) ? kAllDone : kFileError;
+  }
   TerminalPrompter prompter(options.answer, options.quiet);
   if (!words.atEnd() && words.peek() == "--merge-logs") {
     words.take();

@@ -39,6 +39,8 @@ int runInfo(const CallOptions& options, WordReader words) {
     const std::string word = words.take();
     if (word == "--json") {
       json = true;
+    } else if (word.starts_with("--")) {
+      return wrongCall("info: unknown option '" + word + "'");
     } else {
       files.push_back(absolutePath(word));
     }

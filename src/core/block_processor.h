@@ -30,6 +30,8 @@ class BlockProcessor {
   virtual void process(float** channels, int channelCount, int frames) noexcept = 0;
 };
 
+inline constexpr const char* kNoActivePlugin = "There is no active plug-in in the rack.";
+
 enum class ChainResult {
   done,       // also where there was nothing to do
   cancelled,  // through the progress

@@ -10,7 +10,7 @@ namespace {
 std::optional<Refusal> checkChain(CommandCall& call) {
   const ChainProcessor* chain = call.doc.services().chain;
   if (chain != nullptr && chain->hasActivePlugin()) return std::nullopt;
-  return Refusal{"There is no active plug-in in the rack."};
+  return Refusal{kNoActivePlugin};
 }
 
 std::optional<UndoKind> chainUndo(CommandCall& call) {

@@ -166,7 +166,7 @@ bool CBatchProcessorDlg::accept(BatchSettings& settings) {
   Prompter& prompter = app_.prompter();
   const bool usesChain = batchFunctions()[static_cast<size_t>(settings.function)].usesChain;
   if (usesChain && !app_.rack().hasActivePlugin()) {
-    prompter.message("There is no active plug-in in the rack");
+    prompter.message(kNoActivePlugin);
     return false;
   }
   if (settings.input.empty() || settings.output.empty()) {

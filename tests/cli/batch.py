@@ -149,6 +149,9 @@ class Batch(unittest.TestCase):
         for _ in range(2):  # what lies in the output folder is never taken for input
             log = self.call("batch", "0", "in", "in/results", "--recurse", options=["--yes"])
             self.assertEqual(log.count("mono.wav"), 1)
+        for _ in range(2):  # only a walk into subfolders would meet the results again
+            log = self.call("batch", "0", "in", "in/a/results")
+            self.assertEqual((self.err, log.count("mono.wav" + DONE)), ("", 1))
         self.call("batch", "0", "in", "in", options=["--yes"])
         self.assertNotEqual(self.read("in/mono.wav"), before)
         self.call("batch", "0", "in", "in", "--shard", "0/2", options=["--yes"], status=1)

@@ -56,6 +56,7 @@ class Rack(unittest.TestCase):
                 (["rack-remove", "0"], ""), (["rack-mute", "0", "on"], ""), ([*gain, "rack-program", "0", "1"], ""),
                 ([*gain, "rack-param", "0", "1", "0.5"], ""), ([*gain, "rack-param", "0", "0", "nan"], ""),
                 ([*gain, "rack-remove", "-1"], ""), (["rack-add", plugin("no_entry")], "message: Unable to load: "),
+                (["rack-add", ""], "message: Unable to load: "),
                 ([*SILENCE, "rack-apply"], "message: There is no active plug-in"),
                 ([*SILENCE, *gain, "rack-mute", "0", "on", "rack-apply"], "message: There is no active plug-in")]:
             with self.subTest(steps=steps):

@@ -147,7 +147,7 @@ class Cli(unittest.TestCase):
     def test_wrong_calls_are_refused_and_write_nothing(self):
         before = self.read("a.wav")
         for command, calls in [
-                ("devices", ["--bogus"]), ("asio", ["", "probe", "report", "report 0", "report -1 a", "report 0 a b"]),
+                ("devices", ["--bogus"]), ("info", ["", "a.wav --bogus"]), ("batch", ["--list a"]), ("asio", ["", "probe", "report", "report 0", "report -1 a", "report 0 a b"]),
                 ("midi", ["", "talk", "listen now", "listen --device", "listen --device x", "listen --device -1",
                           "listen --seconds", "listen --seconds nan", "listen --seconds -1"]),
                 ("record", ["", "a.wav", "--seconds 1", "a.wav --seconds 0", "a.wav --seconds nan", "a.xyz --seconds 1",

@@ -7,6 +7,11 @@ namespace plumetta {
 
 bool SharedLibrary::open(const std::string& path) {
   close();
+  // For dlopen no name at all is the running program, whose own main would then be called.
+  if (path.empty()) {
+    errorText_ = "A library has no name";
+    return false;
+  }
   // All symbols at once, so that a missing one fails here and not in the middle of a call.
   handle_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle_ == nullptr) {
