@@ -18,6 +18,7 @@
 #include "ui/live_displays.h"
 #include "ui/rack_dialog.h"
 #include "ui/recent_files.h"
+#include "ui/sonogram_dialog.h"
 #include "ui/sound_control.h"
 #include "ui/spectrum_dialog.h"
 #include "ui/start_page.h"
@@ -89,7 +90,11 @@ class MainFrame : public wxFrame {
   void goToMarker(CPlumettaDoc& doc, bool forward);
   void showStatistics(CPlumettaDoc& doc);
   void showTempo(CPlumettaDoc& doc);
+  // A window of this kind comes to the front; made when it is first asked for.
+  template <class Dialog, class... Arguments>
+  void showAnalysis(Dialog*& dialog, Arguments&... arguments);
   void showSpectrum();
+  void showSonogram();
   void showAbout();
 
   // The rack (rack_actions.cpp).
@@ -137,7 +142,9 @@ class MainFrame : public wxFrame {
   wxTimer copyTimer_;
   wxStopWatch sinceRefresh_;
   TransportBar* transportBar_ = nullptr;  // once the menus are built
-  CSpectrumDlg* spectrum_ = nullptr;      // made when it is first asked for
+  CSpectrumDlg* spectrum_ = nullptr;  // made when it is first asked for
+  CSonogramDlg* sonogram_ = nullptr;  // likewise
+  std::vector<AnalysisDlg*> analyses_;
   CVSTRackDlg* rackWindow_ = nullptr;     // likewise
 };
 

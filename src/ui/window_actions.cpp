@@ -238,6 +238,8 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc& doc) { showStatistics(doc); }),
        documentAction("spectrum", "S&pectrum…", "F9", "Levels along frequency, peaks and their notes",
                       [this](CPlumettaDoc&) { showSpectrum(); }),
+       documentAction("sonogram", "So&nogram…", "Shift+F9", "Levels along time and frequency as colours",
+                      [this](CPlumettaDoc&) { showSonogram(); }),
        kSeparator, history, displays, toolbar, transport, status}};
 }
 
@@ -284,11 +286,19 @@ void MainFrame::goToMarker(CPlumettaDoc& doc, bool forward) {
 
 void MainFrame::showStatistics(CPlumettaDoc& doc) { CStatisticsDlg(this, doc).ShowModal(); }
 
-void MainFrame::showSpectrum() {
-  if (spectrum_ == nullptr) spectrum_ = new CSpectrumDlg(this, app_, profile_);
-  spectrum_->Show();
-  spectrum_->Raise();
+template <class Dialog, class... Arguments>
+void MainFrame::showAnalysis(Dialog*& dialog, Arguments&... arguments) {
+  if (dialog == nullptr) {
+    dialog = new Dialog(this, arguments..., profile_);
+    analyses_.push_back(dialog);
+  }
+  dialog->Show();
+  dialog->Raise();
 }
+
+void MainFrame::showSpectrum() { showAnalysis(spectrum_, app_); }
+
+void MainFrame::showSonogram() { showAnalysis(sonogram_, *tabs_); }
 
 // ---- Window and help ------------------------------------------------------------------------------------
 
