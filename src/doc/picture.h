@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -23,9 +24,10 @@ struct Picture {
         height(pictureHeight),
         pixels(static_cast<size_t>(pictureWidth) * static_cast<size_t>(pictureHeight), ground) {}
 
-  Rgb& at(int x, int y) { return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)]; }
-  const Rgb& at(int x, int y) const {
-    return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+  Rgb& at(int x, int y) { return pixels[indexOf(x, y)]; }
+  const Rgb& at(int x, int y) const { return pixels[indexOf(x, y)]; }
+  size_t indexOf(int x, int y) const {
+    return static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x);
   }
 
   int width, height;

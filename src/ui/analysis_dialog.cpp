@@ -60,7 +60,8 @@ wxCheckBox* AnalysisDlg::addCheckBox(wxSizer& row, const wxString& label, const 
   return box;
 }
 
-wxSizer* AnalysisDlg::makeSpectrumControls(int smallestSize, int largestSize, SpectrumSettings usual) {
+wxSizer* AnalysisDlg::makeSpectrumControls(int smallestSize, int largestSize, SpectrumSettings usual,
+                                           int usualDepthDb) {
   auto* row = new wxBoxSizer(wxHORIZONTAL);
   wxArrayString windows, sizes, depths;
   for (int kind = 0; kind < kWindowKinds; ++kind) windows.Add(windowName(kind));
@@ -70,7 +71,8 @@ wxSizer* AnalysisDlg::makeSpectrumControls(int smallestSize, int largestSize, Sp
   const int usualSize = sizes.Index(std::to_string(usual.size));
   window_ = addChoice(*row, "&Window:", windows, "Window", static_cast<int>(usual.window), settingsChosen);
   size_ = addChoice(*row, "S&ize:", sizes, "Size", usualSize, settingsChosen);
-  depth_ = addChoice(*row, "&Range:", depths, "Range", 2, [this] { showDecibels(); });
+  const int usualRange = depths.Index(wxString::Format("%d dB", usualDepthDb));
+  depth_ = addChoice(*row, "&Range:", depths, "Range", usualRange, [this] { showDecibels(); });
   logarithmic_ = addCheckBox(*row, "Lo&garithmic", "Logarithmic", true, [this] { showFrequencies(); });
   return row;
 }
@@ -85,11 +87,11 @@ int AnalysisDlg::depthDb() const { return kDepths[depth_->GetSelection()]; }
 
 void AnalysisDlg::takeLayout(wxSizer& all, wxWindow& main, const wxSize& usual, const wxSize& least) {
   main.SetMinSize(FromDIP(usual));
-  SetSizerAndFit(&all);
-  const wxSize size = GetSize();
+  SetSizer(&all);
+  const wxSize size = all.CalcMin();
   main.SetMinSize(FromDIP(least));
-  SetMinSize(ClientToWindowSize(all.CalcMin()));
-  SetSize(size);
+  SetMinClientSize(all.CalcMin());
+  SetClientSize(size);
   restorePlace();
 }
 

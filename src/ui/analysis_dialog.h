@@ -48,7 +48,7 @@ class AnalysisDlg : public wxDialog {
   wxCheckBox* addCheckBox(wxSizer& row, const wxString& label, const char* key, bool fallback,
                           std::function<void()> chosen);
   // Window function, size, range of levels and kind of axis; once.
-  wxSizer* makeSpectrumControls(int smallestSize, int largestSize, SpectrumSettings usual);
+  wxSizer* makeSpectrumControls(int smallestSize, int largestSize, SpectrumSettings usual, int usualDepthDb);
   // Lays the window out about its main part, which has this size at first, and brings it to where it was.
   void takeLayout(wxSizer& all, wxWindow& main, const wxSize& usual, const wxSize& least);
 

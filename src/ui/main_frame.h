@@ -22,6 +22,7 @@
 #include "ui/sound_control.h"
 #include "ui/spectrum_dialog.h"
 #include "ui/start_page.h"
+#include "ui/surface_dialog.h"
 #include "ui/transport_bar.h"
 #include "ui/vst_editor_window.h"
 #include "ui/window_place.h"
@@ -95,6 +96,7 @@ class MainFrame : public wxFrame {
   void showAnalysis(Dialog*& dialog, Arguments&... arguments);
   void showSpectrum();
   void showSonogram();
+  void show3DSpectrum();
   void showAbout();
 
   // The rack (rack_actions.cpp).
@@ -144,6 +146,7 @@ class MainFrame : public wxFrame {
   TransportBar* transportBar_ = nullptr;  // once the menus are built
   CSpectrumDlg* spectrum_ = nullptr;  // made when it is first asked for
   CSonogramDlg* sonogram_ = nullptr;  // likewise
+  C3DSpectrumDlg* surface_ = nullptr;
   std::vector<AnalysisDlg*> analyses_;
   CVSTRackDlg* rackWindow_ = nullptr;     // likewise
 };

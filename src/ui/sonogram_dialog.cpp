@@ -15,6 +15,7 @@ namespace {
 constexpr int kSmallestSize = 256;
 constexpr int kLargestSize = 16384;
 constexpr SpectrumSettings kUsual{2048};
+constexpr int kUsualDepthDb = 90;
 // Levels that may stand in memory, of all columns, lines and planes.
 constexpr int64_t kMostLevels = int64_t{1} << 25;
 // Of a column that is longer: enough for an even picture, and soon computed.
@@ -35,7 +36,7 @@ CSonogramDlg::CSonogramDlg(wxWindow* parent, DocumentTabs& tabs, WindowProfile& 
       state_(new wxStaticText(this, wxID_ANY, " ")) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   auto* top = new wxBoxSizer(wxHORIZONTAL);
-  top->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual), 0, wxALIGN_CENTRE_VERTICAL);
+  top->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual, kUsualDepthDb), 0, wxALIGN_CENTRE_VERTICAL);
   top->AddSpacer(FromDIP(2 * kGap));
   wxArrayString planes;
   planes.Add("One by one");
@@ -205,8 +206,7 @@ void CSonogramDlg::showState() {
   if (computing_) {
     text = wxString::Format("%.0f %%", 100 * (coming_ ? *coming_ : *shown_).fractionDone());
   } else if (shown_) {
-    text = wxString::Format("%.1f Hz, %.0f ms", shown_->hzPerLine(),
-                            1000.0 / shown_->hzPerLine());
+    text = wxString::Format("Resolution %.1f Hz, %.1f ms", shown_->hzPerLine(), 1000.0 / shown_->hzPerLine());
   }
   if (state_->GetLabel() == text) return;
   state_->SetLabel(text);

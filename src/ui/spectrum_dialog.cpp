@@ -17,6 +17,7 @@ namespace {
 
 constexpr const char* kSection = "Spectrum";
 constexpr const char* kFilter = "Fft file (*.fft)|*.fft|All Files (*.*)|*.*";
+constexpr int kUsualDepthDb = 120;
 constexpr double kHeadroomDb = 6.0;
 constexpr double kPeakProminenceDb = 10.0;
 constexpr size_t kMostPeaks = 40;
@@ -40,7 +41,7 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
       state_(new wxStaticText(this, wxID_ANY, " ")) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   auto* top = new wxBoxSizer(wxHORIZONTAL);
-  top->Add(makeSpectrumControls(kSmallestSpectrum, kLargestSpectrum, {}), 1, wxALIGN_CENTRE_VERTICAL);
+  top->Add(makeSpectrumControls(kSmallestSpectrum, kLargestSpectrum, {}, kUsualDepthDb), 1, wxALIGN_CENTRE_VERTICAL);
   top->Add(makeFileButtons(), 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(2 * kGap));
   all->Add(top, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   makePeakList();

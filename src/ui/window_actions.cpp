@@ -240,6 +240,8 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc&) { showSpectrum(); }),
        documentAction("sonogram", "So&nogram…", "Shift+F9", "Levels along time and frequency as colours",
                       [this](CPlumettaDoc&) { showSonogram(); }),
+       documentAction("spectrum-3d", "&3D spectrum…", "Ctrl+F9", "Spectra along time as a landscape",
+                      [this](CPlumettaDoc&) { show3DSpectrum(); }),
        kSeparator, history, displays, toolbar, transport, status}};
 }
 
@@ -299,6 +301,8 @@ void MainFrame::showAnalysis(Dialog*& dialog, Arguments&... arguments) {
 void MainFrame::showSpectrum() { showAnalysis(spectrum_, app_); }
 
 void MainFrame::showSonogram() { showAnalysis(sonogram_, *tabs_); }
+
+void MainFrame::show3DSpectrum() { showAnalysis(surface_); }
 
 // ---- Window and help ------------------------------------------------------------------------------------
 
