@@ -32,6 +32,7 @@ int runBatch(const CallOptions& options, WordReader words);
 int runEdit(const CallOptions& options, WordReader words);
 int runFormats(const CallOptions& options, WordReader words);
 int runInfo(const CallOptions& options, WordReader words);
+int runSonogram(const CallOptions& options, WordReader words);
 int runSpectrum(const CallOptions& options, WordReader words);
 int runStats(const CallOptions& options, WordReader words);
 int runMidi(const CallOptions& options, WordReader words);

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `plumetta-cli spectrum` and `plumetta-cli window`.
-#include <algorithm>
-#include <cctype>
 #include <charconv>
 
 #include "app/application.h"
 #include "cli/call.h"
 #include "cli/json.h"
+#include "cli/spectrum_options.h"
 #include "cli/terminal_prompter.h"
 #include "doc/spectrum_file.h"
 #include "platform/paths.h"
@@ -23,60 +22,6 @@ struct SpectrumCall {
   SelectionOption selection;
 };
 
-std::optional<int64_t> wholeNumberIn(const std::string& text) {
-  int64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
-bool sameLetters(std::string_view a, std::string_view b) {
-  const auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
-  return std::ranges::equal(a, b, {}, lower, lower);
-}
-
-std::optional<WindowKind> windowKindIn(const std::string& text) {
-  const auto index = wholeNumberIn(text);
-  for (int kind = 0; kind < kWindowKinds; ++kind) {
-    if (index == kind || sameLetters(text, windowName(kind))) return static_cast<WindowKind>(kind);
-  }
-  return std::nullopt;
-}
-
-std::string unknownWindow(const std::string& text) {
-  std::string error = "there is no window '" + text + "'; they are";
-  for (int kind = 0; kind < kWindowKinds; ++kind) {
-    error += (kind > 0 ? ", " : " ") + std::to_string(kind) + " " + windowName(kind);
-  }
-  return error;
-}
-
-void readSize(WordReader& words, int& size) {
-  const auto number = wholeNumberIn(words.take());
-  if (number && isSpectrumSize(*number)) {
-    size = static_cast<int>(*number);
-  } else {
-    words.fail("spectrum: --size wants a power of two from " + std::to_string(kSmallestSpectrum) + " to " +
-               std::to_string(kLargestSpectrum));
-  }
-}
-
-void readWindow(WordReader& words, WindowKind& window) {
-  const std::string text = words.take();
-  const auto kind = windowKindIn(text);
-  if (kind) window = *kind;
-  if (!kind) words.fail("spectrum: " + unknownWindow(text));
-}
-
-// A word that takes none of the others' values behind it, or begins with dashes and is none of them.
-void readFile(WordReader& words, const std::string& word, SpectrumCall& call) {
-  if (!call.file.empty() || word.starts_with("--")) {
-    words.fail("spectrum: what is '" + word + "'?");
-  } else {
-    call.file = absolutePath(word);
-  }
-}
-
 SpectrumCall readCall(WordReader& words) {
   SpectrumCall call;
   while (!words.atEnd() && !words.failed()) {
@@ -84,15 +29,15 @@ SpectrumCall readCall(WordReader& words) {
     if (word == "--select") {
       call.selection.read(words, "spectrum");
     } else if (word == "--size" && !words.atEnd()) {
-      readSize(words, call.settings.size);
+      readSpectrumSize(words, "spectrum", call.settings.size);
     } else if (word == "--window" && !words.atEnd()) {
-      readWindow(words, call.settings.window);
+      readWindowKind(words, "spectrum", call.settings.window);
     } else if (word == "--out" && !words.atEnd()) {
       call.out = absolutePath(words.take());
     } else if (word == "--show" && !words.atEnd()) {
       call.show = absolutePath(words.take());
     } else {
-      readFile(words, word, call);
+      readFileWord(words, "spectrum", word, call.file);
     }
   }
   if (call.show.empty() && call.file.empty()) words.fail("spectrum: FILE is missing");
@@ -145,7 +90,7 @@ int runWindow(const CallOptions&, WordReader words) {
   const std::string name = words.take();
   const auto kind = windowKindIn(name);
   if (!kind) return wrongCall("window: " + unknownWindow(name));
-  const auto count = wholeNumberIn(words.take());
+  const auto count = numberIn<int64_t>(words.take());
   if (!count || *count < 0 || *count > kMostCoefficients) {
     return wrongCall("window: N is a whole number from 0 to " + std::to_string(kMostCoefficients));
   }

@@ -18,6 +18,8 @@ namespace plumetta {
 
 inline constexpr const char* kUntitled = "Untitled";
 
+struct SonogramFileSettings;
+
 // Told what of a document has changed, so that views can follow. UI thread.
 class DocumentListener {
  public:
@@ -98,6 +100,8 @@ class CPlumettaDoc : public DisplayState, public PlaybackSource {
   FileOutcome saveStatistics(const std::string& path, bool includeLevels);
   // The averaged spectrum of the selection, or of the whole file.
   FileOutcome saveSpectrum(const std::string& path, SpectrumSettings settings);
+  // The spectra of its active channels along time, as comma-separated text.
+  FileOutcome saveSonogram(const std::string& path, const SonogramFileSettings& settings);
   // What views draw the waveform from; made when it is first asked for after a change.
   const PeakPyramid& peaks();
 

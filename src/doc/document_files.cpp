@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "doc/document.h"
+#include "doc/sonogram_file.h"
 #include "doc/spectrum_file.h"
 #include "dsp/statistics.h"
 #include "formats/sample_codec.h"
@@ -163,6 +164,13 @@ FileOutcome CPlumettaDoc::saveSpectrum(const std::string& path, SpectrumSettings
     const auto record = averagedSpectrum(wave_, {range.first, range.last}, settings, wave_.progress);
     if (!record) return SaveResult::givenUp();
     return plumetta::saveSpectrum(services_.files, path, *record);
+  });
+}
+
+FileOutcome CPlumettaDoc::saveSonogram(const std::string& path, const SonogramFileSettings& settings) {
+  const Range range = selectionOrAll();
+  return writeWithProgress(path, "Computing the spectra", [&] {
+    return plumetta::saveSonogram(services_.files, path, wave_, {range.first, range.last}, settings);
   });
 }
 

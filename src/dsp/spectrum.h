@@ -9,8 +9,7 @@
 #include "core/wave.h"
 #include "core/work_crew.h"
 #include "dsp/frame_range.h"
-#include "dsp/lane_transform.h"
-#include "dsp/window_function.h"
+#include "dsp/strip_spectra.h"
 
 namespace plumetta {
 
@@ -32,16 +31,6 @@ struct SpectrumRecord {
   double hz(double line) const { return startHz + line * hzPerLine(); }
 };
 
-inline constexpr int kSmallestSpectrum = 16;
-inline constexpr int kLargestSpectrum = 65536;
-// Whether spectra of blocks of this many frames are made: powers of two between the two.
-bool isSpectrumSize(int64_t frames);
-
-struct SpectrumSettings {
-  int size = 4096;  // frames a block; the spectrum has size / 2 + 1 lines, from 0 Hz to half the rate
-  WindowKind window = WindowKind::hanning;
-};
-
 // The averaged spectrum of a range of a buffer, made in short pieces: the power of blocks that don't overlap,
 // the last one filled up with silence, averaged and scaled so that a sine at a line reads its amplitude
 // whatever the window. A constant reads its value; what is not a number counts as silence. The result is the
@@ -59,39 +48,22 @@ class SpectrumAverage {
   SpectrumRecord record() const;
 
  private:
-  // Strips of a block each, the channels of one block side by side: two go through one complex transform.
-  static constexpr int kStrips = 2 * static_cast<int>(LaneTransform::kLanes);
+  void sumPart(const CWave& wave, int64_t firstBlock, StripSpectra::Bench& bench,
+               std::vector<double>& power) const;
+  // Lists the strips of these blocks, the channels of one block side by side.
+  int listStrips(int64_t firstBlock, int64_t endBlock, StripSpectra::Strip* strips) const;
 
-  // What one thread works with.
-  struct Bench {
-    explicit Bench(size_t size)
-        : re(size * LaneTransform::kLanes),
-          im(size * LaneTransform::kLanes),
-          power((size / 2 + 1) * static_cast<size_t>(kStrips)) {}
-    std::vector<double> re, im;  // rows of kLanes
-    std::vector<double> power;   // lines × kStrips: the even strips, then the odd ones
-  };
-
-  void sumPart(const CWave& wave, int64_t firstBlock, Bench& bench, std::vector<double>& power) const;
-  void transformGroup(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
-  bool readWholeStrips(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
-  void readStrips(const CWave& wave, int64_t firstBlock, int64_t endBlock, Bench& bench) const;
-  size_t lines() const { return transform_.size() / 2 + 1; }
-
-  SpectrumSettings settings_;
-  int64_t first_, frames_;
+  int size_;
+  FrameRange range_;
   int channels_;
   double sampleRate_;
   int64_t blocks_, blocksPerGroup_, blocksPerPart_;
   int64_t nextBlock_ = 0;
-  std::vector<double> window_;
-  double windowSum_ = 0.0;
-  LaneTransform transform_;
-  std::vector<size_t> rows_;                // where a transform leaves each frequency
+  StripSpectra spectra_;
   std::vector<double> power_;               // lines × channels
   std::vector<std::vector<double>> parts_;  // the same, of each part of a round
   WorkCrew crew_;
-  std::vector<Bench> benches_;
+  std::vector<StripSpectra::Bench> benches_;
 };
 
 // All of it at once. None when `progress` has stopped it.

@@ -36,6 +36,19 @@ class DocumentPanel : public wxPanel, public DocumentListener {
   // Scrolls as little as needed for a frame to be seen.
   void showFrame(int32_t frame) { view_.show(frame); }
 
+  CPlumettaDoc& document() const { return view_.doc; }
+  // The frames from one side of the waveform to the other; `showFrames` brings others there, as far as the
+  // document goes.
+  struct Stretch {
+    double first, length;
+  };
+  Stretch visibleFrames() const { return {view_.scale().first, view_.span()}; }
+  void showFrames(Stretch stretch) { view_.showStretch(stretch.first, stretch.length); }
+  // What is heard of this document; nothing when it isn't played.
+  std::optional<double> playFrame() const { return view_.playFrame; }
+  std::string positionText(int64_t frame) const { return view_.positionText(frame); }
+  TimeFormat timeFormat() const { return view_.timeFormat(); }
+
   // What is heard of this document; nothing when it isn't played. The view scrolls along if that is wanted.
   void showPlayFrame(std::optional<double> frame);
   // The document takes over what playing has moved.

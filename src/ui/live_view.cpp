@@ -19,6 +19,7 @@ LiveView::LiveView(wxWindow* parent, const wxString& name)
   Bind(wxEVT_PAINT, &LiveView::onPaint, this);
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
     theme_ = Theme::ofSystem();
+    themeChanged();
     Refresh(false);
     event.Skip();
   });

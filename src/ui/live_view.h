@@ -8,7 +8,7 @@
 
 namespace plumetta {
 
-// A small display of what goes on at this moment, painted through a buffer in the system's colours.
+// A display beside the documents, painted through a buffer in the system's colours.
 class LiveView : public wxWindow {
  public:
   // `name` is for those who can't see it.
@@ -19,6 +19,9 @@ class LiveView : public wxWindow {
  protected:
   // The background is there already. However small the area is, even empty.
   virtual void paint(wxGraphicsContext& gc, const wxSize& size) = 0;
+
+  // Other colours are there; everything is going to be painted.
+  virtual void themeChanged() {}
 
   const Theme& theme() const { return theme_; }
   // A line of one logical pixel, at least one device pixel wide.

@@ -140,8 +140,10 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       transportBar_->follow(sound_.recorder().buttonMarked());
     }
     if (sides_->IsSplit() && !prompter_.working()) history_->follow(tabs_->active());
-    const bool watched = spectrum_ != nullptr && spectrum_->IsShown() && !prompter_.working();
-    if (watched && spectrum_->follow(tabs_->active())) event.RequestMore();
+    for (AnalysisDlg* analysis : analyses_) {
+      const bool watched = analysis->IsShown() && !prompter_.working();
+      if (watched && analysis->follow(tabs_->activePanel())) event.RequestMore();
+    }
     event.Skip();
   });
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
@@ -334,7 +336,9 @@ void MainFrame::onClose(wxCloseEvent& event) {
   app_.midi().closeAll();
   if (app_.rememberVolume()) app_.saveSettings();
   place_.store();
-  if (spectrum_ != nullptr && spectrum_->IsShown()) spectrum_->storePlace();
+  for (AnalysisDlg* analysis : analyses_) {
+    if (analysis->IsShown()) analysis->storePlace();
+  }
   if (rackWindow_ != nullptr) rackWindow_->Show(false);
   app_.rack().closeAllEditors();
   copyTimer_.Stop();

@@ -18,9 +18,11 @@
 #include "ui/live_displays.h"
 #include "ui/rack_dialog.h"
 #include "ui/recent_files.h"
+#include "ui/sonogram_dialog.h"
 #include "ui/sound_control.h"
 #include "ui/spectrum_dialog.h"
 #include "ui/start_page.h"
+#include "ui/surface_dialog.h"
 #include "ui/transport_bar.h"
 #include "ui/vst_editor_window.h"
 #include "ui/window_place.h"
@@ -89,7 +91,12 @@ class MainFrame : public wxFrame {
   void goToMarker(CPlumettaDoc& doc, bool forward);
   void showStatistics(CPlumettaDoc& doc);
   void showTempo(CPlumettaDoc& doc);
+  // A window of this kind comes to the front; made when it is first asked for.
+  template <class Dialog, class... Arguments>
+  void showAnalysis(Dialog*& dialog, Arguments&... arguments);
   void showSpectrum();
+  void showSonogram();
+  void show3DSpectrum();
   void showAbout();
 
   // The rack (rack_actions.cpp).
@@ -137,7 +144,10 @@ class MainFrame : public wxFrame {
   wxTimer copyTimer_;
   wxStopWatch sinceRefresh_;
   TransportBar* transportBar_ = nullptr;  // once the menus are built
-  CSpectrumDlg* spectrum_ = nullptr;      // made when it is first asked for
+  CSpectrumDlg* spectrum_ = nullptr;  // made when it is first asked for
+  CSonogramDlg* sonogram_ = nullptr;  // likewise
+  C3DSpectrumDlg* surface_ = nullptr;
+  std::vector<AnalysisDlg*> analyses_;
   CVSTRackDlg* rackWindow_ = nullptr;     // likewise
 };
 

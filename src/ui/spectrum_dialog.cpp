@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/spectrum_dialog.h"
 
-#include <wx/display.h>
 #include <wx/filedlg.h>
 
 #include <algorithm>
@@ -10,7 +9,7 @@
 #include "doc/ruler_ticks.h"
 #include "doc/spectrum_file.h"
 #include "platform/paths.h"
-#include "ui/lane_header.h"
+#include "ui/spectrum_words.h"
 #include "ui/text.h"
 
 namespace plumetta {
@@ -18,9 +17,8 @@ namespace {
 
 constexpr const char* kSection = "Spectrum";
 constexpr const char* kFilter = "Fft file (*.fft)|*.fft|All Files (*.*)|*.*";
-constexpr int kDepths[] = {60, 90, 120, 150};
+constexpr int kUsualDepthDb = 120;
 constexpr double kHeadroomDb = 6.0;
-constexpr double kLowestHz = 20.0;  // of the logarithmic axis
 constexpr double kPeakProminenceDb = 10.0;
 constexpr size_t kMostPeaks = 40;
 // How often a spectrum is shown before all of it is there.
@@ -28,38 +26,13 @@ constexpr auto kShowInterval = std::chrono::milliseconds(100);
 constexpr int kGap = 8;
 constexpr int kMargin = 12;
 
-wxString hzText(double hz) {
-  return hz < 1000 ? wxString::Format("%.1f Hz", hz) : wxString::Format("%.3f kHz", hz / 1000);
-}
-
-// With a real minus sign.
-wxString withMinus(wxString text) {
-  text.Replace("-", toWx("\u2212"));
-  return text;
-}
-
-wxString dbText(double db) {
-  return db < -300 ? toWx("\u2212\u221E dB") : withMinus(wxString::Format("%.1f dB", db));
-}
-
-// Octaves below C0 keep their hyphen's place. The sharp stays a number sign: many fonts lack its own.
-wxString noteText(double hz) { return withMinus(toWx(noteName(hz))); }
-
-wxString channelLabel(int channel, int channels) {
-  return channels > 2    ? "Channel " + channelName(channel, channels)
-         : channels == 2 ? wxString(channel == 0 ? "Left" : "Right")
-                         : wxString("Level");
-}
-
 }  // namespace
 
 // ---- The window itself ----------------------------------------------------------------------------------
 
 CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& profile)
-    : wxDialog(parent, wxID_ANY, "Spectrum", wxDefaultPosition, wxDefaultSize,
-               wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER | wxMAXIMIZE_BOX),
+    : AnalysisDlg(parent, "Spectrum", kSection, profile),
       app_(app),
-      profile_(profile),
       plot_(new CurvePlot(this)),
       peakList_(
           new wxListCtrl(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL)),
@@ -68,7 +41,7 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
       state_(new wxStaticText(this, wxID_ANY, " ")) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   auto* top = new wxBoxSizer(wxHORIZONTAL);
-  top->Add(makeControls(), 1, wxALIGN_CENTRE_VERTICAL);
+  top->Add(makeSpectrumControls(kSmallestSpectrum, kLargestSpectrum, {}, kUsualDepthDb), 1, wxALIGN_CENTRE_VERTICAL);
   top->Add(makeFileButtons(), 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(2 * kGap));
   all->Add(top, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   makePeakList();
@@ -80,60 +53,10 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
   bottom->Add(readout_, 1, wxALIGN_CENTRE_VERTICAL);
   bottom->Add(state_, 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(kGap));
   all->Add(bottom, 0, wxEXPAND | wxALL, FromDIP(kMargin));
-  plot_->SetMinSize(FromDIP(wxSize(620, 380)));
-  SetSizerAndFit(all);
-  const wxSize usual = GetSize();
-  plot_->SetMinSize(FromDIP(wxSize(240, 160)));
-  SetMinSize(ClientToWindowSize(all->CalcMin()));
-  SetSize(usual);
-  restorePlace();
+  takeLayout(*all, *plot_, {620, 380}, {240, 160});
   bindPlot();
-  Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { Hide(); });
-  Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
-    if (event.GetKeyCode() == WXK_ESCAPE) {
-      Close();
-    } else {
-      event.Skip();
-    }
-  });
   showDecibels();
   showReadout(std::nullopt);
-}
-
-wxChoice* CSpectrumDlg::addChoice(wxSizer& row, const wxString& label, const wxArrayString& choices,
-                                  const char* key, int fallback, void (CSpectrumDlg::*chosen)()) {
-  row.Add(new wxStaticText(this, wxID_ANY, label), 0, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap / 2));
-  auto* choice = new wxChoice(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, choices);
-  const int stored = profile_.integer(kSection, key, fallback);
-  choice->SetSelection(stored >= 0 && stored < static_cast<int>(choices.size()) ? stored : fallback);
-  choice->Bind(wxEVT_CHOICE, [this, choice, key, chosen](wxCommandEvent&) {
-    profile_.setInteger(kSection, key, choice->GetSelection());
-    (this->*chosen)();
-  });
-  row.Add(choice, 0, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(2 * kGap));
-  return choice;
-}
-
-wxSizer* CSpectrumDlg::makeControls() {
-  auto* row = new wxBoxSizer(wxHORIZONTAL);
-  wxArrayString windows, sizes, depths;
-  for (int kind = 0; kind < kWindowKinds; ++kind) windows.Add(windowName(kind));
-  for (int size = kSmallestSpectrum; size <= kLargestSpectrum; size *= 2) sizes.Add(std::to_string(size));
-  for (const int depth : kDepths) depths.Add(wxString::Format("%d dB", depth));
-  const SpectrumSettings usual;
-  const int usualSize = sizes.Index(std::to_string(usual.size));
-  window_ = addChoice(*row, "&Window:", windows, "Window", static_cast<int>(usual.window),
-                      &CSpectrumDlg::settingsChosen);
-  size_ = addChoice(*row, "S&ize:", sizes, "Size", usualSize, &CSpectrumDlg::settingsChosen);
-  depth_ = addChoice(*row, "&Range:", depths, "Range", 2, &CSpectrumDlg::showDecibels);
-  logarithmic_ = new wxCheckBox(this, wxID_ANY, "Lo&garithmic");
-  logarithmic_->SetValue(profile_.integer(kSection, "Logarithmic", 1) != 0);
-  logarithmic_->Bind(wxEVT_CHECKBOX, [this](wxCommandEvent&) {
-    profile_.setInteger(kSection, "Logarithmic", logarithmic_->GetValue() ? 1 : 0);
-    showFrequencies();
-  });
-  row->Add(logarithmic_, 0, wxALIGN_CENTRE_VERTICAL);
-  return row;
 }
 
 wxSizer* CSpectrumDlg::makeFileButtons() {
@@ -171,52 +94,17 @@ void CSpectrumDlg::bindPlot() {
   plot_->onThemeChanged = [this] { showCurves(); };
 }
 
-bool CSpectrumDlg::Show(bool show) {
-  if (!show && IsShown()) storePlace();
-  return wxDialog::Show(show);
-}
-
-void CSpectrumDlg::storePlace() {
-  const wxSize size = ToDIP(GetSize());
-  profile_.setInteger(kSection, "X", GetPosition().x);
-  profile_.setInteger(kSection, "Y", GetPosition().y);
-  profile_.setInteger(kSection, "Width", size.x);
-  profile_.setInteger(kSection, "Height", size.y);
-}
-
-// As far as that place can still be seen.
-void CSpectrumDlg::restorePlace() {
-  const wxSize size(profile_.integer(kSection, "Width", 0), profile_.integer(kSection, "Height", 0));
-  const wxPoint at(profile_.integer(kSection, "X", -1), profile_.integer(kSection, "Y", -1));
-  if (size.x > 0 && size.y > 0) {
-    wxSize wanted = FromDIP(size);
-    wanted.IncTo(GetMinSize());
-    SetSize(wanted);
-  }
-  const int display = size.x > 0 ? wxDisplay::GetFromPoint(at) : wxNOT_FOUND;
-  if (display == wxNOT_FOUND) {
-    CentreOnParent();
-  } else {
-    SetSize(wxRect(at, GetSize()).Intersect(wxDisplay(static_cast<unsigned>(display)).GetClientArea()));
-  }
-}
-
 // ---- Computing ------------------------------------------------------------------------------------------
-
-SpectrumSettings CSpectrumDlg::settings() const {
-  return {kSmallestSpectrum << size_->GetSelection(), static_cast<WindowKind>(window_->GetSelection())};
-}
 
 CSpectrumDlg::Subject CSpectrumDlg::subjectOf(const CPlumettaDoc* doc) const {
   if (doc == nullptr) return {};
-  const CWave& wave = doc->wave();
   const auto range = doc->selectionOrAll();
-  return {doc,           doc->journal().revision(), wave.samples(),
-          wave.frames(), wave.sampleRate(),         range.first,
-          range.last,    settings().size,           static_cast<int>(settings().window)};
+  const SpectrumSettings settings = spectrumSettings();
+  return {SampleState::of(*doc), range.first, range.last, settings.size, static_cast<int>(settings.window)};
 }
 
-bool CSpectrumDlg::follow(const CPlumettaDoc* doc) {
+bool CSpectrumDlg::follow(DocumentPanel* front) {
+  const CPlumettaDoc* doc = front != nullptr ? &front->document() : nullptr;
   const Subject subject = subjectOf(doc);
   if (subject != subject_) start(doc, subject);
   if (!average_) return false;
@@ -239,8 +127,8 @@ void CSpectrumDlg::start(const CPlumettaDoc* doc, const Subject& subject) {
   if (doc != nullptr) {
     title_ = doc->title();
     SetTitle(toWx("Spectrum – " + title_));
-    average_ =
-        std::make_unique<SpectrumAverage>(doc->wave(), FrameRange{subject.first, subject.last}, settings());
+    const FrameRange range{subject.first, subject.last};
+    average_ = std::make_unique<SpectrumAverage>(doc->wave(), range, spectrumSettings());
   } else {
     SetTitle("Spectrum");
     record_ = {};
@@ -285,11 +173,10 @@ void CSpectrumDlg::showCurves() {
 void CSpectrumDlg::showFrequencies() {
   const double highest =
       std::max({record_.stopHz, record_.channels > 0 ? 0.0 : reference_.stopHz, 2 * kLowestHz});
-  const bool logarithmic = logarithmic_->GetValue();
-  plot_->setFrequencies({logarithmic ? kLowestHz : 0.0, highest, logarithmic});
+  plot_->setFrequencies({logarithmic() ? kLowestHz : 0.0, highest, logarithmic()});
 }
 
-void CSpectrumDlg::showDecibels() { plot_->setDecibels(-kDepths[depth_->GetSelection()], kHeadroomDb); }
+void CSpectrumDlg::showDecibels() { plot_->setDecibels(-depthDb(), kHeadroomDb); }
 
 void CSpectrumDlg::showPeaks() {
   peaks_ = findPeaks(record_, kPeakProminenceDb, kMostPeaks);
@@ -327,8 +214,8 @@ void CSpectrumDlg::showState() {
     text = wxString::Format("%.0f %%", 100 * average_->fractionDone());
   } else if (record_.channels > 0) {
     const double seconds =
-        (static_cast<double>(subject_.last) - subject_.first + 1) / std::max(subject_.sampleRate, 1u);
-    const bool all = subject_.first == 0 && subject_.last + 1 >= subject_.frames;
+        (static_cast<double>(subject_.last) - subject_.first + 1) / std::max(subject_.samples.sampleRate, 1u);
+    const bool all = subject_.first == 0 && subject_.last + 1 >= subject_.samples.frames;
     text = (all ? "Whole file, " : "Selection, ") + toWx(formatTime(seconds));
   }
   if (state_->GetLabel() == text) return;

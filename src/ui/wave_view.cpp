@@ -55,6 +55,11 @@ void WaveView::scrollTo(double firstFrame) {
 
 void WaveView::show(double frame) { apply(showing(scale(), frame, doc.wave().frames(), width_)); }
 
+void WaveView::showStretch(double first, double frames) {
+  const double zoom = frames / (width_ > 1 ? width_ - 1 : 1);
+  apply(shownScale(first, zoom, doc.wave().frames(), width_));
+}
+
 void WaveView::followPlayback(double before, double now) {
   apply(following(scale(), before, now, doc.wave().frames(), width_));
 }

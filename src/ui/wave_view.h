@@ -62,6 +62,8 @@ class WaveView {
   void scrollTo(double firstFrame);
   void scrollBy(double pixels) { scrollTo(scale().frame(pixels)); }
   void show(double frame);
+  // Fills the window with so many frames from this one on.
+  void showStretch(double first, double frames);
   // Turns the page when what is heard leaves it.
   void followPlayback(double before, double now);
 

@@ -238,6 +238,10 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc& doc) { showStatistics(doc); }),
        documentAction("spectrum", "S&pectrum…", "F9", "Levels along frequency, peaks and their notes",
                       [this](CPlumettaDoc&) { showSpectrum(); }),
+       documentAction("sonogram", "So&nogram…", "Shift+F9", "Levels along time and frequency as colours",
+                      [this](CPlumettaDoc&) { showSonogram(); }),
+       documentAction("spectrum-3d", "&3D spectrum…", "Ctrl+F9", "Spectra along time as a landscape",
+                      [this](CPlumettaDoc&) { show3DSpectrum(); }),
        kSeparator, history, displays, toolbar, transport, status}};
 }
 
@@ -284,11 +288,21 @@ void MainFrame::goToMarker(CPlumettaDoc& doc, bool forward) {
 
 void MainFrame::showStatistics(CPlumettaDoc& doc) { CStatisticsDlg(this, doc).ShowModal(); }
 
-void MainFrame::showSpectrum() {
-  if (spectrum_ == nullptr) spectrum_ = new CSpectrumDlg(this, app_, profile_);
-  spectrum_->Show();
-  spectrum_->Raise();
+template <class Dialog, class... Arguments>
+void MainFrame::showAnalysis(Dialog*& dialog, Arguments&... arguments) {
+  if (dialog == nullptr) {
+    dialog = new Dialog(this, arguments..., profile_);
+    analyses_.push_back(dialog);
+  }
+  dialog->Show();
+  dialog->Raise();
 }
+
+void MainFrame::showSpectrum() { showAnalysis(spectrum_, app_); }
+
+void MainFrame::showSonogram() { showAnalysis(sonogram_, *tabs_); }
+
+void MainFrame::show3DSpectrum() { showAnalysis(surface_); }
 
 // ---- Window and help ------------------------------------------------------------------------------------
 

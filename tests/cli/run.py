@@ -157,6 +157,7 @@ class Cli(unittest.TestCase):
                               "a.wav --size 131072 --out o.fft", "a.wav --window 10 --out o.fft",
                               "a.wav b.wav --out o.fft", "a.wav --window hann --out o.fft",
                               "a.wav --select 5 --out o.fft", "--show", "a.wav --show o.fft"]),
+                ("sonogram", ["", "a.wav", "a.wav --hop 0 --out o.csv", "a.wav --hop", "a.wav --size 24 --out o.csv"]),
                 ("window", ["10 8", "-1 8", "Unknown 8", "1 -1", "1 x", "1", "1 8 9"])]:
             for call in calls:
                 self.call(command, *call.split(), status=2)
@@ -261,6 +262,26 @@ class Cli(unittest.TestCase):
         long_line = "version=1\nchannel=40\nnumber=1\nfe=8\nfreqstart=0\nfreqstop=4\n\n" + "0.25000000 " * 40
         self.write("long.fft", long_line)
         self.assertEqual(json.loads(self.call("spectrum", "--show", "long.fft"))["values"], [[0.25] * 40])
+
+    def test_sonogram_is_saved(self):
+        # Left 1 kHz, right twice as high and half as loud; both silent from frame 4096 on.
+        def sample(i):
+            frame, channel = i // 2, i % 2
+            return round((32767, 16384)[channel] * math.sin(math.pi / 4 * frame * (1, 2)[channel])) * (frame < 4096)
+        self.write("tone.wav", wav_bytes(6144, 2, sample=sample))
+        self.call("sonogram", "tone.wav", "--size", "256", "--hop", "512", "--select", "512", "5631", "--out", "o.csv")
+        head, *lines = [line.split(",") for line in self.read("o.csv").decode().splitlines()]
+        self.assertEqual(head, ["frame", "channel"] + [f"{31.25 * i:g}" for i in range(129)])
+        self.assertEqual([line[:2] for line in lines], [[str(512 * i), str(c)] for i in range(1, 11) for c in (0, 1)])
+        for frame, channel, *values in lines:
+            values, line = [float(value) for value in values], (32, 64)[int(channel)]
+            if int(frame) < 4096:
+                self.assertEqual(max(range(129), key=values.__getitem__), line)
+                self.assertAlmostEqual(values[line], (1, 0.5)[int(channel)], places=3)
+            elif int(frame) > 4096:
+                self.assertEqual(set(values), {0})
+        self.call("sonogram", "tone.wav", "--out", "missing/o.csv", status=3)
+        self.call("sonogram", "none.wav", "--out", "o.csv", status=3)
 
     def test_spectrum_refuses_wrong_files(self):
         self.call("spectrum", "none.wav", "--out", "o.fft", status=3)
