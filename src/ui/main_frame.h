@@ -22,6 +22,7 @@
 #include "ui/spectrum_dialog.h"
 #include "ui/start_page.h"
 #include "ui/transport_bar.h"
+#include "ui/update_watch.h"
 #include "ui/vst_editor_window.h"
 #include "ui/window_place.h"
 #include "ui/window_profile.h"
@@ -131,6 +132,7 @@ class MainFrame : public wxFrame {
   bool historyWanted_;
   FileCommands files_;
   SoundControl sound_;
+  UpdateWatch updates_;
   ActionMenus menus_;
   WindowPlace place_;
   PluginEditors editors_;

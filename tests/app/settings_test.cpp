@@ -131,7 +131,11 @@ TEST(Settings, EveryRowComesBackFromTheFile) {
     const Settings defaults;
     for (const char* value : {"1", "0", "5", "3", "8", "48000"}) {
       Settings one = changed;
-      if (setSetting(one, row.section, row.key, number ? value : " odd'\" ") != SetResult::done) continue;
+      if (setSetting(one, row.section, row.key,
+                     number                     ? value
+                     : row.problemOf != nullptr ? "https://a.example/b"
+                                                : " odd'\" ") != SetResult::done)
+        continue;
       if (valueOf(one, row.key) == valueOf(defaults, row.key)) continue;
       changed = one;
       break;
