@@ -55,7 +55,7 @@ bool isUnsafeInNames(char c) {
 std::string addressProblem(const std::string& address, NetSchemes schemes) {
   const bool control =
       std::ranges::any_of(address, [](char c) { return static_cast<unsigned char>(c) <= ' '; });
-  const std::string begins = "An address begins with " + listedSchemes(schemes, "://, ", "://.");
+  const std::string begins = "An address begins with one of " + listedSchemes(schemes, "://, ", "://.");
   if (address.find("://") == std::string::npos) return begins;
   const ParsedAddress url = control ? ParsedAddress(nullptr, curl_url_cleanup) : parsed(address);
   if (url == nullptr) return "This is no address.";

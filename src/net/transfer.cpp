@@ -146,7 +146,8 @@ std::string reasonOf(CURLcode code, const Transfer& transfer, long response) {
     case CURLE_TOO_MANY_REDIRECTS:
       return "The server leads on from one address to the next.";
     case CURLE_UNSUPPORTED_PROTOCOL:
-      return "The address leads to something else than " + listedSchemes(transfer.request.schemes, ", ", ".");
+      return "The address leads to something other than " +
+             listedSchemes(transfer.request.schemes, ", ", ".");
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
     case CURLE_GOT_NOTHING:

@@ -146,7 +146,7 @@ TEST(Settings, EveryRowComesBackFromTheFile) {
   Settings back;
   file.load(back);
   EXPECT_EQ(settingsAsText(back), settingsAsText(changed));
-  EXPECT_EQ(settingRows().size(), 42u + 4u + 16u + 13u + 16u);
+  EXPECT_EQ(settingRows().size(), 42u + 4u + 2u + 16u + 13u + 16u);
 }
 
 TEST(Settings, WhatIsNoSettingsFileGivesTheDefaults) {

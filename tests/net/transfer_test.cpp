@@ -75,9 +75,9 @@ TEST(Transfer, TakesWhatIsWholeAndTellsWhatIsNot) {
                {"/missing", "no such file"},
                {"/broken", "error 500"},
                {"/long", "longer"},
-               {"/file", "something else than http, https."},
-               {"/gopher", "something else"},
-               {"/ftp", "something else"},
+               {"/file", "something other than http, https."},
+               {"/gopher", "something other"},
+               {"/ftp", "something other"},
                {"/silent", "in time"},
                {"/drip", "in time"}};
   for (const auto& [path, reason] : cases) {
