@@ -246,9 +246,9 @@ std::vector<SettingRow> numberedRows() {
 const std::vector<SettingRow>& settingRows() {
   static const std::vector<SettingRow> rows = [] {
     std::vector<SettingRow> all = generalNumbers();
+    append(all, updates());
     append(all, generalFlags());
     append(all, factorsAndOutput());
-    append(all, updates());
     append(all, numberedRows());
     return all;
   }();

@@ -12,6 +12,8 @@
 namespace plumetta {
 namespace {
 
+constexpr int kTextWidth = 320;
+
 // Takes a field's value over into the settings.
 using Taker = std::function<void()>;
 
@@ -59,6 +61,7 @@ Taker addRow(FormDialog& form, const SettingRow& row, Settings& settings) {
     std::string& value = (*text)(settings);
     wxTextCtrl* field = form.addText(toWx(row.preference.label), wxString(), toWx(value),
                                      [&row](const std::string& typed) { return problemOfText(row, typed); });
+    field->SetMinSize(field->FromDIP(wxSize(kTextWidth, -1)));
     return [&value, field] { value = fromWx(field->GetValue()); };
   }
   int& value = std::get<IntegerPlace>(row.place)(settings);
