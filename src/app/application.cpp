@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "app/updates.h"
 #include "core/keep_for_good.h"
 #include "formats/clipboard_image.h"
 #include "platform/crash_note.h"
@@ -22,6 +23,7 @@ Application::Application(Prompter& prompter, FileSystem& files, const std::strin
       undoFolder_(files, home_),
       services_{files,          undoFolder_, *audioLock_, prompter, history_,
                 settings_.edit, clipboard_,  nullptr,     nullptr},
+      urlReader_(files, undoFolder_, prompter, programAgent()),
       recoveryFiles_(std::make_unique<RecoveryFiles>(files, home_)),
       vstHost_(std::make_unique<VstHost>()),
       rack_(std::make_unique<Rack>(*vstHost_)),
@@ -165,7 +167,7 @@ CPlumettaDoc* Application::pasteAsNewDocument() {
     prompter().message("There is not enough memory for this.");
     return nullptr;
   }
-  return adoptPasted(std::move(document), kPastedName);
+  return adoptUnsaved(std::move(document), kPastedName, kPastedName);
 }
 
 CPlumettaDoc* Application::pasteFromSystemClipboard() {
@@ -183,11 +185,20 @@ CPlumettaDoc* Application::pasteFromSystemClipboard() {
     return nullptr;
   }
   for (const std::string& warning : result.warnings) prompter().message(warning);
-  return adoptPasted(std::move(document), "paste from clipboard.wav");
+  return adoptUnsaved(std::move(document), kPastedName, "paste from clipboard.wav");
 }
 
-CPlumettaDoc* Application::adoptPasted(std::unique_ptr<CPlumettaDoc> document, const char* title) {
-  document->wave().setFileName(kPastedName);
+CPlumettaDoc* Application::openFetched(const FetchedFile& fetched, FileOutcome& outcome,
+                                       const OpenOptions& options) {
+  auto document = std::make_unique<CPlumettaDoc>(services_);
+  outcome = document->load(fetched.file->path(), options, fetched.address);
+  if (outcome != FileOutcome::done) return nullptr;
+  return adoptUnsaved(std::move(document), fetched.name, fetched.name.empty() ? kUntitled : fetched.name);
+}
+
+CPlumettaDoc* Application::adoptUnsaved(std::unique_ptr<CPlumettaDoc> document, const std::string& fileName,
+                                        const std::string& title) {
+  document->wave().setFileName(fileName);
   document->setTitle(title);
   document->setModified(true);
   return documents_.emplace_back(std::move(document)).get();

@@ -10,6 +10,7 @@
 #include "app/output_device.h"
 #include "app/recovery_files.h"
 #include "app/settings.h"
+#include "app/url_reader.h"
 #include "audio/midi_remote.h"
 #include "audio/playback_engine.h"
 #include "audio/transport.h"
@@ -50,6 +51,8 @@ class Application {
   bool rememberVolume();
   MidiRemote& midi() { return midi_; }
 
+  UrlReader& urlReader() { return urlReader_; }
+
   Prompter& prompter() { return services_.prompter; }
   FileSystem& files() { return services_.files; }
   HistoryList& history() { return history_; }
@@ -86,6 +89,9 @@ class Application {
 
   // Null when the file could not be opened (a message has said so) or the person cancelled.
   CPlumettaDoc* openDocument(const std::string& path, FileOutcome& outcome, const OpenOptions& options = {});
+  // What was fetched from an address, as a document that was never saved; null as above.
+  CPlumettaDoc* openFetched(const FetchedFile& fetched, FileOutcome& outcome,
+                            const OpenOptions& options = {});
   // Null when no buffer can have these values.
   CPlumettaDoc* newDocument(uint32_t sampleRate, int channels, int bits, int64_t frames, uint16_t formatTag);
   // A copy of the clipboard buffer as a document of its own, "paste.wav"; null when there is nothing to
@@ -102,7 +108,8 @@ class Application {
  private:
   void setUpPlugins();
   void tellCopyFailure();
-  CPlumettaDoc* adoptPasted(std::unique_ptr<CPlumettaDoc> document, const char* title);
+  CPlumettaDoc* adoptUnsaved(std::unique_ptr<CPlumettaDoc> document, const std::string& fileName,
+                             const std::string& title);
 
   std::string home_;
   std::unique_ptr<AudioLock> audioLock_ = std::make_unique<AudioLock>();
@@ -113,6 +120,7 @@ class Application {
   std::shared_ptr<const CWave> clipboard_;
   UndoFolder undoFolder_;
   DocumentServices services_;
+  UrlReader urlReader_;
   std::vector<std::unique_ptr<CPlumettaDoc>> documents_;
   std::unique_ptr<RecoveryFiles> recoveryFiles_;
   std::unique_ptr<VstHost> vstHost_;

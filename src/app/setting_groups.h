@@ -83,7 +83,12 @@ struct PluginSettings {
 struct ProgramSettings {
   std::string skinFile = kDefaultFolder;
   bool mediaKeys = true;  // of the keyboard drive the transport
-  bool checkForUpdate = true;
+};
+
+struct NetworkSettings {
+  std::string updateServer;  // its address; empty for none
+  bool consent = false;      // the person has agreed to requests to it
+  bool checkAtStart = true;
 };
 
 struct Settings {
@@ -96,6 +101,7 @@ struct Settings {
   MidiSettings midi;
   PluginSettings plugins;
   ProgramSettings program;
+  NetworkSettings network;
 };
 
 }  // namespace plumetta

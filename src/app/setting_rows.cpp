@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "app/settings.h"
+#include "net/net_address.h"
 
 namespace plumetta {
 namespace {
@@ -35,6 +36,8 @@ Preference display(const char* label, const char* unit = "") {
 Preference editing(const char* label, const char* unit = "") {
   return {PreferencePage::editing, label, unit};
 }
+
+Preference network(const char* label) { return {PreferencePage::network, label}; }
 
 SettingRow boolean(const char* key, BooleanPlace place, Preference preference = {}) {
   return {kGeneral, key, std::move(place), 0, 1, {}, {}, preference};
@@ -144,7 +147,8 @@ std::vector<SettingRow> generalFlags() {
       boolean("PopupMenuRightClick", at(&S::display, &DisplaySettings::popupOnRightClick),
               display("Right click opens a menu (else it extends the selection)")),
       boolean("PlayVolumeAutomation", at(&S::playback, &PlaybackSettings::playEnvelope)),
-      boolean("AutoCheckForUpdate", at(&S::program, &ProgramSettings::checkForUpdate)),
+      boolean("AutoCheckForUpdate", at(&S::network, &NetworkSettings::checkAtStart),
+              network("Look for a newer version at start")),
       boolean("SelectionGridLine", at(&S::display, &DisplaySettings::selectionGrid),
               display("Grid lines in the selection")),
       boolean("LoopPointsLocked", at(&S::display, &DisplaySettings::loopsLocked),
@@ -188,6 +192,20 @@ std::vector<SettingRow> factorsAndOutput() {
   };
 }
 
+// The address of a server, or none.
+std::string serverProblem(const std::string& address) {
+  return address.empty() ? "" : addressProblem(address, NetSchemes::web);
+}
+
+std::vector<SettingRow> updates() {
+  using S = Settings;
+  SettingRow server = path("UpdateServer", at(&S::network, &NetworkSettings::updateServer));
+  server.preference = network("Update server");
+  server.problemOf = serverProblem;
+  return {server, boolean("UpdateConsent", at(&S::network, &NetworkSettings::consent),
+                          network("The update server may be asked for the newest version"))};
+}
+
 std::vector<SettingRow> numberedRows() {
   std::vector<SettingRow> rows;
   for (size_t i = 0; i < MidiSettings{}.devices.size(); ++i) {
@@ -228,6 +246,7 @@ std::vector<SettingRow> numberedRows() {
 const std::vector<SettingRow>& settingRows() {
   static const std::vector<SettingRow> rows = [] {
     std::vector<SettingRow> all = generalNumbers();
+    append(all, updates());
     append(all, generalFlags());
     append(all, factorsAndOutput());
     append(all, numberedRows());

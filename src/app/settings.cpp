@@ -56,7 +56,7 @@ std::string textOf(const SettingRow& row, Settings& settings) {
 // Takes a value as it stands in a profile. False when it is refused.
 bool take(const SettingRow& row, Settings& settings, const std::string& value) {
   if (const auto* path = std::get_if<PathPlace>(&row.place)) {
-    if (!isStorablePath(value)) return false;
+    if (!problemOfText(row, value).empty()) return false;
     (*path)(settings) = value;
     return true;
   }
@@ -77,6 +77,11 @@ bool acceptsNumber(const SettingRow& row, double number) {
   const auto is = [number](const SettingChoice& choice) { return choice.value == number; };
   if (!row.choices.empty()) return std::ranges::any_of(row.choices, is);
   return number >= row.minimum && number <= row.maximum;  // false for NaN
+}
+
+std::string problemOfText(const SettingRow& row, const std::string& text) {
+  if (!isStorablePath(text)) return "This is too long, or holds characters that can't be kept.";
+  return row.problemOf != nullptr ? row.problemOf(text) : "";
 }
 
 bool isStorablePath(std::string_view path) {

@@ -15,7 +15,7 @@
 namespace plumetta {
 
 // Where in the settings a row's value lives, and so what kind it is: an integer; a boolean, stored as 0 or 1;
-// a number with a fraction, stored as "%7.7f" with a point whatever the locale; a path.
+// a number with a fraction, stored as "%7.7f" with a point whatever the locale; a path or an address.
 using IntegerPlace = std::function<int&(Settings&)>;
 using BooleanPlace = std::function<bool&(Settings&)>;
 using RealPlace = std::function<double&(Settings&)>;
@@ -27,7 +27,7 @@ struct SettingChoice {
   const char* label;  // in the preferences; "" for the number itself
 };
 
-enum class PreferencePage { none, general, display, editing, plugins };
+enum class PreferencePage { none, general, display, editing, plugins, network };
 
 // How the preferences show a setting; those without a page are chosen elsewhere.
 struct Preference {
@@ -49,6 +49,8 @@ struct SettingRow {
   std::vector<SettingChoice> choices;  // if there are any, nothing else is accepted
   std::optional<double> replacement;   // taken instead of a number that is not accepted
   Preference preference;
+  // What is wrong with a path or address, in a sentence; null where any is accepted that the file can hold.
+  std::string (*problemOf)(const std::string& text) = nullptr;
 };
 
 // In the order of the file.
@@ -56,6 +58,8 @@ const std::vector<SettingRow>& settingRows();
 
 // Whether a row accepts a number.
 bool acceptsNumber(const SettingRow& row, double number);
+// What is wrong with a path or address for a row, in a sentence; empty when it is accepted.
+std::string problemOfText(const SettingRow& row, const std::string& text);
 
 // The settings file. A key that is missing, or whose value fails its check, leaves the value as it is.
 class SettingsFile {

@@ -37,6 +37,7 @@ int runSpectrum(const CallOptions& options, WordReader words);
 int runStats(const CallOptions& options, WordReader words);
 int runMidi(const CallOptions& options, WordReader words);
 int runSettings(const CallOptions& options, WordReader words);
+int runUpdateCheck(const CallOptions& options, WordReader words);
 int runWindow(const CallOptions& options, WordReader words);
 int runDevices(const CallOptions& options, WordReader words);
 int runPlay(const CallOptions& options, WordReader words);

@@ -269,6 +269,7 @@ std::vector<EditStep> ownSteps() {
   const Parameter levels{"levels", "", "", ParameterType::boolean, false, true, 0, 0, ""};
   return {
       openStep(),
+      openUrlStep(),
       {"new",
        {integer("rate"), integer("channels"), integer("bits"), frame("frames"), tag},
        false,

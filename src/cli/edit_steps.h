@@ -40,6 +40,8 @@ const std::vector<EditStep>& editSteps();
 
 // Opens a file.
 EditStep openStep();
+// The same from an address.
+EditStep openUrlStep();
 
 // Plays the document into a file.
 EditStep bounceStep();

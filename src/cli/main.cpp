@@ -49,6 +49,11 @@ constexpr CliCommand kCommands[] = {
     {"record", "record FILE.wav --seconds S [--device N] [--rate R] [--bits B]", "records from a device",
      runRecord},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},
+    {"update-check", "update-check",
+     "asks the update server for the newest version: newer, same or older, and its number; asks you before "
+     "the first "
+     "time",
+     runUpdateCheck},
 };
 
 std::string help() {

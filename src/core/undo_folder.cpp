@@ -50,7 +50,7 @@ void UndoFolder::removeLeftovers() {
 
 void UndoFolder::removeContents(const std::string& folder) {
   for (const std::string& name : files_.list(folder)) {
-    if (name.ends_with(".tmp")) files_.remove(joinPath(folder, name));
+    if (name != kLockName) files_.remove(joinPath(folder, name));
   }
 }
 

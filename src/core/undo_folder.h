@@ -9,8 +9,9 @@
 
 namespace plumetta {
 
-// The folder of this process's undo files inside the program's own folder. A lock tells other running editors
-// that it is in use; the folders of processes that ended without cleaning up are removed.
+// The folder of this process's undo files, and others that are not to outlive it, inside the program's own
+// folder. A lock tells other running editors that it is in use; the folders of processes that ended without
+// cleaning up are removed.
 class UndoFolder {
  public:
   UndoFolder(FileSystem& files, std::string programFolder);

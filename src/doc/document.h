@@ -87,7 +87,8 @@ class CPlumettaDoc : public DisplayState, public PlaybackSource {
   std::optional<int> selectedMarker;
 
   bool createNew(uint32_t sampleRate, int channels, int bits, int64_t frames, uint16_t formatTag);
-  FileOutcome load(const std::string& path, const OpenOptions& options = {});
+  // `shownAs` is what messages call the file, where that isn't its path.
+  FileOutcome load(const std::string& path, const OpenOptions& options = {}, const std::string& shownAs = {});
   // Saves by the name's extension; the document then carries that name.
   FileOutcome save(const std::string& path, const SaveOptions& options = {});
   FileOutcome saveRange(int32_t from, int32_t to, const std::string& path);
@@ -117,7 +118,7 @@ class CPlumettaDoc : public DisplayState, public PlaybackSource {
   FileOutcome report(const SaveResult& result, const std::string& path);
   FileOutcome writeWithProgress(const std::string& path, const std::string& title,
                                 const std::function<SaveResult()>& write);
-  FileOutcome refuseUnknownContent(const std::string& path);
+  FileOutcome refuseUnknownContent(const std::string& path, const std::string& shownAs);
   bool confirmLosses(const Format& format, const std::string& path);
 
   DocumentServices& services_;

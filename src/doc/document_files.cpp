@@ -35,28 +35,30 @@ std::string unableTo(const char* verb, const std::string& path, const std::strin
 }  // namespace
 
 // Why a file that no format knows can't be opened: what is wrong with the file itself comes first.
-FileOutcome CPlumettaDoc::refuseUnknownContent(const std::string& path) {
+FileOutcome CPlumettaDoc::refuseUnknownContent(const std::string& path, const std::string& shownAs) {
   std::error_code error;
   const auto file = services_.files.openForReading(path, error);
   const std::string reason = file ? "No format that can be read was found in it." : error.message();
-  prompter().message(unableTo("open", path, reason));
+  prompter().message(unableTo("open", shownAs, reason));
   return FileOutcome::fileError;
 }
 
-FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& given) {
+FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& given,
+                               const std::string& shownAs) {
+  const std::string& shown = shownAs.empty() ? path : shownAs;
   OpenOptions options = given;
   options.keepForeignChunks = options.keepForeignChunks || services_.settings.keepForeignChunks;
   const BusyScope busy(prompter());
   const Format* format = options.raw ? &rawFormat() : formatOfContent(services_.files, path);
-  if (format == nullptr) return refuseUnknownContent(path);
+  if (format == nullptr) return refuseUnknownContent(path, shown);
   LoadResult result;
   {
-    const ProgressOnWave progress(wave_, prompter(), "Opening " + fileNameOf(path));
+    const ProgressOnWave progress(wave_, prompter(), "Opening " + fileNameOf(shown));
     result = format->read(services_.files, path, options, wave_);
   }
   if (result.status == LoadStatus::cancelled) return FileOutcome::cancelled;
   if (result.status != LoadStatus::loaded) {
-    prompter().message(result.reasonIsMessage ? result.reason : unableTo("open", path, result.reason));
+    prompter().message(result.reasonIsMessage ? result.reason : unableTo("open", shown, result.reason));
     return FileOutcome::fileError;
   }
   textKinds_ = std::move(result.textKinds);
@@ -65,7 +67,7 @@ FileOutcome CPlumettaDoc::load(const std::string& path, const OpenOptions& given
   setTitle(fileNameOf(path));
   setModified(false);
   samplesChanged();
-  for (const std::string& warning : result.warnings) prompter().message(path + "\n" + warning);
+  for (const std::string& warning : result.warnings) prompter().message(shown + "\n" + warning);
   return FileOutcome::done;
 }
 

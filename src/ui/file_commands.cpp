@@ -9,6 +9,7 @@
 
 #include "core/regions.h"
 #include "platform/paths.h"
+#include "ui/address_dialog.h"
 #include "ui/edit_dialogs.h"
 #include "ui/file_filters.h"
 #include "ui/mp3_rate_dialog.h"
@@ -83,12 +84,12 @@ void FileCommands::open() { openPaths(askSources("Open", openFilter(formatTable(
 void FileCommands::openRaw() {
   for (const std::string& path : askSources("Open as raw", "All files|*")) {
     OpenOptions options;
-    if (askLayout(absolutePath(path), options)) openOne(absolutePath(path), options);
+    if (askLayout(absolutePath(path), fileNameOf(path), options)) openOne(absolutePath(path), options);
   }
 }
 
-bool FileCommands::askLayout(const std::string& path, OpenOptions& options) {
-  options.raw = askRawLayout(&parent_, app_, path, profile_);
+bool FileCommands::askLayout(const std::string& path, const std::string& name, OpenOptions& options) {
+  options.raw = askRawLayout(&parent_, app_, path, name, profile_);
   return options.raw.has_value();
 }
 
@@ -99,6 +100,17 @@ bool FileCommands::openOne(const std::string& path, const OpenOptions& options) 
   tabs_.add(*doc);
   recent_.add(path);
   return true;
+}
+
+void FileCommands::openAddress() {
+  const auto address = askAddress(&parent_, profile_);
+  FetchedFile fetched;
+  if (!address || app_.urlReader().fetch(*address, fetched) != FetchOutcome::done) return;
+  OpenOptions options;
+  const std::string& path = fetched.file->path();
+  if (hasNoHeader(app_.files(), path) && !askLayout(path, fetched.address, options)) return;
+  FileOutcome outcome{};
+  if (CPlumettaDoc* doc = app_.openFetched(fetched, outcome, options)) tabs_.add(*doc);
 }
 
 void FileCommands::openPaths(const std::vector<std::string>& paths) {
@@ -114,7 +126,7 @@ void FileCommands::openPaths(const std::vector<std::string>& paths) {
       continue;
     }
     OpenOptions options;
-    if (hasNoHeader(app_.files(), path) && !askLayout(path, options)) continue;
+    if (hasNoHeader(app_.files(), path) && !askLayout(path, fileNameOf(path), options)) continue;
     if (!openOne(path, options)) return;  // the person has had enough
   }
 }

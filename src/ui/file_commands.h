@@ -25,6 +25,8 @@ class FileCommands {
   void open();
   // The same for files without a header, whatever is in them: asks how the samples stand in each.
   void openRaw();
+  // From an address that the person gives.
+  void openAddress();
   // Opens each, asking about those that have no header; a file that is open already comes to the front, and
   // one that fails doesn't stop the others.
   void openPaths(const std::vector<std::string>& paths);
@@ -55,8 +57,8 @@ class FileCommands {
   // Nothing when the person cancelled.
   std::optional<SaveOptions> saveOptionsFor(const std::string& path, bool ask);
   std::vector<std::string> askSources(const wxString& title, const std::string& filter);
-  // False when the person cancelled.
-  bool askLayout(const std::string& path, OpenOptions& options);
+  // `name` is shown. False when the person cancelled.
+  bool askLayout(const std::string& path, const std::string& name, OpenOptions& options);
   // False when the person cancelled.
   bool openOne(const std::string& path, const OpenOptions& options);
   CPlumettaDoc* documentOf(const std::string& path) const;

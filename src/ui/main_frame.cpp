@@ -64,6 +64,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       historyWanted_(profile_.integer(kWindow, "History", 0) != 0),
       files_(*this, app, *tabs_, profile_, recent_),
       sound_(app, *tabs_, prompter),
+      updates_(app, prompter),
       menus_(*this, [this] { return !prompter_.working(); }),
       place_(*this, profile_),
       editors_(*this, app.rack()) {
@@ -167,6 +168,7 @@ void MainFrame::begin(const std::vector<std::string>& paths) {
   startRemote();
   sound_.offerRecovery();
   watchCopies();
+  updates_.askAtStart();
 }
 
 void MainFrame::applySettings() {
@@ -333,6 +335,7 @@ void MainFrame::onClose(wxCloseEvent& event) {
     return;
   }
   sound_.shutDown();
+  updates_.stop();
   app_.midi().closeAll();
   if (app_.rememberVolume()) app_.saveSettings();
   place_.store();

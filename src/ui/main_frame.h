@@ -24,6 +24,7 @@
 #include "ui/start_page.h"
 #include "ui/surface_dialog.h"
 #include "ui/transport_bar.h"
+#include "ui/update_watch.h"
 #include "ui/vst_editor_window.h"
 #include "ui/window_place.h"
 #include "ui/window_profile.h"
@@ -138,6 +139,7 @@ class MainFrame : public wxFrame {
   bool historyWanted_;
   FileCommands files_;
   SoundControl sound_;
+  UpdateWatch updates_;
   ActionMenus menus_;
   WindowPlace place_;
   PluginEditors editors_;

@@ -12,6 +12,8 @@
 namespace plumetta {
 namespace {
 
+constexpr int kTextWidth = 320;
+
 // Takes a field's value over into the settings.
 using Taker = std::function<void()>;
 
@@ -55,6 +57,13 @@ Taker addRow(FormDialog& form, const SettingRow& row, Settings& settings) {
     wxTextCtrl* field = addNumber(form, row, value, false);
     return [&value, field] { value = checkedNumber(*field); };
   }
+  if (const auto* text = std::get_if<PathPlace>(&row.place)) {
+    std::string& value = (*text)(settings);
+    wxTextCtrl* field = form.addText(toWx(row.preference.label), wxString(), toWx(value),
+                                     [&row](const std::string& typed) { return problemOfText(row, typed); });
+    field->SetMinSize(field->FromDIP(wxSize(kTextWidth, -1)));
+    return [&value, field] { value = fromWx(field->GetValue()); };
+  }
   int& value = std::get<IntegerPlace>(row.place)(settings);
   if (!row.choices.empty()) return addChoices(form, row, value);
   wxTextCtrl* field = addNumber(form, row, value, true);
@@ -70,7 +79,8 @@ bool askPreferences(wxWindow* parent, Settings& settings) {
   } kPages[] = {{PreferencePage::general, "General"},
                 {PreferencePage::display, "Display"},
                 {PreferencePage::editing, "Editing"},
-                {PreferencePage::plugins, "Plug-ins"}};
+                {PreferencePage::plugins, "Plug-ins"},
+                {PreferencePage::network, "Network"}};
   FormDialog form(parent, "Preferences");
   std::vector<Taker> takers;
   for (const auto& [page, title] : kPages) {

@@ -5,7 +5,6 @@
 #include <array>
 
 #include "formats/raw_file.h"
-#include "platform/paths.h"
 #include "ui/form_dialog.h"
 #include "ui/format_choices.h"
 #include "ui/text.h"
@@ -120,14 +119,14 @@ class RawDialog : public FormDialog {
 }  // namespace
 
 std::optional<RawLayout> askRawLayout(wxWindow* parent, Application& app, const std::string& path,
-                                      WindowProfile& profile) {
+                                      const std::string& name, WindowProfile& profile) {
   std::error_code error;
   const auto file = app.files().openForReading(path, error);
   if (!file) {
     app.prompter().message("Unable to open " + path + "\n" + error.message());
     return std::nullopt;
   }
-  RawDialog dialog(parent, *file, fileNameOf(path), profile);
+  RawDialog dialog(parent, *file, name, profile);
   if (!dialog.ask("Open")) return std::nullopt;
   dialog.store();
   return dialog.layout();

@@ -11,10 +11,10 @@ class wxWindow;
 
 namespace plumetta {
 
-// Asks how the samples stand in a file without a header, with a picture of what comes out of it. The values
-// are those of the last time. Nothing when the person cancelled, or when the file can't be read (a message
-// has said so).
+// Asks how the samples stand in a file without a header, with a picture of what comes out of it; `name` is
+// what it is called. The values are those of the last time. Nothing when the person cancelled, or when the
+// file can't be read (a message has said so).
 std::optional<RawLayout> askRawLayout(wxWindow* parent, Application& app, const std::string& path,
-                                      WindowProfile& profile);
+                                      const std::string& name, WindowProfile& profile);
 
 }  // namespace plumetta

@@ -86,6 +86,8 @@ MenuPlan MainFrame::fileMenu() {
       {{"new", "&New…", "Ctrl+N", "A new, silent file", [this] { files_.createNew(); }},
        {"open", "&Open…", "Ctrl+O", "Open audio files", [this] { files_.open(); }},
        {"open-raw", "Open as ra&w…", "", "Open files that have no header", [this] { files_.openRaw(); }},
+       {"open-url", "Open from &URL…", "Ctrl+Shift+O", "Fetch a file from a server and open it",
+        [this] { files_.openAddress(); }},
        recent,
        kSeparator,
        save,
@@ -332,6 +334,8 @@ std::vector<Action> MainFrame::documentActions() {
 MenuPlan MainFrame::helpMenu() {
   return {"&Help",
           {{"shortcuts", "&Keyboard shortcuts", "F1", "", [this] { showShortcuts(this, menus_.plan()); }},
+           {"update-check", "Check for &updates…", "", "Ask the update server for the newest version",
+            [this] { updates_.ask(); }, [this] { return !updates_.asking(); }},
            {"about", "&About Plumetta", "", "", [this] { showAbout(); }}}};
 }
 
