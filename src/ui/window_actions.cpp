@@ -13,7 +13,6 @@
 #include "ui/main_frame.h"
 #include "ui/midi_configuration_dialog.h"
 #include "ui/preferences_dialog.h"
-#include "ui/shortcuts_dialog.h"
 #include "ui/statistics_dialog.h"
 #include "ui/text.h"
 #include "ui/toolbar_icons.h"
@@ -222,6 +221,8 @@ MenuPlan MainFrame::viewMenu() {
   history.checked = [this] { return historyWanted_; };
   Action displays{"displays", "&Displays", "", "What can be seen of the sound while it plays", nullptr};
   displays.actions = displays_->actions();
+  Action skin{"skin", "S&kin", "", "The colours of the waveform and of what stands around it", nullptr};
+  skin.entries = [this] { return skins_.entries(); };
   return {
       "&View",
       {viewAction("zoom-in", "Zoom &in", "Ctrl++", "Show less of the file, larger", &Panel::zoomIn),
@@ -244,7 +245,7 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc&) { showSonogram(); }),
        documentAction("spectrum-3d", "&3D spectrum…", "Ctrl+F9", "Spectra along time as a landscape",
                       [this](CPlumettaDoc&) { show3DSpectrum(); }),
-       kSeparator, history, displays, toolbar, transport, status}};
+       kSeparator, history, displays, skin, toolbar, transport, status}};
 }
 
 MenuPlan MainFrame::markerMenu() {
@@ -333,7 +334,8 @@ std::vector<Action> MainFrame::documentActions() {
 
 MenuPlan MainFrame::helpMenu() {
   return {"&Help",
-          {{"shortcuts", "&Keyboard shortcuts", "F1", "", [this] { showShortcuts(this, menus_.plan()); }},
+          {{"shortcuts", "&Keyboard shortcuts…", "F1", "The keys of all actions, and other ones for them",
+            [this] { editShortcuts(); }},
            {"update-check", "Check for &updates…", "", "Ask the update server for the newest version",
             [this] { updates_.ask(); }, [this] { return !updates_.asking(); }},
            {"about", "&About Plumetta", "", "", [this] { showAbout(); }}}};
