@@ -13,7 +13,7 @@ namespace {
 constexpr size_t kLongestText = 64;
 constexpr int kFunctionKeys = 24;
 
-// The first name is the one that is written.
+// The first name is the one that is written, the others are understood: people and toolkits have several.
 constexpr std::array<const char*, 3> kNamed[] = {
     {"Space"},
     {"Esc", "Escape"},
@@ -24,18 +24,18 @@ constexpr std::array<const char*, 3> kNamed[] = {
     {"Insert", "Ins"},
     {"Home"},
     {"End"},
-    {"PageUp", "PgUp"},
-    {"PageDown", "PgDn"},
+    {"PageUp", "PgUp", "Page Up"},
+    {"PageDown", "PgDn", "Page Down"},
     {"Left"},
     {"Right"},
     {"Up"},
     {"Down"},
-    {"KP_Add"},
-    {"KP_Subtract"},
-    {"KP_Multiply"},
-    {"KP_Divide"},
-    {"KP_Decimal"},
-    {"KP_Enter"},
+    {"KP_Add", "Num +"},
+    {"KP_Subtract", "Num -"},
+    {"KP_Multiply", "Num *"},
+    {"KP_Divide", "Num /"},
+    {"KP_Decimal", "Num ."},
+    {"KP_Enter", "Num Enter"},
     {"KP_0"},
     {"KP_1"},
     {"KP_2"},

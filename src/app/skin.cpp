@@ -13,7 +13,7 @@ namespace plumetta {
 namespace {
 
 constexpr const char* kSection = "Colors";
-constexpr double kHardlyReadable = 3;
+constexpr double kHardlyReadable = 3, kEasilyReadable = 4.5;
 constexpr size_t kLongestQuoted = 40;  // of a bad value, in a message
 
 constexpr Rgb rgb(uint32_t value) {
@@ -80,6 +80,13 @@ double luminance(Rgb colour) {
 
 bool isDark(Rgb colour) { return contrast(colour, {255, 255, 255}) > contrast(colour, {0, 0, 0}); }
 
+// A default that can be read, else black or white, of which one always can.
+Rgb textOn(Rgb ground, const TintRow& row) {
+  const auto better = [ground](Rgb a, Rgb b) { return contrast(a, ground) > contrast(b, ground) ? a : b; };
+  const Rgb fallback = better(row.light, row.dark);
+  return contrast(fallback, ground) >= kEasilyReadable ? fallback : better({0, 0, 0}, {255, 255, 255});
+}
+
 Tint tintAt(size_t index) { return static_cast<Tint>(index); }
 
 }  // namespace
@@ -126,12 +133,11 @@ Palette::Palette(const Skin& skin, bool dark) : dark_(dark), colours_{} {
     const TintRow& row = kRows[i];
     const auto ground = static_cast<size_t>(row.ground);  // comes before what is drawn on it
     const auto& given = skin[tintAt(i)];
-    bool onDark = ground == i ? dark_ : isDarkTint[ground];
-    if (row.isText && skin[row.ground]) {
-      onDark = contrast(row.dark, *skin[row.ground]) > contrast(row.light, *skin[row.ground]);
-    }
+    const bool onDark = ground == i ? dark_ : isDarkTint[ground];
     isDarkTint[i] = given ? isDark(*given) : onDark;
-    colours_[i] = given.value_or(onDark ? row.dark : row.light);
+    const auto& below = skin[row.ground];
+    const Rgb fallback = row.isText && below ? textOn(*below, row) : onDark ? row.dark : row.light;
+    colours_[i] = given.value_or(fallback);
   }
 }
 

@@ -86,7 +86,8 @@ class Skin {
 };
 
 // Every colour, given or by default. What is not given suits the ground that it is drawn on: on a dark one
-// the default for dark, and text has that of its two defaults which can be read better.
+// the default for dark, and text on a given one has whichever of its defaults, or of black and white, can be
+// read.
 class Palette {
  public:
   // `dark` counts where the skin doesn't give the ground.

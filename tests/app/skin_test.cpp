@@ -79,9 +79,9 @@ TEST(Skin, WhatIsNotGivenSuitsItsGround) {
     const auto part = static_cast<uint8_t>(level);
     Skin skin;
     skin[Tint::margin] = skin[Tint::marker] = Rgb{part, part, part};
-    for (const Tint tint : {Tint::text, Tint::markerText}) {
+    for (const Tint tint : {Tint::text, Tint::textQuiet, Tint::markerText}) {
       const Palette palette(skin, level % 2 != 0);
-      EXPECT_GE(contrast(palette[tint], *skin[Tint::margin]), 3.0) << level;
+      EXPECT_GE(contrast(palette[tint], *skin[Tint::margin]), 4.5) << level;
     }
     EXPECT_TRUE(unreadableTexts(skin, false).empty());
   }
