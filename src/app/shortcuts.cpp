@@ -41,13 +41,9 @@ Shortcuts::Shortcuts(std::vector<ShortcutRow> rows) : rows_(std::move(rows)) {
   resetAll();
 }
 
-ShortcutRow* Shortcuts::row(std::string_view id) {
+const ShortcutRow* Shortcuts::find(std::string_view id) const {
   const auto found = std::ranges::find_if(rows_, [&](const ShortcutRow& own) { return own.id == id; });
   return found != rows_.end() ? &*found : nullptr;
-}
-
-const ShortcutRow* Shortcuts::find(std::string_view id) const {
-  return const_cast<Shortcuts*>(this)->row(id);
 }
 
 const ShortcutRow* Shortcuts::ownerOf(std::string_view key) const {
@@ -66,9 +62,12 @@ std::string Shortcuts::refusal(const ShortcutRow& row, std::string_view text) co
 void Shortcuts::set(std::string_view id, std::string_view text) {
   const std::string key = spelled(text);
   for (ShortcutRow& own : rows_) {
-    if (!key.empty() && own.key == key) own.key.clear();
+    if (own.id == id) {
+      own.key = key;
+    } else if (own.key == key) {
+      own.key.clear();
+    }
   }
-  if (ShortcutRow* const wanted = row(id)) wanted->key = key;
 }
 
 void Shortcuts::resetAll() {

@@ -43,8 +43,6 @@ class Shortcuts {
   bool save(const std::string& path, bool everyLine = false) const;
 
  private:
-  ShortcutRow* row(std::string_view id);
-
   std::vector<ShortcutRow> rows_;
 };
 

@@ -8,16 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include "doc/picture.h"
 #include "platform/file_system.h"
 
 namespace plumetta {
-
-// A colour as screens have it.
-struct Rgb {
-  uint8_t red = 0, green = 0, blue = 0;
-
-  bool operator==(const Rgb&) const = default;
-};
 
 // "#RRGGBB" or "R,G,B" with numbers up to 255; nothing for anything else.
 std::optional<Rgb> parseColour(std::string_view text);

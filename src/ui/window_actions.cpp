@@ -229,7 +229,8 @@ MenuPlan MainFrame::viewMenu() {
        viewAction("zoom-out", "Zoom &out", "Ctrl+-", "Show more of the file", &Panel::zoomOut),
        viewAction("zoom-selection", "Zoom to s&election", "Ctrl+E", "Fill the window with the selection",
                   &Panel::zoomToSelection),
-       viewAction("zoom-all", "Zoom &all", "Ctrl+0", "Show the whole file", &Panel::zoomAll), kSeparator,
+       viewAction("zoom-all", "Zoom &all", "Ctrl+0", "Show the whole file", &Panel::zoomAll),
+       kSeparator,
        viewAction("zoom-vertical-in", "Zoom in &vertically", "Ctrl+Up", "Show quiet passages larger",
                   &Panel::zoomVerticalIn),
        viewAction("zoom-vertical-out", "Zoom out ve&rtically", "Ctrl+Down", "Show the waveform smaller",
@@ -245,7 +246,13 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc&) { showSonogram(); }),
        documentAction("spectrum-3d", "&3D spectrum…", "Ctrl+F9", "Spectra along time as a landscape",
                       [this](CPlumettaDoc&) { show3DSpectrum(); }),
-       kSeparator, history, displays, skin, toolbar, transport, status}};
+       kSeparator,
+       history,
+       displays,
+       skin,
+       toolbar,
+       transport,
+       status}};
 }
 
 MenuPlan MainFrame::markerMenu() {
