@@ -44,6 +44,12 @@ constexpr CliCommand kCommands[] = {
      "plays on a device", runPlay},
     {"record", "record FILE.wav --seconds S [--device N] [--rate R] [--bits B]", "records from a device",
      runRecord},
+    {"keys", "keys [set ID KEY | reset [ID]]",
+     "prints the commands of the menus with their default and present keys, parted by tabs, or changes one; "
+     "KEY "
+     "is such as Ctrl+Shift+T, or empty for none",
+     runKeys},
+    {"skin", "skin FILE", "prints the colours of a skin file, and what is wrong with it", runSkin},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},
 };
 

@@ -25,7 +25,7 @@ class PositionList : public wxVListBox {
   void OnDrawItem(wxDC& dc, const wxRect& rect, size_t row) const override;
 
   Rack& rack_;
-  Theme theme_;
+  Theme theme_ = Theme::current();
 };
 
 // A table about the plug-in at one position. It asks for what can be seen alone, since plug-ins may claim any

@@ -13,7 +13,6 @@
 #include "ui/main_frame.h"
 #include "ui/midi_configuration_dialog.h"
 #include "ui/preferences_dialog.h"
-#include "ui/shortcuts_dialog.h"
 #include "ui/statistics_dialog.h"
 #include "ui/text.h"
 #include "ui/toolbar_icons.h"
@@ -220,6 +219,8 @@ MenuPlan MainFrame::viewMenu() {
   history.checked = [this] { return historyWanted_; };
   Action displays{"displays", "&Displays", "", "What can be seen of the sound while it plays", nullptr};
   displays.actions = displays_->actions();
+  Action skin{"skin", "S&kin", "", "The colours of the waveform and of what stands around it", nullptr};
+  skin.entries = [this] { return skins_.entries(); };
   return {
       "&View",
       {viewAction("zoom-in", "Zoom &in", "Ctrl++", "Show less of the file, larger", &Panel::zoomIn),
@@ -238,7 +239,7 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc& doc) { showStatistics(doc); }),
        documentAction("spectrum", "S&pectrum…", "F9", "Levels along frequency, peaks and their notes",
                       [this](CPlumettaDoc&) { showSpectrum(); }),
-       kSeparator, history, displays, toolbar, transport, status}};
+       kSeparator, history, displays, skin, toolbar, transport, status}};
 }
 
 MenuPlan MainFrame::markerMenu() {
@@ -317,7 +318,8 @@ std::vector<Action> MainFrame::documentActions() {
 
 MenuPlan MainFrame::helpMenu() {
   return {"&Help",
-          {{"shortcuts", "&Keyboard shortcuts", "F1", "", [this] { showShortcuts(this, menus_.plan()); }},
+          {{"shortcuts", "&Keyboard shortcuts…", "F1", "The keys of all actions, and other ones for them",
+            [this] { editShortcuts(); }},
            {"about", "&About Plumetta", "", "", [this] { showAbout(); }}}};
 }
 
