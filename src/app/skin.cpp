@@ -164,16 +164,25 @@ SkinReading readSkin(FileSystem& files, const std::string& path) {
   return reading;
 }
 
+std::vector<Tint> unreadableTints(const Skin& skin, bool dark) {
+  const Palette palette(skin, dark);
+  std::vector<Tint> tints;
+  for (size_t i = 0; i < kTints; ++i) {
+    const bool seen = contrast(palette[tintAt(i)], palette[kRows[i].ground]) >= kHardlyReadable;
+    if (kRows[i].isText && !seen) tints.push_back(tintAt(i));
+  }
+  return tints;
+}
+
 std::vector<std::string> unreadableTexts(const Skin& skin, bool dark) {
   const Palette palette(skin, dark);
   std::vector<std::string> problems;
-  for (size_t i = 0; i < kTints; ++i) {
-    const TintRow& row = kRows[i];
-    const double seen = contrast(palette[tintAt(i)], palette[row.ground]);
-    if (!row.isText || !skin[tintAt(i)] || seen >= kHardlyReadable) continue;
+  for (const Tint tint : unreadableTints(skin, dark)) {
+    const TintRow& row = tintRow(tint);
     char text[160];
     std::snprintf(text, sizeof text, "%s can hardly be read on %s: their contrast is %.1f, less than %.0f.",
-                  row.key, tintRow(row.ground).key, seen, kHardlyReadable);
+                  row.key, tintRow(row.ground).key, contrast(palette[tint], palette[row.ground]),
+                  kHardlyReadable);
     problems.emplace_back(text);
   }
   return problems;

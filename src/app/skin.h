@@ -109,7 +109,8 @@ struct SkinReading {
   std::vector<std::string> problems;  // a sentence each
 };
 SkinReading readSkin(FileSystem& files, const std::string& path);
-// Pairs of given colours that can hardly be told apart where text stands on them, a sentence each.
+// Colours of text that can hardly be told from the ground that is behind them, and the same as sentences.
+std::vector<Tint> unreadableTints(const Skin& skin, bool dark);
 std::vector<std::string> unreadableTexts(const Skin& skin, bool dark);
 // Every colour; what else stands in the file is kept. False when it can't be written.
 bool writeSkin(const std::string& path, const Palette& palette);

@@ -21,7 +21,7 @@ constexpr int kGap = 8;
 constexpr int kRowPadding = 4;
 constexpr int kSwatch = 36;
 constexpr const char* kParts[] = {"&Red:", "&Green:", "&Blue:"};
-constexpr double kReadable = 4.5;
+constexpr int kRemarkWidth = 260;
 
 }  // namespace
 
@@ -70,6 +70,7 @@ SkinDialog::SkinDialog(wxWindow* parent, Application& app, WindowProfile& profil
   all->Add(makeButtons(), 0, wxEXPAND | wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(2 * kGap));
   SetSizerAndFit(all);
   list_->Bind(wxEVT_LISTBOX, [this](wxCommandEvent&) { showSelected(); });
+  CentreOnParent();
   showSelected();
   list_->SetFocus();
 }
@@ -101,7 +102,8 @@ wxSizer* SkinDialog::makeParts() {
   row->Add(pick, 1, wxRIGHT, FromDIP(kGap));
   row->Add(plain, 1);
   column->Add(row, 0, wxEXPAND | wxTOP, FromDIP(kGap));
-  remark_ = new wxStaticText(this, wxID_ANY, "\n\n", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE);
+  remark_ = new wxStaticText(this, wxID_ANY, wxString());
+  remark_->SetMinSize(FromDIP(wxSize(kRemarkWidth, -1)));
   column->Add(remark_, 1, wxEXPAND | wxTOP, FromDIP(2 * kGap));
   return column;
 }
@@ -144,14 +146,21 @@ void SkinDialog::showSelected() {
   const uint8_t values[] = {colour.red, colour.green, colour.blue};
   for (size_t i = 0; i < parts_.size(); ++i) parts_[i]->SetValue(values[i]);
   if (parseColour(fromWx(hex_->GetValue())) != colour) hex_->ChangeValue(toWx(colourText(colour)));
+  remark_->SetLabelText(remark(tint));
+  remark_->Wrap(FromDIP(kRemarkWidth));
+}
+
+wxString SkinDialog::remark(Tint tint) const {
+  const Palette colours = palette();
   const TintRow& row = tintRow(tint);
-  wxString remark;
+  wxString text;
   if (row.isText) {
-    const double seen = contrast(colour, colours[row.ground]);
-    remark.Printf("Contrast to what is behind it: %.1f", seen);
-    if (seen < kReadable) remark += "\nHard to read; from 4.5 on it is easy.";
+    text.Printf("Contrast to what is behind it: %.1f", contrast(colours[tint], colours[row.ground]));
   }
-  remark_->SetLabel(remark);
+  for (const Tint bad : unreadableTints(skin_, systemIsDark())) {
+    text += "\n\"" + toWx(tintRow(bad).meaning) + "\" can hardly be read.";
+  }
+  return text;
 }
 
 void SkinDialog::give(std::optional<Rgb> colour) {

@@ -36,6 +36,7 @@ class SkinDialog : public wxDialog {
   Tint selected() const;
   Palette palette() const;
   void showSelected();
+  wxString remark(Tint tint) const;
   void give(std::optional<Rgb> colour);
   void onHex();
   void choose();

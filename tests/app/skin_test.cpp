@@ -24,11 +24,21 @@ TEST(Skin, ColoursAreReadAsPeopleWriteThem) {
   const struct {
     const char* text;
     std::optional<Rgb> colour;
-  } cases[] = {{"#0A14ff", Rgb{10, 20, 255}}, {"10,20,255", Rgb{10, 20, 255}}, {" 10 , 20,  255", Rgb{10, 20, 255}},
-               {"#0A14F", {}},                {"#0A14FF0", {}},                {"#-1-2-3", {}},
-               {"10,20", {}},                 {"10,20,30,40", {}},             {"10,20,256", {}},
-               {"10,,30", {}},                {"-1,2,3", {}},                  {"red", {}},
-               {"", {}},                      {"#", {}},                       {",,", {}}};
+  } cases[] = {{"#0A14ff", Rgb{10, 20, 255}},
+               {"10,20,255", Rgb{10, 20, 255}},
+               {" 10 , 20,  255", Rgb{10, 20, 255}},
+               {"#0A14F", {}},
+               {"#0A14FF0", {}},
+               {"#-1-2-3", {}},
+               {"10,20", {}},
+               {"10,20,30,40", {}},
+               {"10,20,256", {}},
+               {"10,,30", {}},
+               {"-1,2,3", {}},
+               {"red", {}},
+               {"", {}},
+               {"#", {}},
+               {",,", {}}};
   for (const auto& [text, colour] : cases) EXPECT_EQ(parseColour(text), colour) << '"' << text << '"';
 }
 
@@ -41,7 +51,8 @@ TEST(Skin, FileGivesWhatIsGoodInItAndNamesTheRest) {
   EXPECT_FALSE(reading.skin[Tint::text]);
   ASSERT_EQ(reading.problems.size(), 1u);
   EXPECT_EQ(reading.problems[0], "Margin is no colour: \"1,2\".");
-  for (const std::string& bytes : {std::string(), std::string("RIFF\0\1\2WAVE", 11), std::string("[Colors]\n")}) {
+  for (const std::string& bytes :
+       {std::string(), std::string("RIFF\0\1\2WAVE", 11), std::string("[Colors]\n")}) {
     EXPECT_FALSE(read(bytes).isSkin) << bytes;
     EXPECT_FALSE(read(bytes).problems.empty()) << bytes;
   }
@@ -77,7 +88,8 @@ TEST(Skin, WhatIsNotGivenSuitsItsGround) {
   Skin mixed;
   mixed[Tint::margin] = kWhite;
   mixed[Tint::lane] = kBlack;
-  EXPECT_GE(contrast(Palette(mixed, false)[Tint::rmsSelected], Palette(mixed, false)[Tint::laneSelected]), 4.5);
+  EXPECT_GE(contrast(Palette(mixed, false)[Tint::rmsSelected], Palette(mixed, false)[Tint::laneSelected]),
+            4.5);
   mixed[Tint::text] = Rgb{250, 250, 250};
   EXPECT_EQ(unreadableTexts(mixed, false).size(), 1u);
 }
