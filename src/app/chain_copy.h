@@ -21,7 +21,8 @@ struct LeftChain {
   LockFile lock;
 };
 
-// The rack's chain in the program's own folder, for the case that a plug-in takes the program down. UI thread.
+// The rack's chain in the program's own folder, for the case that a plug-in takes the program down. UI
+// thread.
 class ChainCopy {
  public:
   ChainCopy(FileSystem& files, std::string folder, Rack& rack)

@@ -29,7 +29,8 @@ constexpr CliCommand kCommands[] = {
      "saves an averaged spectrum (N 4096, KIND Hanning unless told otherwise), or prints a saved one as JSON",
      runSpectrum},
     {"sonogram", "sonogram FILE [--select FROM TO] [--size N] [--hop N] [--window KIND] --out FILE.csv",
-     "saves the spectra along time (size 2048, hop half of it, KIND Hanning unless told otherwise): a line each "
+     "saves the spectra along time (size 2048, hop half of it, KIND Hanning unless told otherwise): a line "
+     "each "
      "with its middle frame, its channel and the amplitude at each frequency",
      runSonogram},
     {"window", "window KIND N", "the N coefficients of a window; KIND is its index or its name", runWindow},
@@ -48,6 +49,12 @@ constexpr CliCommand kCommands[] = {
      "plays on a device", runPlay},
     {"record", "record FILE.wav --seconds S [--device N] [--rate R] [--bits B]", "records from a device",
      runRecord},
+    {"keys", "keys [set ID KEY | reset [ID]]",
+     "prints the commands of the menus with their default and present keys, parted by tabs, or changes one; "
+     "KEY "
+     "is such as Ctrl+Shift+T, or empty for none",
+     runKeys},
+    {"skin", "skin FILE", "prints the colours of a skin file, and what is wrong with it", runSkin},
     {"settings", "settings [set SECTION KEY VALUE]", "prints every setting, or changes one", runSettings},
     {"update-check", "update-check",
      "asks the update server for the newest version: newer, same or older, and its number; asks you before "

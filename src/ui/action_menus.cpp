@@ -5,7 +5,6 @@
 #include <wx/toolbar.h>
 
 #include <algorithm>
-#include <ranges>
 #include <stdexcept>
 
 #include "ui/text.h"
@@ -34,6 +33,10 @@ std::string plainText(const Action& action) {
   return text;
 }
 
+wxString toolHint(const Action& action) {
+  return toWx(plainText(action) + (action.key.empty() ? "" : " (" + action.key + ")"));
+}
+
 ActionMenus::ActionMenus(wxFrame& frame, std::function<bool()> mayRun)
     : frame_(frame), mayRun_(std::move(mayRun)), nextNumber_(wxID_HIGHEST + 1) {
   frame_.Bind(wxEVT_MENU, &ActionMenus::onMenu, this);
@@ -43,16 +46,17 @@ ActionMenus::ActionMenus(wxFrame& frame, std::function<bool()> mayRun)
 void ActionMenus::build(std::vector<MenuPlan> plan) {
   plan_ = std::move(plan);
   auto* bar = new wxMenuBar;
-  for (const MenuPlan& one : plan_) {
+  for (MenuPlan& one : plan_) {
     auto* menu = new wxMenu;
-    for (const Action& action : one.actions) append(*menu, action);
+    for (Action& action : one.actions) append(*menu, action);
     bar->Append(menu, toWx(one.title));
   }
   frame_.SetMenuBar(bar);
+  keys_ = allKeys();
   refresh();
 }
 
-void ActionMenus::append(wxMenu& menu, const Action& action) {
+void ActionMenus::append(wxMenu& menu, Action& action) {
   if (action.text.empty()) {
     menu.AppendSeparator();
     return;
@@ -61,7 +65,7 @@ void ActionMenus::append(wxMenu& menu, const Action& action) {
   numbers_[action.id] = number;
   if (!action.actions.empty()) {
     auto* submenu = new wxMenu;
-    for (const Action& own : action.actions) append(*submenu, own);
+    for (Action& own : action.actions) append(*submenu, own);
     items_[number] = {&action, menu.AppendSubMenu(submenu, toWx(action.text), toWx(action.help))};
     return;
   }
@@ -73,17 +77,80 @@ void ActionMenus::append(wxMenu& menu, const Action& action) {
     refill(action.id);
     return;
   }
-  if (!action.key.empty()) addKey(action.key, action.id);
   const auto kind = action.checked ? wxITEM_CHECK : wxITEM_NORMAL;
   items_[number] = {&action, menu.Append(number, labelOf(action), toWx(action.help), kind)};
 }
 
+// ---- Keys -----------------------------------------------------------------------------------------------
+
 void ActionMenus::addKey(const std::string& key, const std::string& id) {
+  otherKeys_.emplace_back(key, id);
+  keys_ = allKeys();
+}
+
+void ActionMenus::shareKey(const std::string& other, const std::string& id) {
+  sharedKeys_.emplace_back(other, id);
+  keys_ = allKeys();
+}
+
+wxAcceleratorEntry ActionMenus::entryOf(const std::string& key, const std::string& id) const {
   wxAcceleratorEntry entry;
   if (!entry.FromString(toWx(key))) throw std::logic_error("no such key: " + key);
   entry.Set(entry.GetFlags(), entry.GetKeyCode(), numberOf(id));
-  keys_.push_back(entry);
+  return entry;
 }
+
+std::vector<wxAcceleratorEntry> ActionMenus::allKeys() const {
+  std::vector<wxAcceleratorEntry> keys;
+  for (const auto& [other, id] : sharedKeys_) {
+    if (const std::string& key = action(other).key; !key.empty()) keys.push_back(entryOf(key, id));
+  }
+  for (const auto& [number, item] : items_) {
+    if (!item.action->key.empty()) keys.push_back(entryOf(item.action->key, item.action->id));
+  }
+  for (const auto& [key, id] : otherKeys_) {
+    const wxAcceleratorEntry entry = entryOf(key, id);
+    const auto same = [&](const wxAcceleratorEntry& own) {
+      return own.GetFlags() == entry.GetFlags() && own.GetKeyCode() == entry.GetKeyCode();
+    };
+    if (std::ranges::none_of(keys, same)) keys.push_back(entry);
+  }
+  return keys;
+}
+
+void ActionMenus::addRows(const MenuPlan& menu, const std::string& before, const std::vector<Action>& actions,
+                          std::vector<ShortcutRow>& rows) const {
+  for (const Action& action : actions) {
+    const std::string text = before + plainText(action);
+    if (!action.actions.empty()) addRows(menu, text + ": ", action.actions, rows);
+    if (action.run) rows.push_back({action.id, withoutMnemonic(menu.title), text, action.key, ""});
+  }
+}
+
+std::vector<ShortcutRow> ActionMenus::shortcutRows() const {
+  std::vector<ShortcutRow> rows;
+  for (const MenuPlan& menu : plan_) addRows(menu, "", menu.actions, rows);
+  return rows;
+}
+
+void ActionMenus::setKeys(const std::vector<ShortcutRow>& rows) {
+  // Without the old ones first: some toolkits mind two items with one key.
+  for (const ShortcutRow& row : rows) {
+    Item& item = items_.at(numberOf(row.id));
+    if (item.action->key == row.key) continue;
+    item.action->key.clear();
+    item.item->SetItemLabel(labelOf(*item.action));
+  }
+  for (const ShortcutRow& row : rows) {
+    Item& item = items_.at(numberOf(row.id));
+    if (item.action->key == row.key) continue;
+    item.action->key = row.key;
+    item.item->SetItemLabel(labelOf(*item.action));
+  }
+  keys_ = allKeys();
+}
+
+// ---- Entries and states ---------------------------------------------------------------------------------
 
 void ActionMenus::refill(const std::string& id) {
   Submenu& submenu = submenus_.at(id);
@@ -92,6 +159,11 @@ void ActionMenus::refill(const std::string& id) {
   if (submenu.entries.size() > kSubmenuRoom) submenu.entries.resize(kSubmenuRoom);
   int number = submenu.firstNumber;
   for (const Action& entry : submenu.entries) {
+    if (entry.text.empty()) {
+      submenu.menu->AppendSeparator();
+      ++number;
+      continue;
+    }
     const auto kind = entry.checked ? wxITEM_CHECK : wxITEM_NORMAL;
     wxMenuItem* item = submenu.menu->Append(number++, labelOf(entry), toWx(entry.help), kind);
     if (entry.checked) item->Check(entry.checked());
@@ -142,7 +214,7 @@ void ActionMenus::onMenu(wxCommandEvent& event) {
 
 void ActionMenus::onCharHook(wxKeyEvent& event) {
   const bool typing = dynamic_cast<wxTextEntry*>(wxWindow::FindFocus()) != nullptr;
-  for (const wxAcceleratorEntry& key : keys_ | std::views::reverse) {
+  for (const wxAcceleratorEntry& key : keys_) {
     if (typing || event.GetKeyCode() != key.GetKeyCode() || flagsOf(event) != key.GetFlags()) continue;
     const Action& action = *items_.at(key.GetCommand()).action;
     if (action.enabled && !action.enabled()) continue;

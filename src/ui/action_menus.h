@@ -8,7 +8,10 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "app/shortcuts.h"
 
 namespace plumetta {
 
@@ -40,9 +43,14 @@ class ActionMenus {
 
   // Makes the menu bar. Once.
   void build(std::vector<MenuPlan> plan);
-  // Another key for an action, beside the one in its menu. An action that had the key before keeps it for
-  // when this one can't be chosen.
+  // Another key for an action, beside the one in its menu, as long as no menu shows it.
   void addKey(const std::string& key, const std::string& id);
+  // The key of `other`, whichever that is, goes to this action whenever it can be chosen.
+  void shareKey(const std::string& other, const std::string& id);
+  // Every action that can have a key, with the one that its plan gives it.
+  std::vector<ShortcutRow> shortcutRows() const;
+  // Other keys in menus and toolbar hints to come.
+  void setKeys(const std::vector<ShortcutRow>& rows);
   void refill(const std::string& id);
   // Brings enabled and checked states of menus and toolbar up to date. Cheap when nothing has changed.
   void refresh();
@@ -55,12 +63,17 @@ class ActionMenus {
 
  private:
   struct Item {
-    const Action* action;
+    Action* action;
     wxMenuItem* item;
     bool enabled = true;
   };
 
-  void append(wxMenu& menu, const Action& action);
+  void append(wxMenu& menu, Action& action);
+  void addRows(const MenuPlan& menu, const std::string& before, const std::vector<Action>& actions,
+               std::vector<ShortcutRow>& rows) const;
+  wxAcceleratorEntry entryOf(const std::string& key, const std::string& id) const;
+  // In the order in which they are looked at.
+  std::vector<wxAcceleratorEntry> allKeys() const;
   void onMenu(wxCommandEvent& event);
   // Some toolkits leave keys without Ctrl or Alt, and Ctrl+Tab, to the window that has the focus; here every
   // key of an action counts wherever no text is being typed.
@@ -72,6 +85,8 @@ class ActionMenus {
   std::vector<MenuPlan> plan_;
   std::map<int, Item> items_;
   std::map<std::string, int> numbers_;
+  std::vector<std::pair<std::string, std::string>> otherKeys_;   // key and action
+  std::vector<std::pair<std::string, std::string>> sharedKeys_;  // the action whose key it is, and action
   std::vector<wxAcceleratorEntry> keys_;
   struct Submenu {
     wxMenu* menu;
@@ -82,7 +97,8 @@ class ActionMenus {
   int nextNumber_;
 };
 
-// A label without mnemonic and dots, and its key as people read it.
+// A label without mnemonic and dots, and the same with the key behind it.
 std::string plainText(const Action& action);
+wxString toolHint(const Action& action);
 
 }  // namespace plumetta

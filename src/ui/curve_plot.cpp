@@ -28,7 +28,7 @@ constexpr double kFar = 20000.0;
 
 CurvePlot::CurvePlot(wxWindow* parent)
     : wxWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxFULL_REPAINT_ON_RESIZE | wxBORDER_NONE),
-      theme_(Theme::ofSystem()) {
+      theme_(Theme::current()) {
   SetBackgroundStyle(wxBG_STYLE_PAINT);
   SetMinSize(FromDIP(wxSize(240, 140)));
   Bind(wxEVT_PAINT, &CurvePlot::onPaint, this);
@@ -55,7 +55,7 @@ CurvePlot::CurvePlot(wxWindow* parent)
 }
 
 void CurvePlot::adoptTheme() {
-  theme_ = Theme::ofSystem();
+  theme_ = Theme::current();
   if (onThemeChanged) onThemeChanged();
   Refresh(false);
 }

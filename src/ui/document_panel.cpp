@@ -45,7 +45,8 @@ DocumentPanel::DocumentPanel(wxWindow* parent, CPlumettaDoc& doc, DisplaySetting
   }
   Bind(wxEVT_CHAR_HOOK, &DocumentPanel::onCharHook, this);
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
-    view_.theme = Theme::ofSystem();
+    view_.theme = Theme::current();
+    SetBackgroundColour(view_.theme.margin);
     refreshAll();
     event.Skip();
   });

@@ -34,7 +34,7 @@ void FlatDockArt::UpdateColoursFromSystem() {
 }
 
 void FlatDockArt::adoptTheme() {
-  theme_ = Theme::ofSystem();
+  theme_ = Theme::current();
   SetColour(wxAUI_DOCKART_BACKGROUND_COLOUR, theme_.line);
   SetColour(wxAUI_DOCKART_SASH_COLOUR, theme_.line);
 }

@@ -22,7 +22,7 @@ class FlatDockArt : public wxAuiDefaultDockArt {
  private:
   void adoptTheme();
 
-  Theme theme_;
+  Theme theme_ = Theme::current();
 };
 
 }  // namespace plumetta

@@ -16,11 +16,11 @@ constexpr int kLine = 2;        // over the tab in front
 
 }  // namespace
 
-FlatTabArt::FlatTabArt() : theme_(Theme::ofSystem()) {}
+FlatTabArt::FlatTabArt() : theme_(Theme::current()) {}
 
 void FlatTabArt::UpdateColoursFromSystem() {
   wxAuiGenericTabArt::UpdateColoursFromSystem();
-  theme_ = Theme::ofSystem();
+  theme_ = Theme::current();
 }
 
 wxSize FlatTabArt::GetTabSize(wxDC& dc, wxWindow* window, const wxString& caption, const wxBitmapBundle&,

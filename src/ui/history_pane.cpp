@@ -45,7 +45,7 @@ class StepList : public wxVListBox {
 
  private:
   void adoptTheme() {
-    theme_ = Theme::ofSystem();
+    theme_ = Theme::current();
     SetBackgroundColour(theme_.margin);
     Refresh();
   }
@@ -81,7 +81,7 @@ class StepList : public wxVListBox {
                 rect.y + FromDIP(kRowPadding));
   }
 
-  Theme theme_;
+  Theme theme_ = Theme::current();
   wxArrayString names_;
   size_t done_ = 0;
 };
@@ -94,7 +94,7 @@ HistoryPane::HistoryPane(wxWindow* parent) : wxPanel(parent), list_(new StepList
   all->Add(list_, 1, wxEXPAND);
   SetSizer(all);
   const auto adoptTheme = [this, heading] {
-    const Theme theme = Theme::ofSystem();
+    const Theme theme = Theme::current();
     SetBackgroundColour(theme.margin);
     heading->SetForegroundColour(theme.textQuiet);
     Refresh();

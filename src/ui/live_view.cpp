@@ -14,11 +14,11 @@ namespace plumetta {
 LiveView::LiveView(wxWindow* parent, const wxString& name)
     : wxWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxFULL_REPAINT_ON_RESIZE | wxBORDER_NONE,
                name),
-      theme_(Theme::ofSystem()) {
+      theme_(Theme::current()) {
   SetBackgroundStyle(wxBG_STYLE_PAINT);
   Bind(wxEVT_PAINT, &LiveView::onPaint, this);
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
-    theme_ = Theme::ofSystem();
+    theme_ = Theme::current();
     themeChanged();
     Refresh(false);
     event.Skip();

@@ -63,6 +63,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       history_(new HistoryPane(sides_)),
       historyWanted_(profile_.integer(kWindow, "History", 0) != 0),
       files_(*this, app, *tabs_, profile_, recent_),
+      skins_(*this, app, profile_),
       sound_(app, *tabs_, prompter),
       updates_(app, prompter),
       menus_(*this, [this] { return !prompter_.working(); }),
@@ -95,9 +96,10 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     menus_.addKey(key, "zoom-in");
   menus_.addKey("Ctrl+KP_Subtract", "zoom-out");
   menus_.addKey("Ctrl+Shift+Z", "redo");
-  menus_.addKey("Space", "stop");  // which is possible only while "play" would begin anew
+  menus_.shareKey("play", "stop");  // which is possible only while "play" would begin anew
   menus_.addKey("Ctrl+Tab", "next-window");
   menus_.addKey("Ctrl+Shift+Tab", "previous-window");
+  keyProblems_ = startShortcuts();
   if (profile_.integer(kWindow, "Toolbar", 1) != 0) buildToolBar();
   layOut();
 
@@ -109,6 +111,8 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     startPage_->setRecent(recent_.paths());
   };
   startPage_->setRecent(recent_.paths());
+  // The entry that has been chosen must not go while its menu still speaks of it.
+  skins_.onChanged = [this] { CallAfter([this] { menus_.refill("skin"); }); };
   tabs_->onActivated = [this] { onActivated(); };
   tabs_->onTitleChanged = [this] {
     showTitle();
@@ -148,7 +152,9 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
     event.Skip();
   });
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
-    if (GetToolBar() != nullptr) buildToolBar();
+    if (GetToolBar() != nullptr && toolColour_ != wxSystemSettings::GetColour(wxSYS_COLOUR_BTNTEXT)) {
+      buildToolBar();
+    }
     event.Skip();
   });
   onActivated();
@@ -163,6 +169,7 @@ MainFrame::~MainFrame() {
 }
 
 void MainFrame::begin(const std::vector<std::string>& paths) {
+  tellKeyProblems();
   openLeftCopies();
   paths.empty() ? files_.reopenFiles() : files_.openPaths(paths);
   startRemote();
@@ -202,16 +209,15 @@ void MainFrame::buildToolBar() {
   wxToolBar* bar = CreateToolBar(wxTB_FLAT | wxTB_HORIZONTAL | wxTB_NODIVIDER);
   const wxSize size(20, 20);
   bar->SetToolBitmapSize(FromDIP(size));
-  const wxColour colour = wxSystemSettings::GetColour(wxSYS_COLOUR_BTNTEXT);
+  toolColour_ = wxSystemSettings::GetColour(wxSYS_COLOUR_BTNTEXT);
   for (const std::string id : kTools) {
     if (id.empty()) {
       bar->AddSeparator();
       continue;
     }
     const Action& action = menus_.action(id);
-    const std::string hint = plainText(action) + (action.key.empty() ? "" : " (" + action.key + ")");
-    bar->AddTool(menus_.numberOf(id), toWx(plainText(action)), toolbarIcon(id, colour, size), wxNullBitmap,
-                 wxITEM_NORMAL, toWx(hint), toWx(action.help));
+    bar->AddTool(menus_.numberOf(id), toWx(plainText(action)), toolbarIcon(id, toolColour_, size),
+                 wxNullBitmap, wxITEM_NORMAL, toolHint(action), toWx(action.help));
     if (action.enabled) bar->EnableTool(menus_.numberOf(id), action.enabled());
   }
   bar->Realize();

@@ -18,6 +18,7 @@
 #include "ui/live_displays.h"
 #include "ui/rack_dialog.h"
 #include "ui/recent_files.h"
+#include "ui/skin_menu.h"
 #include "ui/sonogram_dialog.h"
 #include "ui/sound_control.h"
 #include "ui/spectrum_dialog.h"
@@ -83,6 +84,10 @@ class MainFrame : public wxFrame {
   void configureRouting();
   // What a settings dialog or a window has changed takes effect and is stored.
   void applySettings();
+  // Keys of actions (key_actions.cpp). The first reads their file and returns what is wrong with it.
+  std::vector<std::string> startShortcuts();
+  void tellKeyProblems();
+  void editShortcuts();
   // Remote control and media keys (remote_actions.cpp).
   void startRemote();
   void onRemote(RemoteCommand command);
@@ -138,19 +143,23 @@ class MainFrame : public wxFrame {
   HistoryPane* history_;
   bool historyWanted_;
   FileCommands files_;
+  SkinMenu skins_;
   SoundControl sound_;
   UpdateWatch updates_;
   ActionMenus menus_;
+  Shortcuts shortcuts_{{}};               // of the menus, once these are built
+  std::vector<std::string> keyProblems_;  // of the file of shortcuts, until they have been told
   WindowPlace place_;
   PluginEditors editors_;
+  wxColour toolColour_;
   wxTimer copyTimer_;
   wxStopWatch sinceRefresh_;
   TransportBar* transportBar_ = nullptr;  // once the menus are built
-  CSpectrumDlg* spectrum_ = nullptr;  // made when it is first asked for
-  CSonogramDlg* sonogram_ = nullptr;  // likewise
+  CSpectrumDlg* spectrum_ = nullptr;      // made when it is first asked for
+  CSonogramDlg* sonogram_ = nullptr;      // likewise
   C3DSpectrumDlg* surface_ = nullptr;
   std::vector<AnalysisDlg*> analyses_;
-  CVSTRackDlg* rackWindow_ = nullptr;     // likewise
+  CVSTRackDlg* rackWindow_ = nullptr;  // likewise
 };
 
 }  // namespace plumetta

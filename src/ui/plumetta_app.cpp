@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "app/skin_files.h"
 #include "platform/file_system.h"
 #include "ui/main_frame.h"
 #include "ui/text.h"
@@ -27,6 +28,8 @@ std::string pathOf(const wxString& argument) {
 }
 
 }  // namespace
+
+PlumettaApp& editorApp() { return *static_cast<PlumettaApp*>(wxAppConsole::GetInstance()); }
 
 bool PlumettaApp::Initialize(int& count, wxChar** words) {
   if (count > 1 && wxString(words[1]) == kProbeSwitch) {
@@ -63,6 +66,9 @@ bool PlumettaApp::OnInit() {
   wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
   application_ = std::make_unique<Application>(prompter_, nativeFileSystem(), home_);
   application_->setSystemClipboard(&clipboard_);
+  FileSystem& files = nativeFileSystem();
+  const std::string& skinSetting = application_->settings().program.skinFile;
+  skin = readSkin(files, chosenSkinPath(files, application_->homeFolder(), skinSetting)).skin;
   auto* frame = new MainFrame(*application_, prompter_);
   // Some toolkits show a window later than they are told to. A progress that came first would lie behind it.
   frame->Bind(wxEVT_SHOW, [this, frame, begun = false](wxShowEvent& event) mutable {

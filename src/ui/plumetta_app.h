@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/application.h"
+#include "app/skin.h"
 #include "ui/system_clipboard.h"
 #include "ui/window_prompter.h"
 
@@ -16,6 +17,8 @@ namespace plumetta {
 // The program: `plumetta [--home DIR] [FILE...]`.
 class PlumettaApp : public wxApp {
  public:
+  Skin skin;  // that all windows wear; `wearSkin` changes it
+
   // Before the toolkit's own start, which a process that looks at plug-ins does without.
   bool Initialize(int& argc, wxChar** argv) override;
   bool OnInit() override;
@@ -30,5 +33,8 @@ class PlumettaApp : public wxApp {
   DesktopClipboard clipboard_;
   std::unique_ptr<Application> application_;
 };
+
+// The one that runs.
+PlumettaApp& editorApp();
 
 }  // namespace plumetta

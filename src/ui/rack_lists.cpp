@@ -38,7 +38,7 @@ PositionList::PositionList(wxWindow* parent, Rack& rack)
 }
 
 void PositionList::adoptTheme() {
-  theme_ = Theme::ofSystem();
+  theme_ = Theme::current();
   SetBackgroundColour(theme_.margin);
   Refresh();
 }

@@ -28,7 +28,7 @@ class PositionList : public wxVListBox {
   void OnDrawItem(wxDC& dc, const wxRect& rect, size_t row) const override;
 
   Rack& rack_;
-  Theme theme_;
+  Theme theme_ = Theme::current();
   int silent_ = 0;  // plug-ins that do not answer, as drawn
 };
 

@@ -3,73 +3,61 @@
 
 #include <wx/settings.h>
 
+#include "ui/plumetta_app.h"
+
 namespace plumetta {
 namespace {
 
-Theme lightTheme() {
-  Theme theme;
-  theme.dark = false;
-  theme.lane = wxColour(0xFF, 0xFF, 0xFF);
-  theme.laneSelected = wxColour(0xD6, 0xE6, 0xFA);
-  theme.margin = wxColour(0xF2, 0xF4, 0xF6);
-  theme.line = wxColour(0xD5, 0xDA, 0xE0);
-  theme.grid = wxColour(0x00, 0x20, 0x40, 0x14);
-  theme.zero = wxColour(0x00, 0x20, 0x40, 0x38);
-  theme.text = wxColour(0x2A, 0x30, 0x38);
-  theme.textQuiet = wxColour(0x5E, 0x68, 0x74);
-  theme.accent = wxColour(0x2B, 0x6C, 0xC4);
-  theme.peak = wxColour(0x8D, 0xB4, 0xE0);
-  theme.rms = wxColour(0x3A, 0x77, 0xC2);
-  theme.peakSelected = wxColour(0x5B, 0x8F, 0xD0);
-  theme.rmsSelected = wxColour(0x16, 0x4C, 0x94);
-  theme.peakOff = wxColour(0xD3, 0xD8, 0xDE);
-  theme.rmsOff = wxColour(0xB4, 0xBC, 0xC6);
-  theme.clip = wxColour(0xD9, 0x3A, 0x34);
-  theme.cursor = wxColour(0x16, 0x1A, 0x20);
-  theme.playCursor = wxColour(0xD0, 0x1C, 0x6E);
-  theme.marker = wxColour(0xC9, 0x6A, 0x0A);
-  theme.markerText = wxColour(0xFF, 0xFF, 0xFF);
-  theme.loop = wxColour(0x1C, 0x8A, 0x68);
-  theme.envelope = wxColour(0x8A, 0x3F, 0xC6);
-  theme.curves = {wxColour(0x2B, 0x6C, 0xC4), wxColour(0xC8, 0x5A, 0x0A), wxColour(0x1C, 0x8A, 0x68),
-                  wxColour(0x8A, 0x3F, 0xC6), wxColour(0xC2, 0x2E, 0x5E), wxColour(0x8A, 0x74, 0x0A),
-                  wxColour(0x1A, 0x8A, 0xA8), wxColour(0x5E, 0x68, 0x74)};
-  return theme;
-}
-
-Theme darkTheme() {
-  Theme theme;
-  theme.dark = true;
-  theme.lane = wxColour(0x16, 0x19, 0x1D);
-  theme.laneSelected = wxColour(0x24, 0x3B, 0x58);
-  theme.margin = wxColour(0x20, 0x24, 0x29);
-  theme.line = wxColour(0x3A, 0x40, 0x48);
-  theme.grid = wxColour(0xD0, 0xE0, 0xFF, 0x14);
-  theme.zero = wxColour(0xD0, 0xE0, 0xFF, 0x38);
-  theme.text = wxColour(0xE2, 0xE6, 0xEB);
-  theme.textQuiet = wxColour(0x9C, 0xA5, 0xB0);
-  theme.accent = wxColour(0x63, 0xA4, 0xF2);
-  theme.peak = wxColour(0x3C, 0x68, 0x98);
-  theme.rms = wxColour(0x6C, 0xA8, 0xEC);
-  theme.peakSelected = wxColour(0x5F, 0x98, 0xD8);
-  theme.rmsSelected = wxColour(0xC4, 0xDF, 0xFF);
-  theme.peakOff = wxColour(0x33, 0x39, 0x40);
-  theme.rmsOff = wxColour(0x4B, 0x53, 0x5C);
-  theme.clip = wxColour(0xFF, 0x5C, 0x54);
-  theme.cursor = wxColour(0xF4, 0xF6, 0xF8);
-  theme.playCursor = wxColour(0xFF, 0x6F, 0xAE);
-  theme.marker = wxColour(0xF2, 0xA6, 0x3C);
-  theme.markerText = wxColour(0x1C, 0x14, 0x04);
-  theme.loop = wxColour(0x46, 0xC4, 0x9A);
-  theme.envelope = wxColour(0xC7, 0x92, 0xFF);
-  theme.curves = {wxColour(0x63, 0xA4, 0xF2), wxColour(0xF2, 0x9A, 0x4C), wxColour(0x46, 0xC4, 0x9A),
-                  wxColour(0xC7, 0x92, 0xFF), wxColour(0xFF, 0x7C, 0xA0), wxColour(0xD8, 0xC0, 0x50),
-                  wxColour(0x54, 0xC8, 0xE4), wxColour(0x9C, 0xA5, 0xB0)};
-  return theme;
-}
+wxColour tinted(const Palette& palette, Tint tint) { return toWx(palette[tint], tintRow(tint).opacity); }
 
 }  // namespace
 
-Theme Theme::ofSystem() { return wxSystemSettings::GetAppearance().IsDark() ? darkTheme() : lightTheme(); }
+Theme::Theme(const Palette& palette)
+    : dark(palette.dark()),
+      lane(tinted(palette, Tint::lane)),
+      laneSelected(tinted(palette, Tint::laneSelected)),
+      margin(tinted(palette, Tint::margin)),
+      line(tinted(palette, Tint::line)),
+      grid(tinted(palette, Tint::grid)),
+      zero(tinted(palette, Tint::zero)),
+      text(tinted(palette, Tint::text)),
+      textQuiet(tinted(palette, Tint::textQuiet)),
+      accent(tinted(palette, Tint::accent)),
+      peak(tinted(palette, Tint::peak)),
+      rms(tinted(palette, Tint::rms)),
+      peakSelected(tinted(palette, Tint::peakSelected)),
+      rmsSelected(tinted(palette, Tint::rmsSelected)),
+      peakOff(tinted(palette, Tint::peakOff)),
+      rmsOff(tinted(palette, Tint::rmsOff)),
+      clip(tinted(palette, Tint::clip)),
+      cursor(tinted(palette, Tint::cursor)),
+      playCursor(tinted(palette, Tint::playCursor)),
+      marker(tinted(palette, Tint::marker)),
+      markerText(tinted(palette, Tint::markerText)),
+      loop(tinted(palette, Tint::loop)),
+      envelope(tinted(palette, Tint::envelope)) {
+  for (size_t i = 0; i < curves.size(); ++i) {
+    curves[i] = tinted(palette, static_cast<Tint>(static_cast<size_t>(Tint::curve1) + i));
+  }
+}
+
+Theme Theme::current() { return Theme(Palette(wornSkin(), systemIsDark())); }
+
+bool systemIsDark() { return wxSystemSettings::GetAppearance().IsDark(); }
+
+wxColour toWx(Rgb colour, uint8_t opacity) { return {colour.red, colour.green, colour.blue, opacity}; }
+
+Rgb rgbOf(const wxColour& colour) { return {colour.Red(), colour.Green(), colour.Blue()}; }
+
+const Skin& wornSkin() { return editorApp().skin; }
+
+void wearSkin(const Skin& skin) {
+  editorApp().skin = skin;
+  for (wxWindow* window : wxTopLevelWindows) {
+    wxSysColourChangedEvent event;
+    event.SetEventObject(window);
+    window->HandleWindowEvent(event);
+  }
+}
 
 }  // namespace plumetta

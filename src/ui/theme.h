@@ -5,10 +5,14 @@
 
 #include <array>
 
+#include "app/skin.h"
+
 namespace plumetta {
 
 // The colours of the editor's own views.
 struct Theme {
+  explicit Theme(const Palette& palette);
+
   bool dark;
 
   wxColour lane;          // behind the waveform
@@ -34,8 +38,19 @@ struct Theme {
 
   std::array<wxColour, 8> curves;  // of the channels in a plot; a ninth has the first one's
 
-  // What suits the system's appearance at this moment.
-  static Theme ofSystem();
+  // The skin that is worn, with what suits the system's appearance at this moment where it leaves colours
+  // open.
+  static Theme current();
 };
+
+// Whether the system's appearance is a dark one.
+bool systemIsDark();
+wxColour toWx(Rgb colour, uint8_t opacity = 0xFF);
+Rgb rgbOf(const wxColour& colour);
+
+// The skin that the whole program wears. Wearing another one tells every window, as if the system's colours
+// had changed.
+const Skin& wornSkin();
+void wearSkin(const Skin& skin);
 
 }  // namespace plumetta

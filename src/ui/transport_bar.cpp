@@ -74,9 +74,8 @@ TransportBar::TransportBar(wxWindow* parent, const ActionMenus& menus, std::atom
       continue;
     }
     const Action& action = menus.action(id);
-    const std::string hint = plainText(action) + (action.key.empty() ? "" : " (" + action.key + ")");
     AddTool(menus.numberOf(id), toWx(plainText(action)), icon(id, colour), wxNullBitmap,
-            action.checked ? wxITEM_CHECK : wxITEM_NORMAL, toWx(hint), toWx(action.help));
+            action.checked ? wxITEM_CHECK : wxITEM_NORMAL, toolHint(action), toWx(action.help));
   }
   AddSeparator();
   AddControl(new wxStaticText(this, wxID_ANY, "Volume "));
@@ -94,7 +93,13 @@ void TransportBar::showIcons() {
   for (const std::string id : kButtons) {
     if (!id.empty()) SetToolNormalBitmap(menus_.numberOf(id), icon(id, colour));
   }
-  if (marked_) SetToolNormalBitmap(menus_.numberOf("record"), icon("record", Theme::ofSystem().clip));
+  if (marked_) SetToolNormalBitmap(menus_.numberOf("record"), icon("record", Theme::current().clip));
+}
+
+void TransportBar::showKeys() {
+  for (const std::string id : kButtons) {
+    if (!id.empty()) SetToolShortHelp(menus_.numberOf(id), toolHint(menus_.action(id)));
+  }
 }
 
 void TransportBar::follow(bool marked) {

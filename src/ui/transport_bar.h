@@ -35,6 +35,8 @@ class TransportBar : public wxToolBar {
   // Brings the buttons into step with their actions, and the slider with the volume. Cheap when nothing has
   // changed. `marked` is the record button lit up.
   void follow(bool marked);
+  // The keys of actions have changed.
+  void showKeys();
 
  private:
   void showIcons();

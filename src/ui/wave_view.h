@@ -40,7 +40,7 @@ class WaveView {
 
   CPlumettaDoc& doc;
   DisplaySettings& settings;  // of all documents together
-  Theme theme = Theme::ofSystem();
+  Theme theme = Theme::current();
   DragPreview preview;
   std::optional<double> playFrame;         // what is heard; nothing while this document isn't played
   std::function<void()> onRefresh;         // everything shall be drawn again

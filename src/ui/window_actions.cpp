@@ -13,7 +13,6 @@
 #include "ui/main_frame.h"
 #include "ui/midi_configuration_dialog.h"
 #include "ui/preferences_dialog.h"
-#include "ui/shortcuts_dialog.h"
 #include "ui/statistics_dialog.h"
 #include "ui/text.h"
 #include "ui/toolbar_icons.h"
@@ -222,13 +221,16 @@ MenuPlan MainFrame::viewMenu() {
   history.checked = [this] { return historyWanted_; };
   Action displays{"displays", "&Displays", "", "What can be seen of the sound while it plays", nullptr};
   displays.actions = displays_->actions();
+  Action skin{"skin", "S&kin", "", "The colours of the waveform and of what stands around it", nullptr};
+  skin.entries = [this] { return skins_.entries(); };
   return {
       "&View",
       {viewAction("zoom-in", "Zoom &in", "Ctrl++", "Show less of the file, larger", &Panel::zoomIn),
        viewAction("zoom-out", "Zoom &out", "Ctrl+-", "Show more of the file", &Panel::zoomOut),
        viewAction("zoom-selection", "Zoom to s&election", "Ctrl+E", "Fill the window with the selection",
                   &Panel::zoomToSelection),
-       viewAction("zoom-all", "Zoom &all", "Ctrl+0", "Show the whole file", &Panel::zoomAll), kSeparator,
+       viewAction("zoom-all", "Zoom &all", "Ctrl+0", "Show the whole file", &Panel::zoomAll),
+       kSeparator,
        viewAction("zoom-vertical-in", "Zoom in &vertically", "Ctrl+Up", "Show quiet passages larger",
                   &Panel::zoomVerticalIn),
        viewAction("zoom-vertical-out", "Zoom out ve&rtically", "Ctrl+Down", "Show the waveform smaller",
@@ -244,7 +246,13 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc&) { showSonogram(); }),
        documentAction("spectrum-3d", "&3D spectrum…", "Ctrl+F9", "Spectra along time as a landscape",
                       [this](CPlumettaDoc&) { show3DSpectrum(); }),
-       kSeparator, history, displays, toolbar, transport, status}};
+       kSeparator,
+       history,
+       displays,
+       skin,
+       toolbar,
+       transport,
+       status}};
 }
 
 MenuPlan MainFrame::markerMenu() {
@@ -333,7 +341,8 @@ std::vector<Action> MainFrame::documentActions() {
 
 MenuPlan MainFrame::helpMenu() {
   return {"&Help",
-          {{"shortcuts", "&Keyboard shortcuts", "F1", "", [this] { showShortcuts(this, menus_.plan()); }},
+          {{"shortcuts", "&Keyboard shortcuts…", "F1", "The keys of all actions, and other ones for them",
+            [this] { editShortcuts(); }},
            {"update-check", "Check for &updates…", "", "Ask the update server for the newest version",
             [this] { updates_.ask(); }, [this] { return !updates_.asking(); }},
            {"about", "&About Plumetta", "", "", [this] { showAbout(); }}}};

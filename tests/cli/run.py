@@ -52,6 +52,31 @@ class Cli(unittest.TestCase):
         with open(os.path.join(self.path, name), "rb") as file:
             return file.read()
 
+    def test_skins_and_keys(self):
+        self.write("good.skin", "[Colors]\nLane=#101010\n")
+        out = self.call("skin", "good.skin")
+        self.assertIn("Lane\t#101010\tgiven\t", out)
+        self.assertIn("Cursor\t#F4F6F8\tdefault\t", out)
+        self.write("bad.skin", "[Colors]\nLane=#10\nMargin=#FFFFFF\nText=#FFFFF0\n")
+        self.call("skin", "bad.skin", status=1)
+        self.assertIn('Lane is no colour: "#10".', self.err)
+        self.assertIn("Text can hardly be read on Margin", self.err)
+        self.call("skin", "a.wav", status=1)
+        self.call("skin", "missing.skin", status=3)
+        self.assertIn("trim\tTrim crop\tCtrl+T\tCtrl+T\n", self.call("keys"))
+        self.call("keys", "set", "trim", "ctrl+c", status=1)
+        self.assertIn('Ctrl+C belongs to "Copy"', self.err)
+        self.call("keys", "set", "trim", "ctrl+c", options=("--yes",))
+        keys = self.call("keys")
+        self.assertIn("trim\tTrim crop\tCtrl+T\tCtrl+C\n", keys)
+        self.assertIn("copy\tCopy\tCtrl+C\t\n", keys)
+        self.call("keys", "set", "trim", "Esc", status=1)
+        self.call("keys", "set", "no-such", "F2", status=2)
+        self.call("keys", "reset", "copy", options=("--yes",))
+        self.assertIn("trim\tTrim crop\tCtrl+T\t\n", self.call("keys"))
+        self.call("keys", "reset")
+        self.assertIn("trim\tTrim crop\tCtrl+T\tCtrl+T\n", self.call("keys"))
+
     def test_opened_and_saved_again_keeps_every_byte_of_the_samples(self):
         self.edit("open a.wav save b.wav open b.wav save c.wav")
         original = self.read("a.wav")

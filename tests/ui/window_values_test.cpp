@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the window computes without a display: numbers as people type them, filters, the list of recent files.
 #include <gtest/gtest.h>
+#include <wx/accel.h>
 
+#include "app/key_press.h"
 #include "platform/file_system.h"
 #include "platform/private_profile.h"
 #include "support/recording_prompter.h"
@@ -11,10 +13,28 @@
 #include "ui/number_text.h"
 #include "ui/recent_files.h"
 #include "ui/statistics_dialog.h"
+#include "ui/text.h"
 #include "ui/transport_bar.h"
 
 namespace plumetta {
 namespace {
+
+// What the toolkit knows of every key that a file may name.
+TEST(Keys, ToolkitKnowsThemAllAndCallsThemTheSame) {
+  std::vector<std::string> names{"Ctrl++", "Ctrl+Shift+T", "Alt+,", "F1", "F24", "Space", "KP_9", "\""};
+  for (const char* name :
+       {"Esc",    "Tab",         "Enter",       "Back",      "Delete",     "Insert",   "Home",
+        "End",    "PageUp",      "PageDown",    "Left",      "Right",      "Up",       "Down",
+        "KP_Add", "KP_Subtract", "KP_Multiply", "KP_Divide", "KP_Decimal", "KP_Enter", "KP_0"}) {
+    names.emplace_back(name);
+  }
+  for (const std::string& name : names) {
+    wxAcceleratorEntry entry;
+    ASSERT_TRUE(entry.FromString(toWx(name))) << name;
+    const auto press = parseKeyPress(fromWx(entry.ToRawString()));
+    EXPECT_EQ(press ? keyPressText(*press) : "none", name) << entry.ToRawString();
+  }
+}
 
 TEST(NumberText, TakesWhatPeopleTypeAndRefusesTheRest) {
   const struct {
