@@ -16,17 +16,16 @@ std::string crashText(const std::vector<std::string>& plugins) {
   return text + "\nFrom now on it is loaded only after a question.";
 }
 
-// Each opens a question, the first one with what has not been told yet.
-std::string opening(std::string& untold) {
-  const std::string text = std::exchange(untold, {});
+// The first question begins with why there is one.
+std::string opening(std::string& reason) {
+  const std::string text = std::exchange(reason, {});
   return text.empty() ? text : text + "\n\n";
 }
 
-std::vector<CPlumettaDoc*> offerCopies(Application& app, std::string& untold) {
+std::vector<CPlumettaDoc*> offerCopies(Application& app, std::string& reason) {
   std::vector<LeftCopy> copies = app.recoveryFiles().leftCopies();
   if (copies.empty()) return {};
-  if (untold.empty()) untold = "The program did not end in good order.";
-  std::string text = opening(untold) + "There are copies of files with changes that were not saved:";
+  std::string text = opening(reason) + "There are copies of files with changes that were not saved:";
   for (const LeftCopy& copy : copies) text += "\n" + copy.info.title;
   text += "\nDo you want to open them? Otherwise they stay in " + app.homeFolder();
   const bool wanted = app.prompter().question(text);
@@ -41,14 +40,14 @@ std::vector<CPlumettaDoc*> offerCopies(Application& app, std::string& untold) {
   return documents;
 }
 
-void offerChain(Application& app, std::string& untold) {
+void offerChain(Application& app, std::string& reason) {
   ChainCopy& copy = app.chainCopy();
   std::optional<LeftChain> left = copy.left();
   if (!left) return;
   const size_t gone =
       std::erase_if(left->chain, [&](const ChainPlugin& plugin) { return hasCrashed(app, plugin.path); });
   if (left->chain.empty()) return copy.discard(*left);
-  std::string text = opening(untold) + "The VST rack held";
+  std::string text = opening(reason) + "The VST rack held";
   if (gone > 0) text += ", beside what has crashed";
   text += ":";
   for (const ChainPlugin& plugin : left->chain) text += "\n" + fileNameOf(plugin.path);
@@ -62,10 +61,11 @@ void offerChain(Application& app, std::string& untold) {
 }  // namespace
 
 std::vector<CPlumettaDoc*> offerRecovery(Application& app) {
-  std::string untold = crashText(noteCrashes(app));
-  std::vector<CPlumettaDoc*> documents = offerCopies(app, untold);
-  offerChain(app, untold);
-  if (!untold.empty()) app.prompter().message(untold);
+  const std::string crashed = crashText(noteCrashes(app));
+  std::string reason = crashed.empty() ? "The program did not end in good order." : crashed;
+  std::vector<CPlumettaDoc*> documents = offerCopies(app, reason);
+  offerChain(app, reason);
+  if (!crashed.empty() && !reason.empty()) app.prompter().message(crashed);
   return documents;
 }
 

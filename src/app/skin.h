@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "doc/picture.h"
+#include "doc/rgb.h"
 #include "platform/file_system.h"
 
 namespace plumetta {

@@ -34,6 +34,7 @@ int runFormats(const CallOptions& options, WordReader words);
 int runInfo(const CallOptions& options, WordReader words);
 int runSkin(const CallOptions& options, WordReader words);
 int runSonogram(const CallOptions& options, WordReader words);
+int runSkin(const CallOptions& options, WordReader words);
 int runSpectrum(const CallOptions& options, WordReader words);
 int runStats(const CallOptions& options, WordReader words);
 int runKeys(const CallOptions& options, WordReader words);

@@ -6,13 +6,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "doc/rgb.h"
+
 namespace plumetta {
-
-struct Rgb {
-  uint8_t red = 0, green = 0, blue = 0;
-
-  bool operator==(const Rgb&) const = default;
-};
 
 // The colours of levels from the lowest to the highest.
 using LevelColours = std::array<Rgb, 256>;

@@ -13,8 +13,8 @@ struct SurfaceCamera {
   SurfaceCamera bounded() const;
 };
 
-// The perspective picture of a box that is 2 wide (x from -1 to 1), 2 × kDepth deep (y to the back) and kHeight
-// high (z from 0), fitted into a window at zoom 1.
+// The perspective picture of a box that is 2 wide (x from -1 to 1), 2 × kDepth deep (y to the back) and
+// kHeight high (z from 0), fitted into a window at zoom 1.
 class SurfaceProjection {
  public:
   static constexpr double kDepth = 0.8;

@@ -35,7 +35,7 @@ Lab labOf(const Rgb& colour) {
           0.0259040371 * l + 0.7827717662 * m - 0.8086757660 * s};
 }
 
-Rgb rgbOf(const Lab& colour) {
+Rgb screenColour(const Lab& colour) {
   const auto cube = [](double x) { return x * x * x; };
   const double l = cube(colour.lightness + 0.3963377774 * colour.a + 0.2158037573 * colour.b);
   const double m = cube(colour.lightness - 0.1055613458 * colour.a - 0.0638541728 * colour.b);
@@ -51,12 +51,12 @@ struct Stop {
 };
 
 // Night blue, violet, rose, amber, pale yellow.
-constexpr Stop kOnDark[] = {{0.22, 0.09, 265}, {0.42, 0.15, 292}, {0.62, 0.19, 355}, {0.80, 0.15, 415},
-                            {1.00, 0.07, 460}};
+constexpr Stop kOnDark[] = {
+    {0.22, 0.09, 265}, {0.42, 0.15, 292}, {0.62, 0.19, 355}, {0.80, 0.15, 415}, {1.00, 0.07, 460}};
 constexpr double kBrightest = 0.97;
 // Sky, the house's blue, violet, plum.
-constexpr Stop kOnLight[] = {{0.22, 0.06, 235}, {0.45, 0.13, 252}, {0.65, 0.16, 280}, {0.82, 0.16, 318},
-                             {1.00, 0.08, 360}};
+constexpr Stop kOnLight[] = {
+    {0.22, 0.06, 235}, {0.45, 0.13, 252}, {0.65, 0.16, 280}, {0.82, 0.16, 318}, {1.00, 0.08, 360}};
 constexpr double kDarkest = 0.20;
 
 Lab colourOf(const Stop& stop, double lightness) {
@@ -82,7 +82,8 @@ LevelColours levelColours(const Theme& theme) {
     const Lab to = colourOf(stops[next], lightness);
     const double begin = next == 0 ? 0.0 : stops[next - 1].at;
     const double share = (at - begin) / (stops[next].at - begin);
-    colours[i] = rgbOf({lightness, from.a + share * (to.a - from.a), from.b + share * (to.b - from.b)});
+    colours[i] =
+        screenColour({lightness, from.a + share * (to.a - from.a), from.b + share * (to.b - from.b)});
   }
   return colours;
 }

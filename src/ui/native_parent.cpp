@@ -16,7 +16,8 @@ namespace plumetta {
 
 void* nativeParent(wxWindow& window) {
 #ifdef __WXGTK__
-  // While the window manager is still to say how wide its borders are, nothing is made of what is in a window.
+  // While the window manager is still to say how wide its borders are, nothing is made of what is in a
+  // window.
   gtk_widget_realize(window.m_wxwindow);
   GdkWindow* const own = window.GTKGetDrawingWindow();
   if (own == nullptr || gdk_window_ensure_native(own) == 0) return nullptr;

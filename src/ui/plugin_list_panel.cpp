@@ -191,6 +191,11 @@ void PluginListPanel::focusFilter() {
 
 void PluginListPanel::selectionChanged() {
   updateButtons();
+  // Which the column cuts off.
+  const PluginRow* row = table_->selectedRow();
+  if (!scan_ && row != nullptr && !row->skipped.empty()) {
+    status_->SetLabel(toWx(fileNameOf(row->plugin.path) + ": " + row->skipped));
+  }
   if (onSelection) onSelection();
 }
 

@@ -66,6 +66,7 @@ void MainFrame::watchCopies() {
 
 void MainFrame::openLeftCopies() {
   for (CPlumettaDoc* document : offerRecovery(app_)) tabs_->add(*document);
+  editors_.titleByName();
   if (!app_.rack().isEmpty()) showRack();
 }
 

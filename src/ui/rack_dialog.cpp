@@ -185,7 +185,8 @@ void CVSTRackDlg::showPosition() {
   programs_->show(selected());
   parameters_->show(selected());
   showParameter();
-  for (wxButton* button : {remove_, mute_, editor_, up_, down_, loadPreset_, savePreset_, loadBank_, saveBank_}) {
+  for (wxButton* button :
+       {remove_, mute_, editor_, up_, down_, loadPreset_, savePreset_, loadBank_, saveBank_}) {
     button->Enable(occupied);
   }
   if (selected() == 0) up_->Disable();

@@ -15,15 +15,13 @@ namespace {
 
 constexpr double kDepth = SurfaceProjection::kDepth;
 constexpr double kHeight = SurfaceProjection::kHeight;
-constexpr int kMargin = 40;          // for the labels
-constexpr int kLabelReach = 12;      // from an edge to the middle of its labels
+constexpr int kMargin = 40;      // for the labels
+constexpr int kLabelReach = 12;  // from an edge to the middle of its labels
 constexpr double kRadiansPerPixel = 0.008;
 constexpr double kZoomPerNotch = 1.15;
 constexpr int kLineEvery = 4;
 constexpr int kFrequencyDistance = 44;
 constexpr double kDbStep = 30.0;
-
-Rgb rgbOf(const wxColour& colour) { return {colour.Red(), colour.Green(), colour.Blue()}; }
 
 wxImage imageOf(const Picture& picture) {
   wxImage image(picture.width, picture.height, false);
@@ -38,7 +36,8 @@ wxImage imageOf(const Picture& picture) {
 
 }  // namespace
 
-SurfaceView::SurfaceView(wxWindow* parent) : LiveView(parent, "3D spectrum"), colours_(levelColours(theme())) {
+SurfaceView::SurfaceView(wxWindow* parent)
+    : LiveView(parent, "3D spectrum"), colours_(levelColours(theme())) {
   Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent& event) {
     dragFrom_ = event.GetPosition();
     dragCamera_ = camera_;

@@ -13,16 +13,16 @@
 
 namespace plumetta {
 
-// Successive spectra as a landscape: frequency to the right, time to the front, levels as heights and colours.
-// Dragging turns and tilts it, the wheel brings it nearer, a double click shows it as at first. While it is
-// turned it is painted coarser.
+// Successive spectra as a landscape: frequency to the right, time to the front, levels as heights and
+// colours. Dragging turns and tilts it, the wheel brings it nearer, a double click shows it as at first.
+// While it is turned it is painted coarser.
 class SurfaceView : public LiveView {
  public:
   // What the heights stand for.
   struct Scale {
     FrequencyAxis frequencies;
-    int depthDb = 90;                         // from height 0 to 1
-    std::vector<wxString> times;              // evenly from the first spectrum to the last
+    int depthDb = 90;             // from height 0 to 1
+    std::vector<wxString> times;  // evenly from the first spectrum to the last
     bool operator==(const Scale&) const = default;
   };
 

@@ -6,4 +6,13 @@ set -eu
 
 command -v xvfb-run >/dev/null || { echo "skipped: no xvfb-run"; exit 77; }
 export GDK_BACKEND=x11 NO_AT_BRIDGE=1
-exec xvfb-run -a -s "-screen 0 1200x800x24 -nolisten tcp" "$@"
+# A Wine folder of its own too: one whose background processes were started elsewhere belongs to another display.
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+export PLUMETTA_WINEPREFIX=$root/build/windows/wine-display
+unset PLUMETTA_WINE_STARTED
+stop_wine() {
+  [[ ! -d $PLUMETTA_WINEPREFIX ]] ||
+    WINEPREFIX=$PLUMETTA_WINEPREFIX "$(command -v wineserver || echo /usr/lib/wine/wineserver)" -k || true
+}
+trap stop_wine EXIT
+xvfb-run -a -s "-screen 0 1200x800x24 -nolisten tcp" "$@"
