@@ -29,7 +29,8 @@ constexpr CliCommand kCommands[] = {
      "saves an averaged spectrum (N 4096, KIND Hanning unless told otherwise), or prints a saved one as JSON",
      runSpectrum},
     {"sonogram", "sonogram FILE [--select FROM TO] [--size N] [--hop N] [--window KIND] --out FILE.csv",
-     "saves the spectra along time (size 2048, hop half of it, KIND Hanning unless told otherwise): a line each "
+     "saves the spectra along time (size 2048, hop half of it, KIND Hanning unless told otherwise): a line "
+     "each "
      "with its middle frame, its channel and the amplitude at each frequency",
      runSonogram},
     {"window", "window KIND N", "the N coefficients of a window; KIND is its index or its name", runWindow},

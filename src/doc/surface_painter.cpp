@@ -12,7 +12,7 @@ using Point = SurfaceProjection::Point;
 
 constexpr double kDepth = SurfaceProjection::kDepth;
 constexpr double kHeight = SurfaceProjection::kHeight;
-constexpr float kWallLight = 0.62f;
+constexpr float kWallLight = 0.7f;
 constexpr float kLineLight = 0.72f;
 // How strongly slopes are lit: light on level ground, and what the slopes add to it.
 constexpr double kLevelLight = 0.94, kSlopeLight = 0.11;
@@ -43,8 +43,8 @@ SurfacePainter::SurfacePainter(const HeightField& field, const SurfaceProjection
   for (int s = 0; s < field.spectra; ++s) {
     for (int p = 0; p < field.places; ++p) {
       const Point at = projection.at(xOf(p), yOf(s), field.at(s, p) * kHeight);
-      vertices_.push_back({static_cast<float>(at.x), static_cast<float>(at.y), 255.0f * field.at(s, p),
-                           lightAt(s, p)});
+      vertices_.push_back(
+          {static_cast<float>(at.x), static_cast<float>(at.y), 255.0f * field.at(s, p), lightAt(s, p)});
     }
   }
 }
@@ -61,8 +61,8 @@ std::vector<int> SurfacePainter::cellOrder(int cells, double eyeCell) const {
 float SurfacePainter::lightAt(int spectrum, int place) const {
   const int before = std::max(place - 1, 0), behind = std::min(place + 1, field_.places - 1);
   const int earlier = std::max(spectrum - 1, 0), later = std::min(spectrum + 1, field_.spectra - 1);
-  const double across = (field_.at(spectrum, behind) - field_.at(spectrum, before)) * kHeight /
-                        (xOf(behind) - xOf(before));
+  const double across =
+      (field_.at(spectrum, behind) - field_.at(spectrum, before)) * kHeight / (xOf(behind) - xOf(before));
   const double along =
       (field_.at(later, place) - field_.at(earlier, place)) * kHeight / (yOf(earlier) - yOf(later));
   const double length = std::sqrt(1.0 + across * across + along * along);
@@ -111,7 +111,9 @@ void SurfacePainter::paintSurface(Picture& picture, const LevelColours& colours,
 // Between the floor and the surface's rim.
 void SurfacePainter::paintWall(Picture& picture, const LevelColours& colours, int spectrum, int place,
                                int spectrumStep, int placeStep) const {
-  const auto end = [&] { return spectrum + spectrumStep >= field_.spectra || place + placeStep >= field_.places; };
+  const auto end = [&] {
+    return spectrum + spectrumStep >= field_.spectra || place + placeStep >= field_.places;
+  };
   for (; !end(); spectrum += spectrumStep, place += placeStep) {
     Vertex rim[2], foot[2];
     for (int i = 0; i < 2; ++i) {
@@ -160,8 +162,7 @@ void SurfacePainter::fillTriangle(Picture& picture, const LevelColours& colours,
     for (int x = firstInside(std::min(oneEdge, otherEdge), picture.width); x < end; ++x) {
       const float dx = static_cast<float>(x) + 0.5f - v[0]->x, dy = middle - v[0]->y;
       const float level = std::clamp(v[0]->level + dx * levelX + dy * levelY, lowest, highest);
-      picture.at(x, y) =
-          lit(colours[static_cast<size_t>(level)], v[0]->light + dx * lightX + dy * lightY);
+      picture.at(x, y) = lit(colours[static_cast<size_t>(level)], v[0]->light + dx * lightX + dy * lightY);
     }
   }
 }

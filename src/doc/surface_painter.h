@@ -28,8 +28,8 @@ class SurfacePainter {
 
   // The back and side planes with lines at `levels` even steps of height.
   void paintFrame(Picture& picture, Rgb line, int levels) const;
-  // The surface coloured by height and lit from the left, with a thin line along every `lineEvery`-th spectrum
-  // (0 for none), and the cut at the sides that face the eye.
+  // The surface coloured by height and lit from the left, with a thin line along every `lineEvery`-th
+  // spectrum (0 for none), and the cut at the sides that face the eye.
   void paintSurface(Picture& picture, const LevelColours& colours, int lineEvery) const;
 
   struct Spot {
@@ -60,7 +60,8 @@ class SurfacePainter {
                  int placeStep) const;
   static void fillTriangle(Picture& picture, const LevelColours& colours, const Vertex& a, const Vertex& b,
                            const Vertex& c);
-  static void drawLine(Picture& picture, SurfaceProjection::Point from, SurfaceProjection::Point to, Rgb colour);
+  static void drawLine(Picture& picture, SurfaceProjection::Point from, SurfaceProjection::Point to,
+                       Rgb colour);
 
   const HeightField& field_;
   const SurfaceProjection& projection_;

@@ -13,8 +13,8 @@ struct SurfaceCamera {
   SurfaceCamera bounded() const;
 };
 
-// The perspective picture of a box that is 2 wide (x from -1 to 1), 2 × kDepth deep (y to the back) and kHeight
-// high (z from 0), fitted into a window at zoom 1.
+// The perspective picture of a box that is 2 wide (x from -1 to 1), 2 × kDepth deep (y to the back) and
+// kHeight high (z from 0), fitted into a window at zoom 1.
 class SurfaceProjection {
  public:
   static constexpr double kDepth = 0.8;
@@ -24,8 +24,9 @@ class SurfaceProjection {
     double x, y;  // pixels, downwards
   };
 
-  // `margin`: pixels that stay free on every side.
-  SurfaceProjection(const SurfaceCamera& camera, double width, double height, double margin);
+  // In pixels; the margins stay free on either side, and above and below.
+  SurfaceProjection(const SurfaceCamera& camera, double width, double height, double sideMargin,
+                    double upperMargin);
 
   Point at(double x, double y, double z) const;
   // Over which point of the floor the eye stands, outside of the box.

@@ -15,9 +15,9 @@ namespace plumetta {
 struct SonogramPlan {
   double firstFrame = 0.0;  // where the first column begins; may lie outside of the buffer
   double framesPerColumn = 1.0;
-  int columns = 1;          // at least 1
-  // Blocks a column, evenly spread in it, whose power is averaged. Columns shorter than a block have their one
-  // block about their middle, so that neighbours overlap.
+  int columns = 1;  // at least 1
+  // Blocks a column, evenly spread in it, whose power is averaged. Columns shorter than a block have their
+  // one block about their middle, so that neighbours overlap.
   int blocksPerColumn = 1;
   SpectrumSettings spectrum;
   std::vector<int> channels;  // those to look at, at least one
@@ -52,7 +52,9 @@ class Sonogram {
 
  private:
   // An item is one block of one channel, `pass` counts the blocks of a column.
-  int64_t itemsPerPass() const { return int64_t{plan_.columns} * static_cast<int64_t>(plan_.channels.size()); }
+  int64_t itemsPerPass() const {
+    return int64_t{plan_.columns} * static_cast<int64_t>(plan_.channels.size());
+  }
   int64_t items() const { return itemsPerPass() * plan_.blocksPerColumn; }
   int columnOf(int64_t item) const {
     return static_cast<int>(item % itemsPerPass() / static_cast<int64_t>(plan_.channels.size()));

@@ -44,8 +44,8 @@ class StripSpectra {
 
   Bench makeBench() const;
   size_t lines() const { return transform_.size() / 2 + 1; }
-  // Adds the powers of at most kStrips blocks to those in the bench. Frames outside of `inside`, which lies in
-  // the buffer, count as silence; an empty buffer is all silence.
+  // Adds the powers of at most kStrips blocks to those in the bench. Frames outside of `inside`, which lies
+  // in the buffer, count as silence; an empty buffer is all silence.
   void addPowers(const CWave& wave, FrameRange inside, std::span<const Strip> strips, Bench& bench) const;
   static size_t powerAt(size_t line, int strip) {
     return line * kStrips + static_cast<size_t>(strip % 2) * LaneTransform::kLanes +

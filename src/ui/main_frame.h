@@ -146,11 +146,11 @@ class MainFrame : public wxFrame {
   wxTimer copyTimer_;
   wxStopWatch sinceRefresh_;
   TransportBar* transportBar_ = nullptr;  // once the menus are built
-  CSpectrumDlg* spectrum_ = nullptr;  // made when it is first asked for
-  CSonogramDlg* sonogram_ = nullptr;  // likewise
+  CSpectrumDlg* spectrum_ = nullptr;      // made when it is first asked for
+  CSonogramDlg* sonogram_ = nullptr;      // likewise
   C3DSpectrumDlg* surface_ = nullptr;
   std::vector<AnalysisDlg*> analyses_;
-  CVSTRackDlg* rackWindow_ = nullptr;     // likewise
+  CVSTRackDlg* rackWindow_ = nullptr;  // likewise
 };
 
 }  // namespace plumetta

@@ -36,7 +36,8 @@ CSonogramDlg::CSonogramDlg(wxWindow* parent, DocumentTabs& tabs, WindowProfile& 
       state_(new wxStaticText(this, wxID_ANY, " ")) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   auto* top = new wxBoxSizer(wxHORIZONTAL);
-  top->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual, kUsualDepthDb), 0, wxALIGN_CENTRE_VERTICAL);
+  top->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual, kUsualDepthDb), 0,
+           wxALIGN_CENTRE_VERTICAL);
   top->AddSpacer(FromDIP(2 * kGap));
   wxArrayString planes;
   planes.Add("One by one");
@@ -81,6 +82,7 @@ bool CSonogramDlg::Show(bool show) {
     view_->setSonogram(nullptr);
     shown_.reset();
     coming_.reset();
+    computing_ = false;
     subject_ = {};
   }
   return AnalysisDlg::Show(show);
@@ -161,9 +163,11 @@ void CSonogramDlg::showScene(DocumentPanel* front) {
   if (front != nullptr) {
     const CPlumettaDoc& doc = front->document();
     const ViewState& view = doc.view();
-    scene = {subject_.first,    subject_.length,   doc.wave().frames(), std::max(doc.wave().sampleRate(), 1u),
-             front->timeFormat(), view.cursor,     view.lowerBound(),   view.upperBound(),
-             front->playFrame(), {}};
+    scene = {subject_.first,      subject_.length,
+             doc.wave().frames(), std::max(doc.wave().sampleRate(), 1u),
+             front->timeFormat(), view.cursor,
+             view.lowerBound(),   view.upperBound(),
+             front->playFrame(),  {}};
     channels_ = doc.wave().channels();
   }
   if (shown_ && channels_ > 1 && !shown_->plan().together) {
@@ -195,8 +199,8 @@ void CSonogramDlg::showReadout() {
   for (int plane = 0; plane < plan.planes() && column >= 0 && column < plan.columns; ++plane) {
     const int channel = plan.channels[static_cast<size_t>(plane)];
     const wxString name = plan.together ? wxString("Level") : channelLabel(channel, channels_);
-    text += "    " + name + " " +
-            dbText(spectrumDb(shown_->amplitude(plane, static_cast<int>(column), nearest)));
+    text +=
+        "    " + name + " " + dbText(spectrumDb(shown_->amplitude(plane, static_cast<int>(column), nearest)));
   }
   readout_->SetLabel(text);
 }

@@ -29,8 +29,7 @@ constexpr double kFar = 1e5;
 
 }  // namespace
 
-SonogramView::SonogramView(wxWindow* parent)
-    : LiveView(parent, "Sonogram"), colours_(levelColours(theme())) {
+SonogramView::SonogramView(wxWindow* parent) : LiveView(parent, "Sonogram"), colours_(levelColours(theme())) {
   Bind(wxEVT_LEFT_DOWN, &SonogramView::onLeftDown, this);
   Bind(wxEVT_LEFT_DCLICK, [this](wxMouseEvent& event) {
     if (event.GetX() >= area().x) return onLeftDown(event);

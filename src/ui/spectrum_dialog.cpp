@@ -41,7 +41,8 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
       state_(new wxStaticText(this, wxID_ANY, " ")) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   auto* top = new wxBoxSizer(wxHORIZONTAL);
-  top->Add(makeSpectrumControls(kSmallestSpectrum, kLargestSpectrum, {}, kUsualDepthDb), 1, wxALIGN_CENTRE_VERTICAL);
+  top->Add(makeSpectrumControls(kSmallestSpectrum, kLargestSpectrum, {}, kUsualDepthDb), 1,
+           wxALIGN_CENTRE_VERTICAL);
   top->Add(makeFileButtons(), 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(2 * kGap));
   all->Add(top, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   makePeakList();

@@ -29,7 +29,8 @@ TEST(FrequencyRows, KeepTheLoudestLineAndInterpolateBetweenLines) {
   };
   for (const auto& [axis, expected] : cases) {
     const auto db = rowsOf(axis, static_cast<int>(expected.size()));
-    for (size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(db[i], expected[i], 1e-3) << axis.lowHz << " " << i;
+    for (size_t i = 0; i < expected.size(); ++i)
+      EXPECT_NEAR(db[i], expected[i], 1e-3) << axis.lowHz << " " << i;
   }
 }
 

@@ -29,7 +29,8 @@ TEST(Sonogram, EachColumnShowsWhatSoundsInIt) {
   fill(wave, 6, 4 * kSize);
   for (int kind = 0; kind < kWindowKinds; ++kind) {
     for (const bool together : {false, true}) {
-      const SonogramPlan plan{0.0, 4.0 * kSize, 6, 4, {kSize, static_cast<WindowKind>(kind)}, {0, 1}, together};
+      const SonogramPlan plan{0.0,    4.0 * kSize, 6, 4, {kSize, static_cast<WindowKind>(kind)},
+                              {0, 1}, together};
       Sonogram sonogram(wave, plan);
       while (sonogram.advance(wave)) {
       }
@@ -39,7 +40,8 @@ TEST(Sonogram, EachColumnShowsWhatSoundsInIt) {
         // Together is the mean of 1 and a quarter.
         EXPECT_NEAR(sonogram.amplitude(0, column, line), together ? std::sqrt(0.625) : 1.0, 1e-3) << kind;
         EXPECT_LT(sonogram.amplitude(0, column, line + 40), 1e-3) << windowName(kind);
-        EXPECT_NEAR(sonogram.amplitude(plan.planes() - 1, column, line), together ? std::sqrt(0.625) : 0.5, 1e-3);
+        EXPECT_NEAR(sonogram.amplitude(plan.planes() - 1, column, line), together ? std::sqrt(0.625) : 0.5,
+                    1e-3);
       }
     }
   }
