@@ -170,7 +170,7 @@ void C3DSpectrumDlg::showScale() {
     const uint32_t rate = std::max(subject_.samples.sampleRate, 1u);
     const TickSpacing ticks = ticksIn(timeFormat_, subject_.length, rate, 1.0 / kTimeLabels);
     const double end = subject_.first + subject_.length;
-    for (double frame = std::ceil(subject_.first / ticks.major) * ticks.major; frame <= end;
+    for (double frame = std::ceil(std::max(subject_.first, 0.0) / ticks.major) * ticks.major; frame <= end;
          frame += ticks.major) {
       const std::string text = positionIn(timeFormat_, frame, rate, ticks.timeDecimals);
       scale.times.push_back({(frame - subject_.first) / subject_.length, toWx(text)});

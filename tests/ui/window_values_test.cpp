@@ -56,7 +56,7 @@ TEST(FileFilters, AreReadOffTheFormats) {
 
 TEST(LevelColours, DifferByEvenStepsOfLightnessFromTheGround) {
   for (const bool dark : {false, true}) {
-    Theme theme = Theme::ofSystem();
+    Theme theme{};
     theme.dark = dark;
     theme.lane = dark ? wxColour(0x16, 0x19, 0x1D) : wxColour(0xFF, 0xFF, 0xFF);
     const LevelColours colours = levelColours(theme);
