@@ -199,7 +199,7 @@ void C3DSpectrumDlg::showReadout(std::optional<SurfacePainter::Spot> spot) {
 
 void C3DSpectrumDlg::showState() {
   wxString text = " ";
-  if (computing_) {
+  if (computing_ && subject_.part != Subject::kPlayed) {
     text = wxString::Format("%.0f %%", 100 * spectra_->fractionDone());
   } else if (spectra_) {
     const double seconds = subject_.length / std::max(subject_.samples.sampleRate, 1u);
