@@ -12,7 +12,7 @@ using Point = SurfaceProjection::Point;
 
 constexpr double kDepth = SurfaceProjection::kDepth;
 constexpr double kHeight = SurfaceProjection::kHeight;
-constexpr float kWallLight = 0.62f;
+constexpr float kWallLight = 0.7f;
 constexpr float kLineLight = 0.72f;
 // How strongly slopes are lit: light on level ground, and what the slopes add to it.
 constexpr double kLevelLight = 0.94, kSlopeLight = 0.11;

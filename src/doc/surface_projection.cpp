@@ -20,7 +20,8 @@ SurfaceCamera SurfaceCamera::bounded() const {
           std::clamp(zoom, kSmallestZoom, kLargestZoom)};
 }
 
-SurfaceProjection::SurfaceProjection(const SurfaceCamera& camera, double width, double height, double margin)
+SurfaceProjection::SurfaceProjection(const SurfaceCamera& camera, double width, double height,
+                                     double sideMargin, double upperMargin)
     : turnSine_(std::sin(camera.turn)),
       turnCosine_(std::cos(camera.turn)),
       tiltSine_(std::sin(camera.tilt)),
@@ -36,7 +37,8 @@ SurfaceProjection::SurfaceProjection(const SurfaceCamera& camera, double width, 
     top = std::min(top, point.y);
     bottom = std::max(bottom, point.y);
   }
-  const double roomX = std::max(width - 2 * margin, 1.0), roomY = std::max(height - 2 * margin, 1.0);
+  const double roomX = std::max(width - 2 * sideMargin, 1.0);
+  const double roomY = std::max(height - 2 * upperMargin, 1.0);
   scale_ = std::min(roomX / (right - left), roomY / (bottom - top)) * camera.zoom;
   offsetX_ = width / 2 - scale_ * (left + right) / 2;
   offsetY_ = height / 2 - scale_ * (top + bottom) / 2;

@@ -24,8 +24,9 @@ class SurfaceProjection {
     double x, y;  // pixels, downwards
   };
 
-  // `margin`: pixels that stay free on every side.
-  SurfaceProjection(const SurfaceCamera& camera, double width, double height, double margin);
+  // In pixels; the margins stay free on either side, and above and below.
+  SurfaceProjection(const SurfaceCamera& camera, double width, double height, double sideMargin,
+                    double upperMargin);
 
   Point at(double x, double y, double z) const;
   // Over which point of the floor the eye stands, outside of the box.

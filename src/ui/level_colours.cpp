@@ -54,9 +54,9 @@ struct Stop {
 constexpr Stop kOnDark[] = {
     {0.22, 0.09, 265}, {0.42, 0.15, 292}, {0.62, 0.19, 355}, {0.80, 0.15, 415}, {1.00, 0.07, 460}};
 constexpr double kBrightest = 0.97;
-// Sky, the house's blue, violet, plum.
+// Sky, the house's blue, violet, raspberry, wine.
 constexpr Stop kOnLight[] = {
-    {0.22, 0.06, 235}, {0.45, 0.13, 252}, {0.65, 0.16, 280}, {0.82, 0.16, 318}, {1.00, 0.08, 360}};
+    {0.22, 0.06, 235}, {0.45, 0.13, 252}, {0.62, 0.17, 285}, {0.80, 0.15, 345}, {1.00, 0.07, 378}};
 constexpr double kDarkest = 0.20;
 
 Lab colourOf(const Stop& stop, double lightness) {

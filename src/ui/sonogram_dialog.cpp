@@ -82,6 +82,7 @@ bool CSonogramDlg::Show(bool show) {
     view_->setSonogram(nullptr);
     shown_.reset();
     coming_.reset();
+    computing_ = false;
     subject_ = {};
   }
   return AnalysisDlg::Show(show);

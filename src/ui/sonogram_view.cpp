@@ -238,12 +238,19 @@ void SonogramView::paintTimes(wxGraphicsContext& gc) {
 
 void SonogramView::paintLines(wxGraphicsContext& gc) {
   const wxRect place = area();
+  // With the ground on either side, or it is lost among the colours.
   const auto upright = [&](double frame, const wxColour& colour) {
-    fillRect(gc, colour, snapped(xOf(frame)), place.y, hairline(), place.height);
+    const double x = snapped(xOf(frame));
+    fillRect(gc, withAlpha(theme().lane, 0xA0), x - hairline(), place.y, 3 * hairline(), place.height);
+    fillRect(gc, colour, x, place.y, hairline(), place.height);
   };
   if (scene_.lower != scene_.upper) {
-    const double from = xOf(scene_.lower), to = xOf(scene_.upper);
-    fillRect(gc, withAlpha(theme().accent, 0x38), from, place.y, to - from, place.height);
+    // A tint would pass for a level: what is not selected fades instead.
+    const double from = xOf(scene_.lower), to = xOf(scene_.upper), end = place.GetRight() + 1;
+    const wxColour veil = withAlpha(theme().lane, 0x90);
+    fillRect(gc, veil, place.x, place.y, std::min(from, end) - place.x, place.height);
+    fillRect(gc, veil, std::max<double>(to, place.x), place.y, end - std::max<double>(to, place.x),
+             place.height);
     upright(scene_.lower, theme().accent);
     upright(scene_.upper, theme().accent);
   }

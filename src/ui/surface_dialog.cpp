@@ -21,7 +21,8 @@ constexpr int kUsualDepthDb = 90;
 constexpr int kSpectra = 129;  // the last one of each fourth has a line
 constexpr int kPlaces = 320;
 constexpr int kMostBlocksPerSpectrum = 16;
-constexpr int kTimeLabels = 5;
+constexpr double kLiveSeconds = 4.0;  // what is to be seen while it plays
+constexpr int kTimeLabels = 6;        // at most
 // How often spectra are shown before all of them are there.
 constexpr auto kShowInterval = std::chrono::milliseconds(150);
 constexpr int kGap = 8;
@@ -36,8 +37,12 @@ C3DSpectrumDlg::C3DSpectrumDlg(wxWindow* parent, WindowProfile& profile)
                                 wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END)),
       state_(new wxStaticText(this, wxID_ANY, " ")) {
   auto* all = new wxBoxSizer(wxVERTICAL);
-  all->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual, kUsualDepthDb), 0, wxALL,
-           FromDIP(kMargin));
+  auto* top = new wxBoxSizer(wxHORIZONTAL);
+  top->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual, kUsualDepthDb), 0,
+           wxALIGN_CENTRE_VERTICAL);
+  top->AddSpacer(FromDIP(2 * kGap));
+  live_ = addCheckBox(*top, "Follow &playing", "Live", true, settingsChosen);
+  all->Add(top, 0, wxALL, FromDIP(kMargin));
   all->Add(view_, 1, wxEXPAND | wxLEFT | wxRIGHT, FromDIP(kMargin));
   auto* bottom = new wxBoxSizer(wxHORIZONTAL);
   bottom->Add(readout_, 1, wxALIGN_CENTRE_VERTICAL);
@@ -68,14 +73,30 @@ C3DSpectrumDlg::Subject C3DSpectrumDlg::subjectOf(const DocumentPanel& front) co
   Subject subject;
   subject.samples = SampleState::of(doc);
   subject.channels = activeChannels(doc.wave());
-  subject.selection = doc.view().hasSelection();
-  const auto range = doc.selectionOrAll();
-  const auto seen = front.visibleFrames();
-  subject.first = subject.selection ? range.first : seen.first;
-  subject.length = subject.selection ? range.last - range.first + 1.0 : seen.length;
   subject.size = settings.size;
   subject.window = static_cast<int>(settings.window);
+  if (takePlayed(front, subject)) return subject;
+  if (doc.view().hasSelection()) {
+    const auto range = doc.selectionOrAll();
+    subject.part = Subject::kSelection;
+    subject.first = range.first;
+    subject.length = range.last - range.first + 1.0;
+  } else {
+    const auto seen = front.visibleFrames();
+    subject.first = seen.first;
+    subject.length = seen.length;
+  }
   return subject;
+}
+
+bool C3DSpectrumDlg::takePlayed(const DocumentPanel& front, Subject& subject) const {
+  const auto heard = front.playFrame();
+  if (!live_->GetValue() || !heard) return false;
+  subject.part = Subject::kPlayed;
+  subject.length = kLiveSeconds * subject.samples.sampleRate;
+  const double step = subject.length / kSpectra;
+  subject.first = step > 0 ? std::floor(*heard / step) * step - subject.length : 0.0;
+  return true;
 }
 
 SonogramPlan C3DSpectrumDlg::planOf(const Subject& subject) const {
@@ -100,6 +121,7 @@ bool C3DSpectrumDlg::follow(DocumentPanel* front) {
     computing_ = front != nullptr && subject.length > 0 && !subject.channels.empty();
     spectra_ = computing_ ? std::make_unique<Sonogram>(front->document().wave(), planOf(subject)) : nullptr;
     SetTitle(front != nullptr ? toWx("3D spectrum – " + front->document().title()) : wxString("3D spectrum"));
+    view_->setMoving(subject.part == Subject::kPlayed);
     if (!computing_) showField();
     showState();
   }
@@ -144,8 +166,15 @@ void C3DSpectrumDlg::showField() {
 
 void C3DSpectrumDlg::showScale() {
   SurfaceView::Scale scale{frequencies(), depthDb(), {}};
-  for (int i = 0; i < kTimeLabels && spectra_; ++i) {
-    scale.times.push_back(positionText(subject_.first + subject_.length * i / (kTimeLabels - 1)));
+  if (spectra_) {
+    const uint32_t rate = std::max(subject_.samples.sampleRate, 1u);
+    const TickSpacing ticks = ticksIn(timeFormat_, subject_.length, rate, 1.0 / kTimeLabels);
+    const double end = subject_.first + subject_.length;
+    for (double frame = std::ceil(std::max(subject_.first, 0.0) / ticks.major) * ticks.major; frame <= end;
+         frame += ticks.major) {
+      const std::string text = positionIn(timeFormat_, frame, rate, ticks.timeDecimals);
+      scale.times.push_back({(frame - subject_.first) / subject_.length, toWx(text)});
+    }
   }
   view_->setScale(scale);
 }
@@ -170,11 +199,12 @@ void C3DSpectrumDlg::showReadout(std::optional<SurfacePainter::Spot> spot) {
 
 void C3DSpectrumDlg::showState() {
   wxString text = " ";
-  if (computing_) {
+  if (computing_ && subject_.part != Subject::kPlayed) {
     text = wxString::Format("%.0f %%", 100 * spectra_->fractionDone());
   } else if (spectra_) {
     const double seconds = subject_.length / std::max(subject_.samples.sampleRate, 1u);
-    text = (subject_.selection ? "Selection, " : "Visible part, ") + toWx(formatTime(seconds));
+    constexpr const char* kParts[] = {"Selection, ", "Visible part, ", "Playing, last "};
+    text = kParts[subject_.part] + toWx(formatTime(seconds));
   }
   if (state_->GetLabel() == text) return;
   state_->SetLabel(text);

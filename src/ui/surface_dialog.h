@@ -30,7 +30,7 @@ class C3DSpectrumDlg : public AnalysisDlg {
     SampleState samples;
     std::vector<int> channels;
     double first = 0, length = 0;
-    bool selection = false;
+    enum Part { kSelection, kVisible, kPlayed } part = kVisible;
     int size = 0;
     int window = 0;
 
@@ -38,6 +38,8 @@ class C3DSpectrumDlg : public AnalysisDlg {
   };
 
   Subject subjectOf(const DocumentPanel& front) const;
+  // What has been heard last, in whole spectra; false when that is not wanted or nothing plays.
+  bool takePlayed(const DocumentPanel& front, Subject& subject) const;
   SonogramPlan planOf(const Subject& subject) const;
   void showField();
   void showScale();
@@ -51,6 +53,7 @@ class C3DSpectrumDlg : public AnalysisDlg {
   SurfaceView* view_;
   wxStaticText* readout_;
   wxStaticText* state_;
+  wxCheckBox* live_;
 
   Subject subject_;
   TimeFormat timeFormat_ = kTimeSamples;

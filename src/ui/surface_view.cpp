@@ -15,8 +15,8 @@ namespace {
 
 constexpr double kDepth = SurfaceProjection::kDepth;
 constexpr double kHeight = SurfaceProjection::kHeight;
-constexpr int kMargin = 40;      // for the labels
-constexpr int kLabelReach = 12;  // from an edge to the middle of its labels
+constexpr int kSideMargin = 84, kUpperMargin = 28;  // for the labels
+constexpr int kLabelReach = 12;                     // from an edge to the middle of its labels
 constexpr double kRadiansPerPixel = 0.008;
 constexpr double kZoomPerNotch = 1.15;
 constexpr int kLineEvery = 4;
@@ -73,6 +73,12 @@ void SurfaceView::setScale(const Scale& scale) {
   changed();
 }
 
+void SurfaceView::setMoving(bool moving) {
+  if (moving == moving_) return;
+  moving_ = moving;
+  changed();
+}
+
 void SurfaceView::setCamera(const SurfaceCamera& camera) {
   camera_ = camera.bounded();
   changed();
@@ -91,7 +97,8 @@ void SurfaceView::changed() {
 // In pixels of a picture `scale` times as fine as the window.
 SurfaceProjection SurfaceView::projection(double scale) const {
   const wxSize size = GetClientSize();
-  return {camera_, size.x * scale, size.y * scale, FromDIP(kMargin) * scale};
+  return {camera_, size.x * scale, size.y * scale, FromDIP(kSideMargin) * scale,
+          FromDIP(kUpperMargin) * scale};
 }
 
 // ---- Painting -------------------------------------------------------------------------------------------
@@ -99,14 +106,14 @@ SurfaceProjection SurfaceView::projection(double scale) const {
 void SurfaceView::renewPicture(wxGraphicsContext& gc) {
   stale_ = false;
   const wxSize size = GetClientSize();
-  const double fineness = GetContentScaleFactor() * (dragFrom_ ? 1 : 2);
+  const double fineness = GetContentScaleFactor() * (coarse() ? 1 : 2);
   const auto pixels = [&](int length) { return std::max(static_cast<int>(length * fineness), 2); };
   const SurfaceProjection seen = projection(fineness);
   Picture picture(pixels(size.x), pixels(size.y), rgbOf(theme().lane));
   const SurfacePainter painter(field_, seen);
   painter.paintFrame(picture, rgbOf(theme().line), std::max(static_cast<int>(scale_.depthDb / kDbStep), 1));
   painter.paintSurface(picture, colours_, kLineEvery);
-  picture_ = gc.CreateBitmapFromImage(imageOf(dragFrom_ ? picture : halved(picture)));
+  picture_ = gc.CreateBitmapFromImage(imageOf(coarse() ? picture : halved(picture)));
 }
 
 void SurfaceView::paint(wxGraphicsContext& gc, const wxSize& size) {
@@ -145,10 +152,9 @@ void SurfaceView::paintFrequencies(wxGraphicsContext& gc, const SurfaceProjectio
 
 void SurfaceView::paintTimes(wxGraphicsContext& gc, const SurfaceProjection& seen) {
   const double x = seen.eyeX() < 0 ? -1.0 : 1.0;
-  for (size_t i = 0; i < scale_.times.size(); ++i) {
-    const double share = static_cast<double>(i) / static_cast<double>(scale_.times.size() - 1);
-    const double y = kDepth * (1.0 - 2.0 * share);
-    paintLabel(gc, scale_.times[i], seen.at(x, y, 0), seen.at(0.9 * x, y, 0));
+  for (const TimeLabel& time : scale_.times) {
+    const double y = kDepth * (1.0 - 2.0 * time.fraction);
+    paintLabel(gc, time.text, seen.at(x, y, 0), seen.at(0.9 * x, y, 0));
   }
 }
 

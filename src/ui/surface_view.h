@@ -18,11 +18,16 @@ namespace plumetta {
 // While it is turned it is painted coarser.
 class SurfaceView : public LiveView {
  public:
+  struct TimeLabel {
+    double fraction;  // 0 at the first spectrum, 1 at the last
+    wxString text;
+    bool operator==(const TimeLabel&) const = default;
+  };
   // What the heights stand for.
   struct Scale {
     FrequencyAxis frequencies;
-    int depthDb = 90;             // from height 0 to 1
-    std::vector<wxString> times;  // evenly from the first spectrum to the last
+    int depthDb = 90;  // from height 0 to 1
+    std::vector<TimeLabel> times;
     bool operator==(const Scale&) const = default;
   };
 
@@ -30,6 +35,8 @@ class SurfaceView : public LiveView {
 
   void setField(HeightField field);  // without spectra for none
   void setScale(const Scale& scale);
+  // Pictures follow one another fast, and are painted coarser.
+  void setMoving(bool moving);
   void setCamera(const SurfaceCamera& camera);
   const SurfaceCamera& camera() const { return camera_; }
 
@@ -41,6 +48,7 @@ class SurfaceView : public LiveView {
 
  private:
   void changed();
+  bool coarse() const { return moving_ || dragFrom_.has_value(); }
   SurfaceProjection projection(double scale) const;
   void renewPicture(wxGraphicsContext& gc);
   void paintFrequencies(wxGraphicsContext& gc, const SurfaceProjection& projection);
@@ -58,6 +66,7 @@ class SurfaceView : public LiveView {
   LevelColours colours_;
   wxGraphicsBitmap picture_;
   bool stale_ = true;  // the picture is not that of field, camera, colours and size
+  bool moving_ = false;
   std::optional<wxPoint> dragFrom_;
   SurfaceCamera dragCamera_;
 };

@@ -10,6 +10,7 @@
 #include "support/temporary_folder.h"
 #include "ui/dock_layout.h"
 #include "ui/file_filters.h"
+#include "ui/level_colours.h"
 #include "ui/number_text.h"
 #include "ui/recent_files.h"
 #include "ui/statistics_dialog.h"
@@ -71,6 +72,22 @@ TEST(FileFilters, AreReadOffTheFormats) {
   EXPECT_EQ(saveFilter(writable), "Alpha (*.a, *.al)|*.a;*.A;*.al;*.AL|Gamma (*.g)|*.g;*.G");
   EXPECT_EQ(filterIndexOf(writable, "x.G"), 1);
   EXPECT_EQ(filterIndexOf(writable, "x.b"), 0);
+}
+
+TEST(LevelColours, DifferByEvenStepsOfLightnessFromTheGround) {
+  for (const bool dark : {false, true}) {
+    Theme theme{};
+    theme.dark = dark;
+    theme.lane = dark ? wxColour(0x16, 0x19, 0x1D) : wxColour(0xFF, 0xFF, 0xFF);
+    const LevelColours colours = levelColours(theme);
+    EXPECT_EQ(colours[0], (Rgb{theme.lane.Red(), theme.lane.Green(), theme.lane.Blue()}));
+    const double first = perceivedLightness(colours.front()), last = perceivedLightness(colours.back());
+    EXPECT_GT(dark ? last - first : first - last, 0.7);
+    for (size_t i = 0; i < colours.size(); ++i) {
+      const double share = static_cast<double>(i) / 255;
+      EXPECT_NEAR(perceivedLightness(colours[i]), first + share * (last - first), 0.02) << i;
+    }
+  }
 }
 
 TEST(StatisticsReport, StandsInColumns) {
