@@ -146,6 +146,7 @@ std::string reasonOf(CURLcode code, const Transfer& transfer, long response) {
     case CURLE_TOO_MANY_REDIRECTS:
       return "The server leads on from one address to the next.";
     case CURLE_UNSUPPORTED_PROTOCOL:
+    case CURLE_URL_MALFORMAT:  // our own address was looked at before
       return "The address leads to something other than " +
              listedSchemes(transfer.request.schemes, ", ", ".");
     case CURLE_PARTIAL_FILE:
