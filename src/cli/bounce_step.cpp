@@ -135,8 +135,9 @@ StepOutcome runBounce(EditSession& session, const StepArguments& arguments) {
   BounceOptions options = optionsOf(arguments);
   if (const FrameOrTime& length = std::get<FrameOrTime>(arguments[kFrames]); length.value != kToTheEnd) {
     const int64_t frames = length.frames(session.doc->wave().sampleRate());
-    if (frames > kMaxFrames) {
-      return tell(session, SaveResult::failure("This is longer than a file can be."), path);
+    // Told now, not once the memory for all of it is full.
+    if (frames > kMaxFrames || !fitsIntoWav(frames, options.channels, 32)) {
+      return tell(session, SaveResult::failure(kTooLongForWav), path);
     }
     options.frames = static_cast<int32_t>(frames);
   }

@@ -201,7 +201,7 @@ bool writeImage(OutputStream& out, const WavImage& image) {
 
 SaveResult saveImage(FileSystem& files, const std::string& path, const WavImage& image, SyncToDisk sync) {
   if (!image.longSizes && image.riffBytes() > std::numeric_limits<uint32_t>::max()) {
-    return SaveResult::failure("The audio is too long for a WAV file, which holds 4 GiB at most.");
+    return SaveResult::failure(kTooLongForWav);
   }
   return SaveResult::from(
       writeAtomically(files, path, sync, [&](OutputStream& out) { return writeImage(out, image); }));
@@ -240,6 +240,10 @@ SaveResult saveWhole(FileSystem& files, const std::string& path, const WavImage&
 }
 
 }  // namespace
+
+bool fitsIntoWav(int64_t frames, int channels, int bitsPerSample) {
+  return frames <= int64_t{std::numeric_limits<uint32_t>::max()} / (int64_t{channels} * bitsPerSample / 8);
+}
 
 SaveResult saveWav(FileSystem& files, const std::string& path, const CWave& wave, SyncToDisk sync) {
   return saveWhole(files, path, wholeImage(wave), sync);

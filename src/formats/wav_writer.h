@@ -5,6 +5,11 @@
 
 namespace plumetta {
 
+inline constexpr const char* kTooLongForWav =
+    "The audio is too long for a WAV file, which holds 4 GiB at most.";
+// False for samples that alone are more than that.
+bool fitsIntoWav(int64_t frames, int channels, int bitsPerSample);
+
 // Writes the whole buffer as RIFF WAVE with its loops, markers, envelope and extra chunks. With an odd number
 // of channels and frames at 8 or 24 bits the file gets one silent frame more, to keep the data chunk even;
 // the result says so, and the caller gives it to the buffer as well (`CWave::appendEvenFrame`).

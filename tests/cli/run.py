@@ -262,6 +262,8 @@ class Cli(unittest.TestCase):
         self.assertEqual(self.state("open a.wav bounce c.wav loop=on frames=1s open c.wav")["frames"], 8000)
         self.assertEqual(self.state("new 8000 1 16 0 bounce c.wav open c.wav")["frames"], 0)
         self.edit("open a.wav bounce missing/c.wav", status=3)
+        self.edit("open a.wav bounce d.wav channels=16 frames=2147483647", status=3)
+        self.assertIn("too long", self.err)
         for wrong in ["loop=on", "loop=on frames=-1", "rate=0", "buffer=0", "channels=17", "channels=0", "frames=-2",
                       "volume=nan", "route=0,x", "route=-2", "route=" + ",".join("0" * 17), "loop=yes"]:
             self.edit("open a.wav bounce c.wav save d.wav bounce d.wav " + wrong, status=2)
