@@ -201,9 +201,10 @@ LoadResult readOpened(const Load& load) {
 }
 
 void dropPadByte(const SndfileKind& kind, const FileHead& head, CWave& wave) {
-  const uint64_t bytes = kind.soundBytes != nullptr ? kind.soundBytes(head) : 0;
-  const uint64_t frames = bytes * 8 / static_cast<uint64_t>(wave.channels() * wave.bitsPerSample());
-  if (frames + 1 != static_cast<uint64_t>(wave.frames())) return;
+  if (kind.soundBytes == nullptr) return;
+  const uint64_t frames =
+      kind.soundBytes(head) * 8 / static_cast<uint64_t>(wave.channels() * wave.bitsPerSample());
+  if (frames == 0 || frames + 1 != static_cast<uint64_t>(wave.frames())) return;
   wave.resize(wave.frames() - 1, wave.channels());
   wave.setLayout(wave.channels(), static_cast<int32_t>(frames));
 }

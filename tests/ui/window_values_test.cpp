@@ -76,11 +76,9 @@ TEST(FileFilters, AreReadOffTheFormats) {
 
 TEST(LevelColours, DifferByEvenStepsOfLightnessFromTheGround) {
   for (const bool dark : {false, true}) {
-    Theme theme{};
-    theme.dark = dark;
-    theme.lane = dark ? wxColour(0x16, 0x19, 0x1D) : wxColour(0xFF, 0xFF, 0xFF);
-    const LevelColours colours = levelColours(theme);
-    EXPECT_EQ(colours[0], (Rgb{theme.lane.Red(), theme.lane.Green(), theme.lane.Blue()}));
+    const Palette palette({}, dark);
+    const LevelColours colours = levelColours(Theme(palette));
+    EXPECT_EQ(colours[0], palette[Tint::lane]);
     const double first = perceivedLightness(colours.front()), last = perceivedLightness(colours.back());
     EXPECT_GT(dark ? last - first : first - last, 0.7);
     for (size_t i = 0; i < colours.size(); ++i) {
