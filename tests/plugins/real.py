@@ -29,7 +29,7 @@ from pulse_server import Server  # noqa: E402
 CLI, PROBE = (os.path.abspath(word) for word in sys.argv[1:3])
 FOLDERS = ["/usr/lib/vst", "/usr/lib/lxvst", "/usr/lib/x86_64-linux-gnu/vst"]
 STATES = [("chain", "sor"), ("preset", "fxp"), ("bank", "fxb")]
-PATIENCE = 90  # seconds for one call
+PATIENCE = 90  # seconds for one call where nothing else is going on
 
 
 class Failure(Exception):
@@ -57,7 +57,7 @@ class Bench:
         """What it prints and says. Fails on a crash, on a hang, and on another status."""
         try:
             ran = subprocess.run(command, cwd=self.folder, env=self.environment, stdin=subprocess.DEVNULL,
-                                 capture_output=True, timeout=PATIENCE)
+                                 capture_output=True, timeout=PATIENCE * max(1, os.getloadavg()[0] / os.cpu_count()))
         except subprocess.TimeoutExpired:
             raise Failure("hangs") from None
         out, said = ran.stdout.decode(errors="replace"), ran.stderr.decode(errors="replace")
