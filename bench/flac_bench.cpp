@@ -2,14 +2,9 @@
 // FLAC in and out of a buffer, ten minutes of stereo, beside libsndfile doing the same by itself.
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-
 #include "bench_file.h"
 #include "formats/sndfile_formats.h"
-
-#ifdef PLUMETTA_HAVE_SNDFILE
-#include <sndfile.h>
-#endif
+#include "sndfile_peer.h"
 
 namespace plumetta {
 namespace {
@@ -39,40 +34,18 @@ void saveFlac(benchmark::State& state) {
   for (auto _ : state) {
     if (!saveSndfile(kFlac, nativeFileSystem(), path, *wave, {SyncToDisk::no}).saved)
       state.SkipWithError("save");
+    forget(state, path);
   }
 }
 BENCHMARK(saveFlac)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-#ifdef PLUMETTA_HAVE_SNDFILE
-void loadFlacWithLibsndfile(benchmark::State& state) {
-  const std::string& path = flacFile();
-  for (auto _ : state) {
-    SF_INFO info{};
-    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
-    const auto bytes = static_cast<size_t>(info.frames * info.channels) * sizeof(float);
-    auto* samples = static_cast<float*>(std::malloc(bytes));
-    benchmark::DoNotOptimize(sf_readf_float(file, samples, info.frames));
-    std::free(samples);
-    sf_close(file);
-  }
-}
+void loadFlacWithLibsndfile(benchmark::State& state) { loadWithSndfile(state, flacFile()); }
 BENCHMARK(loadFlacWithLibsndfile)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void saveFlacWithLibsndfile(benchmark::State& state) {
-  const auto wave = benchWave();
-  const std::string path = benchFile() + ".saved.flac";
-  for (auto _ : state) {
-    SF_INFO info{};
-    info.samplerate = kBenchRate;
-    info.channels = 2;
-    info.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
-    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
-    sf_writef_float(file, wave->samples(), wave->frames());
-    sf_close(file);
-  }
+  saveWithSndfile(state, benchFile() + ".saved.flac", SF_FORMAT_FLAC);
 }
 BENCHMARK(saveFlacWithLibsndfile)->Unit(benchmark::kMillisecond)->UseRealTime();
-#endif
 
 }  // namespace
 }  // namespace plumetta

@@ -2,24 +2,12 @@
 // Loading and saving a ten-minute file, beside libsndfile doing the same in the same run.
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-
 #include "bench_file.h"
 #include "formats/wav_reader.h"
-
-#ifdef PLUMETTA_HAVE_SNDFILE
-#include <sndfile.h>
-#endif
+#include "sndfile_peer.h"
 
 namespace plumetta {
 namespace {
-
-// Outside of the time: writing over a file would make the file system flush the old one first.
-void forget(benchmark::State& state, const std::string& path) {
-  state.PauseTiming();
-  std::filesystem::remove(path);
-  state.ResumeTiming();
-}
 
 void loadIntoWave(benchmark::State& state) {
   const std::string& path = benchFile();
@@ -41,37 +29,13 @@ void saveFromWave(benchmark::State& state) {
 }
 BENCHMARK(saveFromWave)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-#ifdef PLUMETTA_HAVE_SNDFILE
-void loadWithLibsndfile(benchmark::State& state) {
-  const std::string& path = benchFile();
-  for (auto _ : state) {
-    SF_INFO info{};
-    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
-    const auto bytes = static_cast<size_t>(info.frames * info.channels) * sizeof(float);
-    auto* samples = static_cast<float*>(std::malloc(bytes));
-    benchmark::DoNotOptimize(sf_readf_float(file, samples, info.frames));
-    std::free(samples);
-    sf_close(file);
-  }
-}
+void loadWithLibsndfile(benchmark::State& state) { loadWithSndfile(state, benchFile()); }
 BENCHMARK(loadWithLibsndfile)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void saveWithLibsndfile(benchmark::State& state) {
-  const auto wave = benchWave();
-  const std::string path = benchFile() + ".saved.wav";
-  for (auto _ : state) {
-    SF_INFO info{};
-    info.samplerate = kBenchRate;
-    info.channels = 2;
-    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
-    sf_writef_float(file, wave->samples(), wave->frames());
-    sf_close(file);
-    forget(state, path);
-  }
+  saveWithSndfile(state, benchFile() + ".saved.wav", SF_FORMAT_WAV);
 }
 BENCHMARK(saveWithLibsndfile)->Unit(benchmark::kMillisecond)->UseRealTime();
-#endif
 
 }  // namespace
 }  // namespace plumetta

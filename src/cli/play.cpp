@@ -4,8 +4,7 @@
 #include <thread>
 
 #include "app/plugin_library.h"
-#include "cli/call.h"
-#include "cli/terminal_prompter.h"
+#include "cli/opened_file.h"
 #include "platform/interrupt.h"
 #include "platform/paths.h"
 
@@ -80,18 +79,14 @@ bool playToTheEnd(Application& app, CPlumettaDoc& doc, TerminalPrompter& prompte
 int runPlay(const CallOptions& options, WordReader words) {
   const PlayCall call = readCall(words);
   if (words.failed()) return wrongCall(words.error());
-  TerminalPrompter prompter(options.answer, options.quiet);
-  Application app(prompter, nativeFileSystem(), options.home);
-  FileOutcome outcome{};
-  CPlumettaDoc* doc = app.openDocument(call.file, outcome);
-  if (doc == nullptr) return kFileError;
-  call.selection.apply(*doc);
-  if (!call.chain.empty() && !loadChainFile(app, call.chain, UnknownLibraries::tell)) return kRefused;
-  app.setRackOn(!call.chain.empty());
-  takeOverOptions(call, app);
-  if (!app.transport().play(doc)) return kRefused;
-  const bool whole = playToTheEnd(app, *doc, prompter);
-  app.output().stop();
+  OpenedFile opened(options, call.file, call.selection);
+  if (opened.doc == nullptr) return kFileError;
+  if (!call.chain.empty() && !loadChainFile(opened.app, call.chain, UnknownLibraries::tell)) return kRefused;
+  opened.app.setRackOn(!call.chain.empty());
+  takeOverOptions(call, opened.app);
+  if (!opened.app.transport().play(opened.doc)) return kRefused;
+  const bool whole = playToTheEnd(opened.app, *opened.doc, opened.prompter);
+  opened.app.output().stop();
   return whole ? kAllDone : kRefused;
 }
 

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `plumetta-cli sonogram`.
-#include "app/application.h"
-#include "cli/call.h"
+#include "cli/opened_file.h"
 #include "cli/spectrum_options.h"
-#include "cli/terminal_prompter.h"
 #include "doc/sonogram_file.h"
 #include "platform/paths.h"
 
@@ -48,13 +46,9 @@ SonogramCall readCall(WordReader& words) {
 int runSonogram(const CallOptions& options, WordReader words) {
   const SonogramCall call = readCall(words);
   if (words.failed()) return wrongCall(words.error());
-  TerminalPrompter prompter(options.answer, options.quiet);
-  Application app(prompter, nativeFileSystem(), options.home);
-  FileOutcome outcome{};
-  CPlumettaDoc* doc = app.openDocument(call.file, outcome);
-  if (doc == nullptr) return kFileError;
-  call.selection.apply(*doc);
-  return doc->saveSonogram(call.out, call.settings) == FileOutcome::done ? kAllDone : kFileError;
+  OpenedFile opened(options, call.file, call.selection);
+  if (opened.doc == nullptr) return kFileError;
+  return opened.doc->saveSonogram(call.out, call.settings) == FileOutcome::done ? kAllDone : kFileError;
 }
 
 }  // namespace plumetta

@@ -2,11 +2,9 @@
 // `plumetta-cli spectrum` and `plumetta-cli window`.
 #include <charconv>
 
-#include "app/application.h"
-#include "cli/call.h"
 #include "cli/json.h"
+#include "cli/opened_file.h"
 #include "cli/spectrum_options.h"
-#include "cli/terminal_prompter.h"
 #include "doc/spectrum_file.h"
 #include "platform/paths.h"
 
@@ -62,11 +60,11 @@ std::string recordJson(const SpectrumRecord& record) {
   return json.text() + "\n";
 }
 
-int showSpectrum(Prompter& prompter, const std::string& path) {
+int showSpectrum(const CallOptions& options, const std::string& path) {
   SpectrumRecord record;
   const LoadResult result = loadSpectrum(nativeFileSystem(), path, record);
   if (result.status == LoadStatus::loaded) return print(recordJson(record)) ? kAllDone : kFileError;
-  prompter.message("Unable to open " + path + "\n" + result.reason);
+  TerminalPrompter(options.answer, options.quiet).message("Unable to open " + path + "\n" + result.reason);
   return kFileError;
 }
 
@@ -75,14 +73,10 @@ int showSpectrum(Prompter& prompter, const std::string& path) {
 int runSpectrum(const CallOptions& options, WordReader words) {
   const SpectrumCall call = readCall(words);
   if (words.failed()) return wrongCall(words.error());
-  TerminalPrompter prompter(options.answer, options.quiet);
-  if (!call.show.empty()) return showSpectrum(prompter, call.show);
-  Application app(prompter, nativeFileSystem(), options.home);
-  FileOutcome outcome{};
-  CPlumettaDoc* doc = app.openDocument(call.file, outcome);
-  if (doc == nullptr) return kFileError;
-  call.selection.apply(*doc);
-  return doc->saveSpectrum(call.out, call.settings) == FileOutcome::done ? kAllDone : kFileError;
+  if (!call.show.empty()) return showSpectrum(options, call.show);
+  OpenedFile opened(options, call.file, call.selection);
+  if (opened.doc == nullptr) return kFileError;
+  return opened.doc->saveSpectrum(call.out, call.settings) == FileOutcome::done ? kAllDone : kFileError;
 }
 
 int runWindow(const CallOptions&, WordReader words) {

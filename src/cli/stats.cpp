@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `plumetta-cli stats`: the statistics report of a file.
-#include "app/application.h"
-#include "cli/call.h"
-#include "cli/terminal_prompter.h"
+#include "cli/opened_file.h"
 #include "platform/paths.h"
 
 namespace plumetta {
@@ -40,14 +38,10 @@ StatsCall readCall(WordReader& words) {
 int runStats(const CallOptions& options, WordReader words) {
   const StatsCall call = readCall(words);
   if (words.failed()) return wrongCall(words.error());
-  TerminalPrompter prompter(options.answer, options.quiet);
-  Application app(prompter, nativeFileSystem(), options.home);
-  FileOutcome outcome{};
-  CPlumettaDoc* doc = app.openDocument(call.file, outcome);
-  if (doc == nullptr) return kFileError;
-  call.selection.apply(*doc);
-  if (call.out.empty()) return print(doc->statistics(call.levels)) ? kAllDone : kFileError;
-  return doc->saveStatistics(call.out, call.levels) == FileOutcome::done ? kAllDone : kFileError;
+  OpenedFile opened(options, call.file, call.selection);
+  if (opened.doc == nullptr) return kFileError;
+  if (call.out.empty()) return print(opened.doc->statistics(call.levels)) ? kAllDone : kFileError;
+  return opened.doc->saveStatistics(call.out, call.levels) == FileOutcome::done ? kAllDone : kFileError;
 }
 
 }  // namespace plumetta
