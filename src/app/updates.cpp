@@ -29,7 +29,8 @@ std::string programAgent() { return std::string("Plumetta/") + kVersion; }
 
 std::unique_ptr<UpdateCheck> askForUpdates(Application& app) {
   if (app.settings().network.updateServer.empty()) {
-    app.prompter().message("No update server is set.");
+    app.prompter().message(
+        "No update server is set. Its address has a place in the preferences, under Network.");
     return nullptr;
   }
   return agreesToRequests(app) ? ask(app.settings().network) : nullptr;

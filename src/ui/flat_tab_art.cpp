@@ -13,6 +13,18 @@ constexpr int kPadding = 12;    // beside the caption
 constexpr int kRise = 8;        // above and below the caption
 constexpr int kCloseSide = 18;  // of the square that takes the click
 constexpr int kLine = 2;        // over the tab in front
+constexpr double kQuiet = 0.6;  // of the text's colour, on the tabs behind
+
+// The tabs behind stand on the system's ground, whatever the skin.
+wxColour textBehind() {
+  const wxColour text = wxSystemSettings::GetColour(wxSYS_COLOUR_BTNTEXT);
+  const wxColour ground = wxSystemSettings::GetColour(wxSYS_COLOUR_BTNFACE);
+  const auto mixed = [](unsigned char over, unsigned char under) {
+    return wxColour::AlphaBlend(over, under, kQuiet);
+  };
+  return {mixed(text.Red(), ground.Red()), mixed(text.Green(), ground.Green()),
+          mixed(text.Blue(), ground.Blue())};
+}
 
 }  // namespace
 
@@ -67,15 +79,16 @@ void FlatTabArt::DrawTab(wxDC& dc, wxWindow* window, const wxAuiNotebookPage& pa
   if (closeButtonState != wxAUI_BUTTON_STATE_HIDDEN) {
     const int x = tab.GetRight() - closeSide - window->FromDIP(kPadding / 2) + 1;
     *outButtonRect = wxRect(x, tab.y + (tab.height - closeSide) / 2, closeSide, closeSide);
-    drawClose(dc, *window, *outButtonRect, closeButtonState);
+    drawClose(dc, *window, *outButtonRect, closeButtonState, page.active ? theme_.textQuiet : textBehind());
   }
   dc.SetFont(m_normalFont);
-  dc.SetTextForeground(page.active ? theme_.text : theme_.textQuiet);
+  dc.SetTextForeground(page.active ? theme_.text : textBehind());
   dc.DrawText(page.caption, tab.x + window->FromDIP(kPadding), tab.y + (tab.height - dc.GetCharHeight()) / 2);
   *outTabRect = tab;
 }
 
-void FlatTabArt::drawClose(wxDC& dc, const wxWindow& window, const wxRect& button, int state) const {
+void FlatTabArt::drawClose(wxDC& dc, const wxWindow& window, const wxRect& button, int state,
+                           const wxColour& colour) const {
   const bool hot = (state & (wxAUI_BUTTON_STATE_HOVER | wxAUI_BUTTON_STATE_PRESSED)) != 0;
   if (hot) {
     dc.SetPen(*wxTRANSPARENT_PEN);
@@ -84,7 +97,7 @@ void FlatTabArt::drawClose(wxDC& dc, const wxWindow& window, const wxRect& butto
   }
   const int arm = window.FromDIP(4);
   const wxPoint middle(button.x + button.width / 2, button.y + button.height / 2);
-  dc.SetPen(wxPen(hot ? theme_.text : theme_.textQuiet, window.FromDIP(1)));
+  dc.SetPen(wxPen(hot ? theme_.text : colour, window.FromDIP(1)));
   dc.DrawLine(middle.x - arm, middle.y - arm, middle.x + arm + 1, middle.y + arm + 1);
   dc.DrawLine(middle.x - arm, middle.y + arm, middle.x + arm + 1, middle.y - arm - 1);
 }

@@ -26,7 +26,8 @@ class FlatTabArt : public wxAuiGenericTabArt {
   int GetAdditionalBorderSpace(wxWindow*) override { return 0; }
 
  private:
-  void drawClose(wxDC& dc, const wxWindow& window, const wxRect& button, int state) const;
+  void drawClose(wxDC& dc, const wxWindow& window, const wxRect& button, int state,
+                 const wxColour& colour) const;
 
   Theme theme_;
 };

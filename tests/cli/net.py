@@ -52,7 +52,7 @@ class Net(unittest.TestCase):
 
     def test_no_request_without_server_and_consent(self):
         self.call("--yes", "update-check", status=1)
-        self.assertEqual(self.said, "message: No update server is set.\n")
+        self.assertTrue(self.said.startswith("message: No update server is set."), self.said)
         for address in ("file:///version.txt", "ftp://127.0.0.1", "127.0.0.1"):
             self.call("settings", "set", "General", "UpdateServer", address, status=1)
         self.call("settings", "set", "General", "UpdateServer", self.url)

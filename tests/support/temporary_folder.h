@@ -17,9 +17,11 @@ class TemporaryFolder {
  public:
   TemporaryFolder() {
     static std::atomic<int> counter{0};
-    path_ = std::filesystem::temp_directory_path() /
-            ("plumetta-test-" + std::to_string(processId()) + "-" + std::to_string(counter++));
-    std::filesystem::create_directories(path_);
+    // Numbers of processes come again, and one that was killed has left its folder behind.
+    do {
+      path_ = std::filesystem::temp_directory_path() /
+              ("plumetta-test-" + std::to_string(processId()) + "-" + std::to_string(counter++));
+    } while (!std::filesystem::create_directory(path_));
   }
   ~TemporaryFolder() {
     std::error_code ignored;
