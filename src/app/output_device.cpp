@@ -80,7 +80,7 @@ double OutputDevice::latency() const {
   const BlockProcessor* rack = engine_.rack();
   const bool through = rack != nullptr && transport_.controls().rackEnabled;
   const double late = through ? static_cast<double>(rack->latencyFrames()) : 0.0;
-  return player_->latency() + late / player_->playedRate();
+  return queuedSeconds() + late / player_->playedRate();
 }
 
 std::vector<std::string> OutputDevice::waveOutNames() {

@@ -32,7 +32,9 @@ class OutputDevice {
   void watch();
   // Buffers that came too late since it was started.
   int underruns() const { return player_ ? player_->underruns() : 0; }
-  // Seconds from what the engine reads to the ear: the device's queue, and the rack's delay while it is on.
+  // Seconds from what the engine gives out to the ear: the device's queue.
+  double queuedSeconds() const { return player_ ? player_->latency() : 0.0; }
+  // Seconds from what the engine reads to the ear: that, and the rack's delay while it is on.
   double latency() const;
 
   // Like stop(), when the audio thread is in code that never comes back: thread, buffers and device are left

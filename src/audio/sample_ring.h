@@ -33,6 +33,10 @@ class SampleRing {
     const size_t place = read % floats_.size();
     return {floats_.data() + place, std::min(waiting, floats_.size() - place)};
   }
+  // How many floats wait in all. The reading thread's.
+  size_t waiting() const noexcept {
+    return written_.load(std::memory_order_acquire) - read_.load(std::memory_order_relaxed);
+  }
   void pop(size_t count) noexcept { read_.fetch_add(count, std::memory_order_release); }
 
  private:

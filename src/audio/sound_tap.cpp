@@ -8,8 +8,8 @@
 namespace plumetta {
 namespace {
 
-// A sixth of a second at 192 kHz: several times the UI's own period.
-constexpr size_t kRingFrames = size_t{1} << 15;
+// The longest queue of a device, eight buffers of 4096 frames, and as much again for the UI's own period.
+constexpr size_t kRingFrames = size_t{1} << 16;
 constexpr int kPieceFrames = 256;
 constexpr float kFar = 8.0f;
 constexpr float kInvisible = 1e-5f;  // -100 dB
@@ -71,16 +71,17 @@ void SoundTap::feed(const float* const* channels, int frames, int channelCount) 
 }
 
 // Pieces are even and so is the ring, so no pair is ever torn.
-size_t SoundTap::readInto(StereoTrail& trail) {
-  size_t floats = 0;
-  // What comes while this reads is left for the next time, or a fast writer would hold it here.
-  for (int pieces = 0; pieces < 2; ++pieces) {
-    const std::span<const float> front = ring_.front();
+size_t SoundTap::readInto(StereoTrail& trail, size_t queuedFrames) {
+  const size_t waiting = ring_.waiting() / 2;
+  const size_t heard = waiting - std::min(waiting, queuedFrames);
+  for (size_t left = 2 * heard; left > 0;) {
+    std::span<const float> front = ring_.front();
+    front = front.first(std::min(front.size(), left));
     trail.append(front);
     ring_.pop(front.size());
-    floats += front.size();
+    left -= front.size();
   }
-  return floats / 2;
+  return heard;
 }
 
 }  // namespace plumetta

@@ -41,8 +41,9 @@ class SoundTap : public AudioWidget {
   void feed(const float* const* channels, int frames, int channelCount) noexcept override;
   void setPosition(double, uint32_t) noexcept override {}
 
-  // Appends all that has come since the last call. How many frames that was. UI thread.
-  size_t readInto(StereoTrail& trail);
+  // Appends all but the newest `queuedFrames`, which are still on their way to the ear. How many frames that
+  // was. UI thread.
+  size_t readInto(StereoTrail& trail, size_t queuedFrames = 0);
 
  private:
   SampleRing ring_;

@@ -168,7 +168,7 @@ void LiveDisplays::connect() {
 bool LiveDisplays::soundWanted() { return isShown(scope_) || isShown(spectrum_) || isShown(goniometer_); }
 
 bool LiveDisplays::anythingMoves() {
-  if (playing() || inputRuns()) return true;
+  if (playing() || inputRuns() || queuedSeconds_ > 0 || !comingPeaks_.empty()) return true;
   if (isShown(meters_) && meters_->falling()) return true;
   return soundWanted() && (!trail_.silent() || (isShown(spectrum_) && spectrum_->falling()));
 }
@@ -189,6 +189,7 @@ void LiveDisplays::onTimer(wxTimerEvent&) {
   const double seconds =
       std::min(1e-6 * static_cast<double>(sinceTick_.TimeInMicro().GetValue()), kLongestStep);
   sinceTick_.Start();
+  followQueue(seconds);
   followMeters(seconds);
   if (soundWanted()) followSound(seconds);
   followTime();
@@ -201,10 +202,30 @@ size_t LiveDisplays::outputChannels() {
   return std::clamp<size_t>(outputChannels_, 1, kMaxOutputChannels);
 }
 
-void LiveDisplays::followMeters(double seconds) {
-  std::array<float, kMaxOutputChannels> outputs{};
+// What is shown is what is heard: the engine is ahead of that by the device's queue, which empties once it
+// has given out the last sound.
+void LiveDisplays::followQueue(double seconds) {
+  queuedSeconds_ = playing() ? app_.output().queuedSeconds() : std::max(queuedSeconds_ - seconds, 0.0);
+}
+
+// The largest peaks among those that are heard by now.
+std::array<float, kMaxOutputChannels> LiveDisplays::takeHeardPeaks() {
+  const double now = 1e-6 * static_cast<double>(sinceStart_.TimeInMicro().GetValue());
+  // The queue is filled at once when playing begins; the first of it is heard then.
+  comingPeaks_.push_back({played_ ? now + queuedSeconds_ : now, {}});
+  played_ = playing();
   auto& peaks = app_.transport().controls().outputPeaks;
-  for (size_t c = 0; c < peaks.size(); ++c) outputs[c] = peaks[c].exchange(0.0f);
+  for (size_t c = 0; c < peaks.size(); ++c) comingPeaks_.back().outputs[c] = peaks[c].exchange(0.0f);
+  std::array<float, kMaxOutputChannels> heard{};
+  for (; !comingPeaks_.empty() && comingPeaks_.front().heardAt <= now; comingPeaks_.pop_front()) {
+    const auto& outputs = comingPeaks_.front().outputs;
+    for (size_t c = 0; c < heard.size(); ++c) heard[c] = std::max(heard[c], outputs[c]);
+  }
+  return heard;
+}
+
+void LiveDisplays::followMeters(double seconds) {
+  const std::array<float, kMaxOutputChannels> outputs = takeHeardPeaks();
   std::array<float, kInputChannels> inputs{};
   const size_t inputChannels = inputRuns() ? inputs.size() : 0;
   for (size_t c = 0; c < inputChannels; ++c) inputs[c] = takeInputPeak(static_cast<int>(c));
@@ -216,7 +237,9 @@ void LiveDisplays::followMeters(double seconds) {
 // Without an output there is silence.
 void LiveDisplays::followSound(double seconds) {
   const int rate = app_.transport().controls().outputRate;
-  if (tap_.readInto(trail_) == 0 && !playing()) trail_.appendSilence(static_cast<size_t>(rate * seconds));
+  const auto queued = static_cast<size_t>(rate * queuedSeconds_);
+  if (tap_.readInto(trail_, queued) == 0 && !playing())
+    trail_.appendSilence(static_cast<size_t>(rate * seconds));
   if (isShown(scope_)) scope_->follow(rate);
   if (isShown(goniometer_)) goniometer_->follow();
   if (isShown(spectrum_)) spectrum_->advance(trail_, rate, seconds);

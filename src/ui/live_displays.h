@@ -6,6 +6,8 @@
 #include <wx/stopwatch.h>
 #include <wx/timer.h>
 
+#include <array>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -72,6 +74,8 @@ class LiveDisplays : public wxPanel {
   bool anythingMoves();
   void onIdle(wxIdleEvent& event);
   void onTimer(wxTimerEvent&);
+  void followQueue(double seconds);
+  std::array<float, kMaxOutputChannels> takeHeardPeaks();
   void followMeters(double seconds);
   void followSound(double seconds);
   void followTime();
@@ -81,6 +85,13 @@ class LiveDisplays : public wxPanel {
   WindowProfile& profile_;
   SoundTap tap_;
   PlayClock clock_;
+  struct ComingPeaks {
+    double heardAt;  // on the clock of `sinceStart_`
+    std::array<float, kMaxOutputChannels> outputs;
+  };
+  std::deque<ComingPeaks> comingPeaks_;
+  double queuedSeconds_ = 0;  // of sound on its way to the ear
+  bool played_ = false;       // at the last tick
   StereoTrail trail_;
   MeterView* meters_;
   ClockView* time_;

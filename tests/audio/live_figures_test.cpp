@@ -79,7 +79,10 @@ TEST(SoundTap, BringsTheFirstTwoChannelsAndOneForBothSides) {
   tap.feed(channels, 3, 3);
   tap.feed(channels, 2, 1);
   tap.feed(channels, 3, 0);
-  EXPECT_EQ(tap.readInto(trail), 5u);
+  EXPECT_EQ(tap.readInto(trail, 9), 0u);
+  EXPECT_EQ(tap.readInto(trail, 2), 3u);
+  EXPECT_EQ(trail.left()[3], 3.0f);
+  EXPECT_EQ(tap.readInto(trail), 2u);
   EXPECT_EQ(std::vector(trail.left().begin(), trail.left().end()), (std::vector<float>{2, 3, 1, 2}));
   EXPECT_EQ(std::vector(trail.right().begin(), trail.right().end()), (std::vector<float>{-2, -3, 1, 2}));
   EXPECT_EQ(tap.readInto(trail), 0u);
