@@ -12,6 +12,8 @@ class HeardPosition {
  public:
   // `latency` seconds lie between the engine and the ear.
   void begin(double time, double position, double latency);
+  // Another one from now on, as when the rack is switched on or off.
+  void setLatency(double latency) { latency_ = latency; }
   // What the engine's position is now; several times a block.
   void note(double time, double position);
   // Forgets what can't be heard any more, so times may not go back.

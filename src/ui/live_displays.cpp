@@ -263,6 +263,7 @@ void LiveDisplays::followTime() {
     const double latency = app_.output().latency();
     heard_.begin(now, std::max(given->frame - latency * playedRate_, 0.0), latency);
   }
+  heard_.setLatency(app_.output().latency());
   if (given) heard_.note(now, given->frame);
   if (playedRate_ > 0) time_->show({heard_.at(now), playedRate_}, format);
 }

@@ -43,6 +43,8 @@ void PlayFollower::onTick() {
   } else if (!endedAt_) {
     endedAt_ = now();
   }
+  latency_ = app_.output().latency();
+  position_.setLatency(latency_);
   position_.note(now(), source_->playback().position);
   panel->followPlayback();
   heardFrame_ = position_.at(now());
