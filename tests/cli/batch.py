@@ -10,6 +10,8 @@ import tempfile
 import time
 import unittest
 
+from own_words import own_words
+
 COMMAND = []
 BANNER = "\r\n\r\n" + "*" * 31 + "\r\nBatch processing finished\r\n" + "*" * 31 + "\r\n"
 DONE = "\tExtract ok\tEffect ok\r\n"
@@ -85,7 +87,7 @@ class Batch(unittest.TestCase):
     def call(self, *words, status=0, options=()):
         done = subprocess.run([*COMMAND, "--home", "home", *options, *words], cwd=self.path, timeout=120,
                               stdin=subprocess.DEVNULL, capture_output=True)
-        self.err = done.stderr.decode()
+        self.err = own_words(done.stderr.decode())
         self.assertEqual(done.returncode, status, done.stdout.decode() + self.err)
         return done.stdout.decode()
 

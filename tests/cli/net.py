@@ -11,6 +11,8 @@ import tempfile
 import threading
 import unittest
 
+from own_words import own_words
+
 COMMAND = sys.argv[1:]
 WAV = (b"RIFF\x2c\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1f\0\0\x80\x3e\0\0\2\0\x10\0data\x08\0\0\0" + bytes(8))
 
@@ -47,7 +49,7 @@ class Net(unittest.TestCase):
         ran = subprocess.run([*COMMAND, "--home", "home", *words], cwd=self.path, env=environment,
                              stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60)
         self.assertEqual(ran.returncode, status, ran.stdout + ran.stderr)
-        self.said = "".join(line for line in ran.stderr.splitlines(True) if not line.startswith("wine: "))
+        self.said = own_words(ran.stderr)
         return ran.stdout
 
     def test_no_request_without_server_and_consent(self):

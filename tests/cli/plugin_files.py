@@ -12,6 +12,8 @@ import sys
 import tempfile
 import unittest
 
+from own_words import own_words
+
 FOLDER, ENDING, *PROGRAM = sys.argv[1:]
 
 
@@ -30,7 +32,7 @@ class PluginFiles(unittest.TestCase):
         ran = subprocess.run([*PROGRAM, "--home", "home", *options, *words], cwd=self.path, env=environment,
                              stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=120)
         self.assertEqual(ran.returncode, status, ran.stdout + ran.stderr)
-        self.said = [line for line in ran.stderr.splitlines() if not line.startswith("wine: ")]
+        self.said = own_words(ran.stderr).splitlines()
         return ran.stdout
 
     def edit(self, chain, **kwargs):

@@ -10,6 +10,8 @@ import sys
 import tempfile
 import unittest
 
+from own_words import own_words
+
 COMMAND = []
 
 
@@ -34,8 +36,7 @@ class Cli(unittest.TestCase):
                               stdin=subprocess.DEVNULL, capture_output=True)
         out, err = done.stdout.decode(), done.stderr.decode()
         self.assertEqual(done.returncode, status, out + err)
-        # Wine has words of its own about disks and sound cards.
-        self.err = "".join(line for line in err.splitlines(True) if not line.startswith(("wine: ", "ALSA lib ")))
+        self.err = own_words(err)
         return out
 
     def edit(self, chain, **kwargs):

@@ -1,0 +1,7 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What a program under test says itself."""
+
+
+def own_words(stderr):
+    """Wine has words of its own about disks and sound cards."""
+    return "".join(line for line in stderr.splitlines(True) if not line.startswith(("wine: ", "ALSA lib ")))
