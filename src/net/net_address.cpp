@@ -45,6 +45,12 @@ std::string decoded(const std::string& text) {
   return result;
 }
 
+// No name of a server has any of these, though an address can hide them behind percent signs.
+bool isUnsafeInHosts(char c) {
+  return static_cast<unsigned char>(c) <= ' ' || c == '\x7F' ||
+         std::string_view("/\\?#@%<>\"").find(c) != std::string_view::npos;
+}
+
 bool isUnsafeInNames(char c) {
   return static_cast<unsigned char>(c) < ' ' || c == '\x7F' ||
          std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos;
@@ -61,7 +67,9 @@ std::string addressProblem(const std::string& address, NetSchemes schemes) {
   if (url == nullptr) return "This is no address.";
   const std::string scheme = partOf(url, CURLUPART_SCHEME);
   if (!isAmong(schemes, scheme)) return begins;
-  if (partOf(url, CURLUPART_HOST).empty()) return "The name of the server is missing.";
+  const std::string host = partOf(url, CURLUPART_HOST);
+  if (host.empty()) return "The name of the server is missing.";
+  if (std::ranges::any_of(host, isUnsafeInHosts)) return "This is no address.";
   // Would be answered by a list of names.
   if (scheme == "ftp" && partOf(url, CURLUPART_PATH).ends_with('/'))
     return "This is the address of a folder.";
