@@ -2,13 +2,11 @@
 #include "ui/analysis_dialog.h"
 
 #include <wx/display.h>
-#include <wx/stattext.h>
 
 namespace plumetta {
 namespace {
 
 constexpr int kDepths[] = {60, 90, 120, 150};
-constexpr int kGap = 8;
 
 }  // namespace
 
@@ -21,7 +19,10 @@ AnalysisDlg::AnalysisDlg(wxWindow* parent, const wxString& title, const char* se
     : wxDialog(parent, wxID_ANY, title, wxDefaultPosition, wxDefaultSize,
                wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER | wxMAXIMIZE_BOX),
       profile_(profile),
-      section_(section) {
+      section_(section),
+      readout_(new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize,
+                                wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END)),
+      state_(new wxStaticText(this, wxID_ANY, " ")) {
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { Hide(); });
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
     if (event.GetKeyCode() == WXK_ESCAPE) {
@@ -86,6 +87,10 @@ int AnalysisDlg::depthDb() const { return kDepths[depth_->GetSelection()]; }
 // ---- Place ----------------------------------------------------------------------------------------------
 
 void AnalysisDlg::takeLayout(wxSizer& all, wxWindow& main, const wxSize& usual, const wxSize& least) {
+  auto* words = new wxBoxSizer(wxHORIZONTAL);
+  words->Add(readout_, 1, wxALIGN_CENTRE_VERTICAL);
+  words->Add(state_, 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(kGap));
+  all.Add(words, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   main.SetMinSize(FromDIP(usual));
   SetSizer(&all);
   const wxSize size = all.CalcMin();

@@ -6,6 +6,7 @@
 #include <wx/choice.h>
 #include <wx/dialog.h>
 #include <wx/sizer.h>
+#include <wx/stattext.h>
 
 #include <functional>
 
@@ -49,7 +50,8 @@ class AnalysisDlg : public wxDialog {
                           std::function<void()> chosen);
   // Window function, size, range of levels and kind of axis; once.
   wxSizer* makeSpectrumControls(int smallestSize, int largestSize, SpectrumSettings usual, int usualDepthDb);
-  // Lays the window out about its main part, which has this size at first, and brings it to where it was.
+  // Lays the window out about its main part, which has this size at first, with the words below, and brings
+  // it to where it was.
   void takeLayout(wxSizer& all, wxWindow& main, const wxSize& usual, const wxSize& least);
 
   SpectrumSettings spectrumSettings() const;
@@ -62,8 +64,13 @@ class AnalysisDlg : public wxDialog {
   virtual void showDecibels() = 0;
   virtual void showFrequencies() = 0;
 
+  static constexpr int kGap = 8;
+  static constexpr int kMargin = 12;
+
   WindowProfile& profile_;
   const char* const section_;
+  wxStaticText* const readout_;  // what is under the pointer
+  wxStaticText* const state_;    // what is shown, and how far it is computed
 
  private:
   void restorePlace();

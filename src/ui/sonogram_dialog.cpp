@@ -22,18 +22,11 @@ constexpr int64_t kMostLevels = int64_t{1} << 25;
 constexpr int kMostBlocksPerColumn = 8;
 // How often a sonogram is shown before all of it is there.
 constexpr auto kShowInterval = std::chrono::milliseconds(100);
-constexpr int kGap = 8;
-constexpr int kMargin = 12;
 
 }  // namespace
 
 CSonogramDlg::CSonogramDlg(wxWindow* parent, DocumentTabs& tabs, WindowProfile& profile)
-    : AnalysisDlg(parent, "Sonogram", "Sonogram", profile),
-      tabs_(tabs),
-      view_(new SonogramView(this)),
-      readout_(new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize,
-                                wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END)),
-      state_(new wxStaticText(this, wxID_ANY, " ")) {
+    : AnalysisDlg(parent, "Sonogram", "Sonogram", profile), tabs_(tabs), view_(new SonogramView(this)) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   auto* top = new wxBoxSizer(wxHORIZONTAL);
   top->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual, kUsualDepthDb), 0,
@@ -45,10 +38,6 @@ CSonogramDlg::CSonogramDlg(wxWindow* parent, DocumentTabs& tabs, WindowProfile& 
   planes_ = addChoice(*top, "&Channels:", planes, "Channels", 0, settingsChosen);
   all->Add(top, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   all->Add(view_, 1, wxEXPAND | wxLEFT, FromDIP(kMargin));
-  auto* bottom = new wxBoxSizer(wxHORIZONTAL);
-  bottom->Add(readout_, 1, wxALIGN_CENTRE_VERTICAL);
-  bottom->Add(state_, 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(kGap));
-  all->Add(bottom, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   takeLayout(*all, *view_, {860, 420}, {320, 160});
   bindView();
   showDecibels();

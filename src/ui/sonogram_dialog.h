@@ -50,8 +50,6 @@ class CSonogramDlg : public AnalysisDlg {
 
   DocumentTabs& tabs_;
   SonogramView* view_;
-  wxStaticText* readout_;
-  wxStaticText* state_;
   wxChoice* planes_;
 
   Subject subject_;

@@ -23,8 +23,6 @@ constexpr double kPeakProminenceDb = 10.0;
 constexpr size_t kMostPeaks = 40;
 // How often a spectrum is shown before all of it is there.
 constexpr auto kShowInterval = std::chrono::milliseconds(100);
-constexpr int kGap = 8;
-constexpr int kMargin = 12;
 
 }  // namespace
 
@@ -35,10 +33,7 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
       app_(app),
       plot_(new CurvePlot(this)),
       peakList_(
-          new wxListCtrl(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL)),
-      readout_(new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize,
-                                wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END)),
-      state_(new wxStaticText(this, wxID_ANY, " ")) {
+          new wxListCtrl(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL)) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   auto* top = new wxBoxSizer(wxHORIZONTAL);
   top->Add(makeSpectrumControls(kSmallestSpectrum, kLargestSpectrum, {}, kUsualDepthDb), 1,
@@ -50,10 +45,6 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
   middle->Add(plot_, 1, wxEXPAND);
   middle->Add(peakList_, 0, wxEXPAND | wxLEFT, FromDIP(kGap));
   all->Add(middle, 1, wxEXPAND | wxLEFT | wxRIGHT, FromDIP(kMargin));
-  auto* bottom = new wxBoxSizer(wxHORIZONTAL);
-  bottom->Add(readout_, 1, wxALIGN_CENTRE_VERTICAL);
-  bottom->Add(state_, 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(kGap));
-  all->Add(bottom, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   takeLayout(*all, *plot_, {620, 380}, {240, 160});
   bindPlot();
   showDecibels();

@@ -58,8 +58,6 @@ class CSpectrumDlg : public AnalysisDlg {
   Application& app_;
   CurvePlot* plot_;
   wxListCtrl* peakList_;
-  wxStaticText* readout_;
-  wxStaticText* state_;
   wxButton* save_;
   wxButton* forget_;
 

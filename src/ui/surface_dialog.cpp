@@ -25,17 +25,11 @@ constexpr double kLiveSeconds = 4.0;  // what is to be seen while it plays
 constexpr int kTimeLabels = 6;        // at most
 // How often spectra are shown before all of them are there.
 constexpr auto kShowInterval = std::chrono::milliseconds(150);
-constexpr int kGap = 8;
-constexpr int kMargin = 12;
 
 }  // namespace
 
 C3DSpectrumDlg::C3DSpectrumDlg(wxWindow* parent, WindowProfile& profile)
-    : AnalysisDlg(parent, "3D spectrum", kSection, profile),
-      view_(new SurfaceView(this)),
-      readout_(new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize,
-                                wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END)),
-      state_(new wxStaticText(this, wxID_ANY, " ")) {
+    : AnalysisDlg(parent, "3D spectrum", kSection, profile), view_(new SurfaceView(this)) {
   auto* all = new wxBoxSizer(wxVERTICAL);
   auto* top = new wxBoxSizer(wxHORIZONTAL);
   top->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual, kUsualDepthDb), 0,
@@ -44,10 +38,6 @@ C3DSpectrumDlg::C3DSpectrumDlg(wxWindow* parent, WindowProfile& profile)
   live_ = addCheckBox(*top, "Follow &playing", "Live", true, settingsChosen);
   all->Add(top, 0, wxALL, FromDIP(kMargin));
   all->Add(view_, 1, wxEXPAND | wxLEFT | wxRIGHT, FromDIP(kMargin));
-  auto* bottom = new wxBoxSizer(wxHORIZONTAL);
-  bottom->Add(readout_, 1, wxALIGN_CENTRE_VERTICAL);
-  bottom->Add(state_, 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(kGap));
-  all->Add(bottom, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   takeLayout(*all, *view_, {760, 480}, {320, 200});
   const SurfaceCamera usual;
   view_->setCamera({profile_.real(kSection, "Turn", usual.turn), profile_.real(kSection, "Tilt", usual.tilt),

@@ -51,8 +51,6 @@ class C3DSpectrumDlg : public AnalysisDlg {
   wxString positionText(double frame) const;
 
   SurfaceView* view_;
-  wxStaticText* readout_;
-  wxStaticText* state_;
   wxCheckBox* live_;
 
   Subject subject_;
