@@ -23,7 +23,7 @@ void ClockView::showNothing() { setText({}); }
 void ClockView::setText(const wxString& text) {
   if (text == text_) return;
   text_ = text;
-  Refresh(false);
+  redraw();
 }
 
 void ClockView::paint(wxGraphicsContext& gc, const wxSize& size) {

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "platform/paths.h"
-#include "ui/covered_paint.h"
 #include "ui/flat_tab_art.h"
 #include "ui/text.h"
 
@@ -29,7 +28,6 @@ wxString markedTitle(const CPlumettaDoc& doc) {
 DocumentTabs::DocumentTabs(wxWindow* parent, DisplaySettings& settings)
     : wxAuiNotebook(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, kStyle), settings_(settings) {
   SetArtProvider(new FlatTabArt);
-  skipCoveredPaint(m_mgr);
   followSettings();
   Bind(wxEVT_AUINOTEBOOK_PAGE_CHANGED, [this](wxAuiNotebookEvent& event) {
     if (const Entry* entry = entryAt(event.GetSelection())) entry->panel->SetFocus();

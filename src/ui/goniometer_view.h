@@ -15,7 +15,7 @@ class GoniometerView : public LiveView {
       : LiveView(parent, "Goniometer"), trail_(trail) {}
 
   // The trail has changed.
-  void follow() { Refresh(false); }
+  void follow() { redraw(); }
 
  private:
   void paint(wxGraphicsContext& gc, const wxSize& size) override;

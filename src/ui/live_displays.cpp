@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "audio/input_capture.h"
-#include "ui/covered_paint.h"
 #include "ui/dock_layout.h"
 #include "ui/flat_dock_art.h"
 #include "ui/text.h"
@@ -85,7 +84,6 @@ std::vector<LiveDisplays::Display> LiveDisplays::makeDisplays() {
 
 void LiveDisplays::surround(wxWindow& middle) {
   middle_ = &middle;
-  skipCoveredPaint(panes_);
   panes_.AddPane(middle_, wxAuiPaneInfo().Name(kMiddle).CenterPane().MinSize(1, 1));
   addPanes();
   std::vector<std::string> names{kMiddle};

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <memory>
 
+#include "ui/draw_at_once.h"
 #include "ui/view_window.h"
 
 namespace plumetta {
@@ -28,10 +29,17 @@ LiveView::LiveView(wxWindow* parent, const wxString& name)
 void LiveView::onPaint(wxPaintEvent&) {
   wxAutoBufferedPaintDC dc(this);
   const std::unique_ptr<wxGraphicsContext> gc(wxGraphicsContext::CreateFromUnknownDC(dc));
-  if (!gc) return;
+  if (gc) paintAll(*gc);
+}
+
+void LiveView::redraw() {
+  drawAtOnce(*this, GetClientRect(), [this](wxGraphicsContext& gc) { paintAll(gc); });
+}
+
+void LiveView::paintAll(wxGraphicsContext& gc) {
   const wxSize size = GetClientSize();
-  fillRect(*gc, theme_.margin, 0, 0, size.x, size.y);
-  paint(*gc, size);
+  fillRect(gc, theme_.margin, 0, 0, size.x, size.y);
+  paint(gc, size);
 }
 
 double LiveView::hairline() const {

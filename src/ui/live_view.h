@@ -20,6 +20,9 @@ class LiveView : public wxWindow {
   // The background is there already. However small the area is, even empty.
   virtual void paint(wxGraphicsContext& gc, const wxSize& size) = 0;
 
+  // What is shown has changed.
+  void redraw();
+
   // Other colours are there; everything is going to be painted.
   virtual void themeChanged() {}
 
@@ -32,6 +35,7 @@ class LiveView : public wxWindow {
 
  private:
   void onPaint(wxPaintEvent&);
+  void paintAll(wxGraphicsContext& gc);
 
   Theme theme_;
 };

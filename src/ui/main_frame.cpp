@@ -26,14 +26,6 @@ constexpr const char* kTools[] = {
     "new",    "open", "save", "",        "undo",     "redo",           "",        "cut", "copy", "paste",
     "delete", "trim", "",     "zoom-in", "zoom-out", "zoom-selection", "zoom-all"};
 
-// Each step of a play cursor passes through all windows that it lies in, and one of the usual kind asks the
-// toolkit for font and colour each time and erases itself: dear at sixty steps a second.
-void easeRepainting(wxWindow& window) {
-  window.SetFont(window.GetFont());
-  window.SetOwnForegroundColour(window.GetForegroundColour());
-  window.SetBackgroundStyle(wxBG_STYLE_SYSTEM);
-}
-
 class FileDrop : public wxFileDropTarget {
  public:
   explicit FileDrop(std::function<void(const wxArrayString&)> onFiles) : onFiles_(std::move(onFiles)) {}
@@ -70,11 +62,6 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       place_(*this, profile_),
       editors_(*this, app.rack()) {
   SetIcons(programIcons());
-  for (wxWindow* window :
-       {static_cast<wxWindow*>(this), static_cast<wxWindow*>(displays_), static_cast<wxWindow*>(sides_),
-        static_cast<wxWindow*>(pages_), static_cast<wxWindow*>(tabs_)}) {
-    easeRepainting(*window);
-  }
   pages_->AddPage(startPage_, wxString());
   pages_->AddPage(tabs_, wxString());
   sides_->SetSashGravity(1.0);

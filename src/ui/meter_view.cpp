@@ -34,7 +34,7 @@ MeterView::MeterView(wxWindow* parent) : LiveView(parent, "Level meters") {
   setChannels(2, 0);
   Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent&) {
     for (Bar& bar : bars_) bar.meter.clearClip();
-    Refresh(false);
+    redraw();
   });
   SetToolTip("Peak levels in dB; a click puts the clip lights out");
 }
@@ -53,7 +53,7 @@ void MeterView::advance(std::span<const float> outputs, std::span<const float> i
     const float peak = i < outputs.size() ? outputs[i] : inputs[i - outputs.size()];
     bars_[i].meter.advance(peak, seconds);
   }
-  Refresh(false);
+  redraw();
 }
 
 bool MeterView::falling() const {

@@ -24,7 +24,7 @@ void PanView::show(float firstGain, float secondGain) {
   const float balance = secondGain - firstGain;
   if (balance == balance_) return;
   balance_ = balance;
-  Refresh(false);
+  redraw();
 }
 
 void PanView::paint(wxGraphicsContext& gc, const wxSize& size) {

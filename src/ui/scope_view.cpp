@@ -38,7 +38,7 @@ ScopeView::ScopeView(wxWindow* parent, const StereoTrail& trail, WindowProfile& 
 
 void ScopeView::follow(int sampleRate) {
   sampleRate_ = sampleRate;
-  Refresh(false);
+  redraw();
 }
 
 void ScopeView::onWheel(wxMouseEvent& event) {
@@ -46,7 +46,7 @@ void ScopeView::onWheel(wxMouseEvent& event) {
   if (shorter ? time_ == 0 : time_ + 1 == kTimes.size()) return;
   time_ = shorter ? time_ - 1 : time_ + 1;
   profile_.setInteger(kSection, kTimeKey, kTimes[time_]);
-  Refresh(false);
+  redraw();
 }
 
 // ---- Painting -------------------------------------------------------------------------------------------

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "ui/draw_at_once.h"
+
 namespace plumetta {
 namespace {
 
@@ -79,7 +81,9 @@ void ViewWindow::followPlayFrame() {
   const auto before = std::exchange(shownPlayX_, now);
   if (now == before) return;
   for (const auto& x : {before, now}) {
-    if (x) refreshColumns(*x, *x + hairline());
+    if (!x) continue;
+    const wxRect area = columns(*x, *x + hairline());
+    drawAtOnce(*this, area, [&](wxGraphicsContext& gc) { paint(gc, area); });
   }
 }
 
@@ -87,10 +91,14 @@ void ViewWindow::paintPlayCursor(wxGraphicsContext& gc, const wxRect& area) cons
   if (const auto x = playX()) fillRect(gc, theme().playCursor, *x, area.y, hairline(), area.height);
 }
 
-void ViewWindow::refreshColumns(double from, double to) {
+wxRect ViewWindow::columns(double from, double to) const {
   const int left = static_cast<int>(std::clamp(std::floor(from), 0.0, 1e6));
   const int right = static_cast<int>(std::clamp(std::ceil(to) + 1, 0.0, 1e6));
-  const wxRect area = GetClientRect().Intersect(wxRect(left, 0, right - left, GetClientSize().y));
+  return GetClientRect().Intersect(wxRect(left, 0, right - left, GetClientSize().y));
+}
+
+void ViewWindow::refreshColumns(double from, double to) {
+  const wxRect area = columns(from, to);
   if (!area.IsEmpty()) RefreshRect(area, false);
 }
 

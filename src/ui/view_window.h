@@ -56,6 +56,8 @@ class ViewWindow : public wxWindow {
   wxFont smallFont() const;
   // The line at what is heard, if there is one, from the top of the area to its bottom.
   void paintPlayCursor(wxGraphicsContext& gc, const wxRect& area) const;
+  // The whole pixels between two places, from the window's top to its bottom.
+  wxRect columns(double from, double to) const;
   void refreshColumns(double from, double to);
   void startDrag(std::unique_ptr<Drag> drag);
 
