@@ -21,8 +21,7 @@ bool canDrawAtOnce() {
 
 }  // namespace
 
-void drawAtOnce(wxWindow& window, const wxRect& part,
-                const std::function<void(wxGraphicsContext&)>& paint) {
+void drawAtOnce(wxWindow& window, const wxRect& part, const std::function<void(wxGraphicsContext&)>& paint) {
   if (part.IsEmpty()) return;
   if (!canDrawAtOnce() || window.IsFrozen()) {
     window.RefreshRect(part, false);

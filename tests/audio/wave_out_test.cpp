@@ -134,7 +134,8 @@ struct WaveOut : testing::Test {
   FakeTimer timer;
   CountingSource source;
 
-  // The faked time runs as fast as the pull thread does: a device that plays nothing would soon count as dead.
+  // The faked time runs as fast as the pull thread does: a device that plays nothing would soon count as
+  // dead.
   WaveOut() {
     timer.onSleep = [this](int) { fake.play(); };
   }
