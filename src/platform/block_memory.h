@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+#include "platform/block_pages.h"
+
 namespace plumetta {
 
 // One contiguous, growable block of bytes for sample data. Large blocks come straight from the operating
@@ -21,7 +23,7 @@ class BlockMemory {
   BlockMemory(const BlockMemory&) = delete;
   BlockMemory& operator=(const BlockMemory&) = delete;
 
-  void* data() const { return data_; }
+  void* data() const { return pages_.data; }
   size_t size() const { return size_; }
 
   // Keeps the leading bytes; what is new is not initialised. False, with the old block kept, when there is no
@@ -33,9 +35,11 @@ class BlockMemory {
   void swap(BlockMemory& other) noexcept;
 
  private:
-  void* data_ = nullptr;
+  bool resizeInPlace(size_t bytes);
+  bool allocate(size_t bytes);
+
+  BlockPages pages_;  // without reserved address space where the heap serves the block
   size_t size_ = 0;
-  size_t reserved_ = 0;  // bytes of address space of a block taken from the system; 0 for one of the heap
 };
 
 // Bytes that can be had without pushing the machine into trouble; a bound, not a promise.

@@ -114,23 +114,48 @@ int PulseConnection::finish(pa_operation* operation) {
   return error;
 }
 
-int PulseConnection::listSinks(std::vector<Device>& sinks) {
+int PulseConnection::list(Kind kind, std::vector<Device>& devices) {
   DeviceList list{{}, {}, {}, {}, this};
   if (const int error = finish(pa_context_get_server_info(context_, onServer, &list))) return error;
-  if (const int error = finish(pa_context_get_sink_info_list(context_, onSink, &list))) return error;
-  list.bringToFront(list.defaultSink);
-  sinks = std::move(list.devices);
+  const int error = finish(kind == Kind::sinks ? pa_context_get_sink_info_list(context_, onSink, &list)
+                                               : pa_context_get_source_info_list(context_, onSource, &list));
+  if (error != 0) return error;
+  list.devices.insert(list.devices.end(), list.monitors.begin(), list.monitors.end());
+  list.bringToFront(kind == Kind::sinks ? list.defaultSink : list.defaultSource);
+  devices = std::move(list.devices);
   return 0;
 }
 
-int PulseConnection::listSources(std::vector<Device>& sources) {
-  DeviceList list{{}, {}, {}, {}, this};
-  if (const int error = finish(pa_context_get_server_info(context_, onServer, &list))) return error;
-  if (const int error = finish(pa_context_get_source_info_list(context_, onSource, &list))) return error;
-  list.devices.insert(list.devices.end(), list.monitors.begin(), list.monitors.end());
-  list.bringToFront(list.defaultSource);
-  sources = std::move(list.devices);
+int PulseConnection::find(Kind kind, int index, Device& device) {
+  std::vector<Device> devices;
+  if (const int error = list(kind, devices)) return error;
+  if (index < 0 || static_cast<size_t>(index) >= devices.size()) return PA_ERR_NOENTITY;
+  device = std::move(devices[static_cast<size_t>(index)]);
   return 0;
+}
+
+int PulseConnection::newStream(int channels, int sampleRate, int bitsPerSample, pa_stream*& stream) {
+  const pa_sample_format_t sample = bitsPerSample == 8    ? PA_SAMPLE_U8
+                                    : bitsPerSample == 16 ? PA_SAMPLE_S16LE
+                                                          : PA_SAMPLE_S24LE;
+  const pa_sample_spec spec{sample, static_cast<uint32_t>(sampleRate), static_cast<uint8_t>(channels)};
+  if (!pa_sample_spec_valid(&spec)) return PA_ERR_INVALID;
+  stream = pa_stream_new(context_, "Plumetta", &spec, nullptr);
+  return stream == nullptr ? pa_context_errno(context_) : 0;
+}
+
+int listPulseDevices(PulseConnection::Kind kind, std::vector<PulseConnection::Device>& devices) {
+  PulseConnection pulse;
+  if (const int error = pulse.connect()) return error;
+  const PulseConnection::Held held(pulse);
+  return pulse.list(kind, devices);
+}
+
+int findPulseDevice(PulseConnection::Kind kind, int index, PulseConnection::Device& device) {
+  PulseConnection pulse;
+  if (const int error = pulse.connect()) return error;
+  const PulseConnection::Held held(pulse);
+  return pulse.find(kind, index, device);
 }
 
 std::string pulseErrorText(int error) {

@@ -50,10 +50,14 @@ class PulseConnection {
     std::string name;         // the server's own, by which streams ask for it
     std::string description;  // for people
   };
-  // The outputs; that which the server takes by default comes first, the others in the server's order.
-  int listSinks(std::vector<Device>& sinks);
-  // The inputs, the default one first in the same way; the monitors of outputs follow the real inputs.
-  int listSources(std::vector<Device>& sources);
+  // The device that the server takes by default comes first, the others in the server's order; the monitors
+  // of sinks follow the real sources.
+  enum class Kind { sinks, sources };
+  int list(Kind kind, std::vector<Device>& devices);
+  // The device of that place in the list.
+  int find(Kind kind, int index, Device& device);
+  // A stream of interleaved PCM that is not connected yet; 8 bits are unsigned, 16 and 24 signed.
+  int newStream(int channels, int sampleRate, int bitsPerSample, pa_stream*& stream);
 
  private:
   bool failed() const;
@@ -63,6 +67,10 @@ class PulseConnection {
   pa_threaded_mainloop* loop_ = nullptr;
   pa_context* context_ = nullptr;
 };
+
+// The same over a connection of their own.
+int listPulseDevices(PulseConnection::Kind kind, std::vector<PulseConnection::Device>& devices);
+int findPulseDevice(PulseConnection::Kind kind, int index, PulseConnection::Device& device);
 
 // For a person to read.
 std::string pulseErrorText(int error);

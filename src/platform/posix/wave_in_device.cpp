@@ -78,30 +78,25 @@ class Device : public WaveInDevice {
 int Device::open(int index, const WaveInFormat& format) {
   if (const int error = pulse_.connect()) return error;
   const PulseConnection::Held held(pulse_);
-  std::vector<PulseConnection::Device> sources;
-  if (const int error = pulse_.listSources(sources)) return error;
-  if (index < 0 || static_cast<size_t>(index) >= sources.size()) return PA_ERR_NOENTITY;
-  if (const int error = openStream(sources[static_cast<size_t>(index)].name.c_str(), format)) return error;
+  PulseConnection::Device source;
+  if (const int error = pulse_.find(PulseConnection::Kind::sources, index, source)) return error;
+  if (const int error = openStream(source.name.c_str(), format)) return error;
   const int error =
       pulse_.waitFor([this] { return error_ != 0 || pa_stream_get_state(stream_) == PA_STREAM_READY; });
   return error != 0 ? error : error_.load();
 }
 
 int Device::openStream(const char* source, const WaveInFormat& format) {
-  const pa_sample_format_t sample = format.bitsPerSample == 8    ? PA_SAMPLE_U8
-                                    : format.bitsPerSample == 16 ? PA_SAMPLE_S16LE
-                                                                 : PA_SAMPLE_S24LE;
-  const pa_sample_spec spec{sample, static_cast<uint32_t>(format.sampleRate),
-                            static_cast<uint8_t>(format.channels)};
-  if (!pa_sample_spec_valid(&spec)) return PA_ERR_INVALID;
+  if (const int error = pulse_.newStream(format.channels, format.sampleRate, format.bitsPerSample, stream_)) {
+    return error;
+  }
   silence_ = format.bitsPerSample == 8 ? static_cast<char>(0x80) : char{0};
-  stream_ = pa_stream_new(pulse_.context(), "Plumetta", &spec, nullptr);
-  if (stream_ == nullptr) return pa_context_errno(pulse_.context());
   pa_stream_set_state_callback(stream_, onState, this);
   pa_stream_set_read_callback(stream_, onData, this);
   pa_buffer_attr attributes{};
   attributes.maxlength = static_cast<uint32_t>(-1);
-  attributes.fragsize = static_cast<uint32_t>(format.bufferFrames * pa_frame_size(&spec));
+  attributes.fragsize =
+      static_cast<uint32_t>(format.bufferFrames * pa_frame_size(pa_stream_get_sample_spec(stream_)));
   // A take comes from one device: one that vanishes ends it rather than being replaced unseen. The stream
   // runs from now on: a source that nobody listens to may work in blocks of seconds, and would begin with
   // one.
@@ -202,17 +197,16 @@ class PulseInput : public WaveInSystem {
  public:
   int countDevices(int& count) override {
     std::vector<PulseConnection::Device> sources;
-    const int error = list(sources);
+    const int error = listPulseDevices(PulseConnection::Kind::sources, sources);
     count = static_cast<int>(sources.size());
     return error;
   }
 
   int capabilities(int index, WaveInCapabilities& capabilities) override {
-    std::vector<PulseConnection::Device> sources;
-    if (const int error = list(sources)) return error;
-    if (index < 0 || static_cast<size_t>(index) >= sources.size()) return PA_ERR_NOENTITY;
-    capabilities = {sources[static_cast<size_t>(index)].description, kAllFormats};
-    return 0;
+    PulseConnection::Device source;
+    const int error = findPulseDevice(PulseConnection::Kind::sources, index, source);
+    if (error == 0) capabilities = {source.description, kAllFormats};
+    return error;
   }
 
   int open(int index, const WaveInFormat& format, WaveInHandler handler, void* context,
@@ -225,14 +219,6 @@ class PulseInput : public WaveInSystem {
 
   std::unique_ptr<WaveInHeader> newHeader() override { return std::make_unique<Header>(); }
   std::string errorText(int error) override { return pulseErrorText(error); }
-
- private:
-  static int list(std::vector<PulseConnection::Device>& sources) {
-    PulseConnection pulse;
-    if (const int error = pulse.connect()) return error;
-    const PulseConnection::Held held(pulse);
-    return pulse.listSources(sources);
-  }
 };
 
 }  // namespace

@@ -72,10 +72,9 @@ class Device : public WaveOutDevice {
 int Device::open(int index, const WaveOutFormat& format) {
   if (const int error = pulse_.connect()) return error;
   const PulseConnection::Held held(pulse_);
-  std::vector<PulseConnection::Device> sinks;
-  if (const int error = pulse_.listSinks(sinks)) return error;
-  if (index < 0 || static_cast<size_t>(index) >= sinks.size()) return PA_ERR_NOENTITY;
-  if (const int error = openStream(sinks[static_cast<size_t>(index)].name.c_str(), format)) return error;
+  PulseConnection::Device sink;
+  if (const int error = pulse_.find(PulseConnection::Kind::sinks, index, sink)) return error;
+  if (const int error = openStream(sink.name.c_str(), format)) return error;
   const int error =
       pulse_.waitFor([this] { return error_ != 0 || pa_stream_get_state(stream_) == PA_STREAM_READY; });
   if (error != 0 || error_ != 0) return error != 0 ? error : error_;
@@ -98,20 +97,16 @@ int Device::sendSilence(size_t bytes) {
 }
 
 int Device::openStream(const char* sink, const WaveOutFormat& format) {
-  const pa_sample_format_t sample = format.bitsPerSample == 8    ? PA_SAMPLE_U8
-                                    : format.bitsPerSample == 16 ? PA_SAMPLE_S16LE
-                                                                 : PA_SAMPLE_S24LE;
-  const pa_sample_spec spec{sample, static_cast<uint32_t>(format.sampleRate),
-                            static_cast<uint8_t>(format.channels)};
-  if (!pa_sample_spec_valid(&spec)) return PA_ERR_INVALID;
-  stream_ = pa_stream_new(pulse_.context(), "Plumetta", &spec, nullptr);
-  if (stream_ == nullptr) return pa_context_errno(pulse_.context());
+  if (const int error = pulse_.newStream(format.channels, format.sampleRate, format.bitsPerSample, stream_)) {
+    return error;
+  }
   pa_stream_set_state_callback(stream_, onState, this);
   pa_stream_set_write_callback(stream_, onRequest, this);
   pa_stream_set_underflow_callback(stream_, onUnderflow, this);
   // All of the way to the loudspeaker is to hold what the buffers hold and no more. It starts with the first
   // buffer, and every half buffer played is reported.
-  const auto buffer = static_cast<uint32_t>(format.bufferFrames * pa_frame_size(&spec));
+  const auto buffer =
+      static_cast<uint32_t>(format.bufferFrames * pa_frame_size(pa_stream_get_sample_spec(stream_)));
   pa_buffer_attr attributes{};
   attributes.maxlength = static_cast<uint32_t>(-1);
   wholeLength_ = buffer * static_cast<uint32_t>(format.bufferCount);
@@ -212,17 +207,16 @@ class PulseOutput : public WaveOutSystem {
  public:
   int countDevices(int& count) override {
     std::vector<PulseConnection::Device> sinks;
-    const int error = list(sinks);
+    const int error = listPulseDevices(PulseConnection::Kind::sinks, sinks);
     count = static_cast<int>(sinks.size());
     return error;
   }
 
   int deviceName(int index, std::string& name) override {
-    std::vector<PulseConnection::Device> sinks;
-    if (const int error = list(sinks)) return error;
-    if (index < 0 || static_cast<size_t>(index) >= sinks.size()) return PA_ERR_NOENTITY;
-    name = sinks[static_cast<size_t>(index)].description;
-    return 0;
+    PulseConnection::Device sink;
+    const int error = findPulseDevice(PulseConnection::Kind::sinks, index, sink);
+    if (error == 0) name = sink.description;
+    return error;
   }
 
   int open(int index, const WaveOutFormat& format, std::unique_ptr<WaveOutDevice>& device) override {
@@ -234,14 +228,6 @@ class PulseOutput : public WaveOutSystem {
 
   std::unique_ptr<WaveOutHeader> newHeader() override { return std::make_unique<Header>(); }
   std::string errorText(int error) override { return pulseErrorText(error); }
-
- private:
-  static int list(std::vector<PulseConnection::Device>& sinks) {
-    PulseConnection pulse;
-    if (const int error = pulse.connect()) return error;
-    const PulseConnection::Held held(pulse);
-    return pulse.listSinks(sinks);
-  }
 };
 
 }  // namespace

@@ -7,8 +7,7 @@
 // Behind mmsystem.h, whose formats it extends.
 #include <mmreg.h>
 
-#include <atomic>
-
+#include "platform/windows/wave_records.h"
 #include "platform/windows/wide.h"
 
 namespace plumetta {
@@ -22,12 +21,7 @@ constexpr DWORD kFrontLeftAndRight = 3;
 class Header : public WaveInHeader {
  public:
   Header() { native_.dwUser = reinterpret_cast<DWORD_PTR>(this); }
-  bool done() const noexcept override {
-    // The device sets the flag from a thread of its own, and what it did before must be seen after.
-    const DWORD flags = *static_cast<const volatile DWORD*>(&native_.dwFlags);
-    std::atomic_thread_fence(std::memory_order_acquire);
-    return (flags & WHDR_DONE) != 0;
-  }
+  bool done() const noexcept override { return isDone(native_); }
   void assign(void* data, uint32_t bytes) noexcept override {
     native_.lpData = static_cast<char*>(data);
     native_.dwBufferLength = bytes;
@@ -42,8 +36,6 @@ class Header : public WaveInHeader {
 };
 
 WAVEHDR* nativeOf(WaveInHeader& header) { return static_cast<Header&>(header).native(); }
-
-int codeOf(MMRESULT result) { return static_cast<int>(result); }
 
 class Device : public WaveInDevice {
  public:
@@ -95,12 +87,7 @@ class Device : public WaveInDevice {
 WAVEFORMATEXTENSIBLE nativeFormat(const WaveInFormat& format) {
   WAVEFORMATEXTENSIBLE native{};
   WAVEFORMATEX& pcm = native.Format;
-  pcm.wFormatTag = WAVE_FORMAT_PCM;
-  pcm.nChannels = static_cast<WORD>(format.channels);
-  pcm.nSamplesPerSec = static_cast<DWORD>(format.sampleRate);
-  pcm.wBitsPerSample = static_cast<WORD>(format.bitsPerSample);
-  pcm.nBlockAlign = static_cast<WORD>(format.channels * format.bitsPerSample / 8);
-  pcm.nAvgBytesPerSec = pcm.nBlockAlign * pcm.nSamplesPerSec;
+  pcm = plainPcm(format.channels, format.sampleRate, format.bitsPerSample);
   if (format.bitsPerSample == 24) {
     pcm.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
     pcm.cbSize = kExtraBytes;

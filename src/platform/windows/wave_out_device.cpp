@@ -5,8 +5,7 @@
 
 #include <mmsystem.h>
 
-#include <atomic>
-
+#include "platform/windows/wave_records.h"
 #include "platform/windows/wide.h"
 
 namespace plumetta {
@@ -14,12 +13,7 @@ namespace {
 
 class Header : public WaveOutHeader {
  public:
-  bool done() const noexcept override {
-    // The device sets the flag from a thread of its own, and what it did before must be seen after.
-    const DWORD flags = *static_cast<const volatile DWORD*>(&native_.dwFlags);
-    std::atomic_thread_fence(std::memory_order_acquire);
-    return (flags & WHDR_DONE) != 0;
-  }
+  bool done() const noexcept override { return isDone(native_); }
   void setDone() noexcept override { native_.dwFlags |= WHDR_DONE; }
   void assign(const void* data, uint32_t bytes) noexcept override {
     native_ = {};
@@ -33,8 +27,6 @@ class Header : public WaveOutHeader {
 };
 
 WAVEHDR* nativeOf(WaveOutHeader& header) { return static_cast<Header&>(header).native(); }
-
-int codeOf(MMRESULT result) { return static_cast<int>(result); }
 
 class Device : public WaveOutDevice {
  public:
@@ -78,13 +70,7 @@ class MultimediaOutput : public WaveOutSystem {
   }
 
   int open(int index, const WaveOutFormat& format, std::unique_ptr<WaveOutDevice>& device) override {
-    WAVEFORMATEX pcm{};
-    pcm.wFormatTag = WAVE_FORMAT_PCM;
-    pcm.nChannels = static_cast<WORD>(format.channels);
-    pcm.nSamplesPerSec = static_cast<DWORD>(format.sampleRate);
-    pcm.wBitsPerSample = static_cast<WORD>(format.bitsPerSample);
-    pcm.nBlockAlign = static_cast<WORD>(format.channels * format.bitsPerSample / 8);
-    pcm.nAvgBytesPerSec = pcm.nBlockAlign * pcm.nSamplesPerSec;
+    const WAVEFORMATEX pcm = plainPcm(format.channels, format.sampleRate, format.bitsPerSample);
     HWAVEOUT handle = nullptr;
     const int error = codeOf(waveOutOpen(&handle, static_cast<UINT>(index), &pcm, 0, 0, CALLBACK_NULL));
     if (error == 0) device = std::make_unique<Device>(handle);
