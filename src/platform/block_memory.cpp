@@ -6,6 +6,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/available_memory.h"
+
 namespace plumetta {
 namespace {
 

@@ -42,7 +42,4 @@ class BlockMemory {
   size_t size_ = 0;
 };
 
-// Bytes that can be had without pushing the machine into trouble; a bound, not a promise.
-size_t availableMemoryBytes();
-
 }  // namespace plumetta

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "platform/available_memory.h"
+
 namespace plumetta {
 namespace {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/available_memory.h"
+
 #include <windows.h>
 
 #include <cstdint>
-
-#include "platform/block_memory.h"
 
 namespace plumetta {
 
