@@ -14,6 +14,8 @@ namespace {
 constexpr int kAutoscrollMilliseconds = 30;
 // Deep in a long file an edge may lie beyond what a rasteriser can count.
 constexpr double kFar = 1e5;
+// Pixels that are painted on either side of what is seen: GDI+ may leave out paths of very few columns.
+constexpr int kPaintMargin = 4;
 constexpr double kSettingDistance = 20;  // pixels outside of the window at which the setting is the speed
 
 }  // namespace
@@ -40,7 +42,7 @@ void ViewWindow::onPaint(wxPaintEvent&) {
   if (!gc) return;
   wxRect area = GetUpdateRegion().GetBox();
   if (area.IsEmpty()) area = GetClientRect();
-  paint(*gc, area);
+  paint(*gc, area.Inflate(kPaintMargin, 0).Intersect(GetClientRect()));
 }
 
 void ViewWindow::follow() {
