@@ -47,6 +47,7 @@ class FlacDecoding {
   bool open(bool inOgg);
   LoadResult begin();
   LoadResult finish();
+  bool decodeFrame();
   bool goOn();
   size_t read(void* bytes, size_t count) { return goOn() ? in_.read(bytes, count) : 0; }
   void noteMetadata(const FLAC__StreamMetadata& block);
@@ -60,6 +61,7 @@ class FlacDecoding {
   FrameSink sink_;
   FLAC__StreamMetadata_StreamInfo info_{};
   int64_t claimedFrames_ = 0;  // 0 when the file doesn't tell
+  int blocksOfFrame_ = 0;      // that the library gave with one frame; see `take`
   bool hasInfo_ = false;
   bool hasText_ = false;
   bool isDamaged_ = false;
@@ -98,7 +100,8 @@ LoadResult FlacDecoding::run(bool inOgg) {
   if (!open(inOgg)) return LoadResult::outOfMemory();
   FLAC__stream_decoder_process_until_end_of_metadata(decoder_.get());
   if (result_.status == LoadStatus::loaded) result_ = begin();
-  if (result_.status == LoadStatus::loaded) FLAC__stream_decoder_process_until_end_of_stream(decoder_.get());
+  while (result_.status == LoadStatus::loaded && decodeFrame()) {
+  }
   return result_.status == LoadStatus::loaded ? finish() : std::move(result_);
 }
 
@@ -122,6 +125,14 @@ LoadResult FlacDecoding::finish() {
   return std::move(result_);
 }
 
+// False at the end of the stream, and where nothing more can be had of it.
+bool FlacDecoding::decodeFrame() {
+  blocksOfFrame_ = 0;
+  if (!FLAC__stream_decoder_process_single(decoder_.get())) return false;
+  const auto state = FLAC__stream_decoder_get_state(decoder_.get());
+  return state != FLAC__STREAM_DECODER_END_OF_STREAM && state != FLAC__STREAM_DECODER_ABORTED;
+}
+
 // False when the person has asked to stop.
 bool FlacDecoding::goOn() {
   const double fraction = claimedFrames_ > 0
@@ -141,9 +152,11 @@ void FlacDecoding::noteMetadata(const FLAC__StreamMetadata& block) {
   }
 }
 
-// False when no more frames are wanted.
+// A frame, or silence in place of lost ones ahead of it, of which nothing else tells. False when no more is
+// wanted.
 bool FlacDecoding::take(const FLAC__FrameHeader& header, const int32_t* const* channels) {
   if (isBehindEnd_) return false;
+  if (++blocksOfFrame_ > 1) isDamaged_ = true;
   if (header.channels != info_.channels || header.bits_per_sample != info_.bits_per_sample) {
     isDamaged_ = true;
     return true;
