@@ -135,9 +135,10 @@ bool FlacDecoding::decodeFrame() {
 
 // False when the person has asked to stop.
 bool FlacDecoding::goOn() {
-  const double fraction = claimedFrames_ > 0
-                              ? static_cast<double>(sink_.frames()) / static_cast<double>(claimedFrames_)
-                              : static_cast<double>(in_.position()) / static_cast<double>(in_.size());
+  const double fraction =
+      claimedFrames_ > 0
+          ? static_cast<double>(sink_.frames()) / static_cast<double>(claimedFrames_)
+          : static_cast<double>(in_.position()) / static_cast<double>(std::max<uint64_t>(in_.size(), 1));
   if (progress_.report(static_cast<float>(std::min(fraction, 1.0)))) return true;
   result_ = {LoadStatus::cancelled, {}, {}, {}};
   return false;
