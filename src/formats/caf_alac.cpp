@@ -13,7 +13,7 @@ using namespace std::string_view_literals;
 constexpr uint64_t kFileHeader = 8;
 constexpr size_t kDescriptionEnd = 52;  // of the first chunk, always
 constexpr size_t kFormat = 28, kFormatFlags = 32, kPacketFrames = 40;
-constexpr int kMostChunks = 10000;
+constexpr int kMostChunks = 1000;
 constexpr size_t kAtom = 12;  // bytes of 'frma', and of the head of 'alac', ahead of the configuration
 constexpr size_t kConfiguration = 24;
 constexpr size_t kDepth = 5;  // in the configuration
