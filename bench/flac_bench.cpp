@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_file.h"
+#include "formats/flac_reader.h"
 #include "formats/sndfile_formats.h"
 #include "sndfile_peer.h"
 
@@ -22,7 +23,7 @@ void loadFlac(benchmark::State& state) {
   const std::string& path = flacFile();
   for (auto _ : state) {
     CWave wave;
-    const auto result = loadSndfile(kFlac, nativeFileSystem(), path, wave);
+    const auto result = loadFlac(nativeFileSystem(), path, {}, wave);
     if (result.status != LoadStatus::loaded) state.SkipWithError("load");
   }
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
 
+#include "formats/caf_reader.h"
+#include "formats/flac_reader.h"
 #include "formats/format.h"
 #include "formats/mp3_reader.h"
 #include "formats/mp3_writer.h"
@@ -164,7 +166,7 @@ const std::vector<Format>& formatTable() {
       {.name = "CAF audio",
        .extensions = {"caf"},
        .probe = probeCaf,
-       .read = readSndfile<kCaf>,
+       .read = loadCaf,
        .write = writeSndfile<kCaf>,
        .losses = sndfileLosses<kCaf>,
        .mimeTypes = {"audio/x-caf"}},
@@ -178,7 +180,7 @@ const std::vector<Format>& formatTable() {
       {.name = "FLAC audio",
        .extensions = {"flac"},
        .probe = probeFlac,
-       .read = readSndfile<kFlac>,
+       .read = loadFlac,
        .write = writeSndfile<kFlac>,
        .losses = sndfileLosses<kFlac>,
        .mimeTypes = {"audio/flac"}},
@@ -192,7 +194,7 @@ const std::vector<Format>& formatTable() {
       {.name = "Ogg FLAC audio",
        .extensions = {"oga"},
        .probe = probeOggFlac,
-       .read = loadOggFlac,
+       .read = loadFlac,
        .mimeTypes = {"audio/x-flac+ogg"}},
       {.name = "Dialogic VOX audio",
        .extensions = {"vox"},

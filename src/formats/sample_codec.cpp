@@ -33,16 +33,21 @@ void store(uint8_t* raw, size_t i, T value) {
   std::memcpy(raw + i * sizeof(T), &value, sizeof(T));
 }
 
+// The scales of signed PCM; 24 bits come as the upper ones of 32.
+float pcm8ToFloat(int32_t value) { return static_cast<float>(value) / 127.5f; }
+float pcm16ToFloat(int32_t value) { return static_cast<float>(value) / 32767.0f; }
+float pcm32ToFloat(int32_t value) { return static_cast<float>(value) * static_cast<float>(kInt32Scale); }
+
 void decodePcm8Unsigned(const uint8_t* raw, float* floats, size_t count) {
   for (size_t i = 0; i < count; ++i) floats[i] = (raw[i] - 128.0f) / 127.0f;
 }
 
 void decodePcm8Signed(const uint8_t* raw, float* floats, size_t count) {
-  for (size_t i = 0; i < count; ++i) floats[i] = static_cast<int8_t>(raw[i]) / 127.5f;
+  for (size_t i = 0; i < count; ++i) floats[i] = pcm8ToFloat(static_cast<int8_t>(raw[i]));
 }
 
 void decodePcm16Signed(const uint8_t* raw, float* floats, size_t count) {
-  for (size_t i = 0; i < count; ++i) floats[i] = load<int16_t>(raw, i) / 32767.0f;
+  for (size_t i = 0; i < count; ++i) floats[i] = pcm16ToFloat(load<int16_t>(raw, i));
 }
 
 void decodePcm16Unsigned(const uint8_t* raw, float* floats, size_t count) {
@@ -53,12 +58,12 @@ void decodePcm24(const uint8_t* raw, float* floats, size_t count) {
   for (size_t i = 0; i < count; ++i, raw += 3) {
     const uint32_t bits = static_cast<uint32_t>(raw[0]) << 8 | static_cast<uint32_t>(raw[1]) << 16 |
                           static_cast<uint32_t>(raw[2]) << 24;
-    floats[i] = static_cast<float>(static_cast<int32_t>(bits)) * static_cast<float>(kInt32Scale);
+    floats[i] = pcm32ToFloat(static_cast<int32_t>(bits));
   }
 }
 
 void decodePcm32(const uint8_t* raw, float* floats, size_t count) {
-  for (size_t i = 0; i < count; ++i) floats[i] = static_cast<float>(load<int32_t>(raw, i) * kInt32Scale);
+  for (size_t i = 0; i < count; ++i) floats[i] = pcm32ToFloat(load<int32_t>(raw, i));
 }
 
 void decodeFloat32(const uint8_t* raw, float* floats, size_t count) {
@@ -209,6 +214,22 @@ Codec codecFor(Encoding encoding, SignType signType) {
   return {nullptr, nullptr};
 }
 
+template <float (*kToFloat)(int32_t)>
+void interleave(const int32_t* const* channels, int channelCount, int shift, float* floats, size_t frames) {
+  if (channelCount == 2) {  // apart, for the vectors
+    const int32_t *left = channels[0], *right = channels[1];
+    for (size_t f = 0; f < frames; ++f) {
+      floats[2 * f] = kToFloat(left[f] << shift);
+      floats[2 * f + 1] = kToFloat(right[f] << shift);
+    }
+    return;
+  }
+  const auto step = static_cast<size_t>(channelCount);
+  for (size_t c = 0; c < step; ++c) {
+    for (size_t f = 0; f < frames; ++f) floats[f * step + c] = kToFloat(channels[c][f] << shift);
+  }
+}
+
 void swapByteOrder(uint8_t* raw, size_t count, size_t bytes) {
   for (size_t i = 0; i < count; ++i) std::reverse(raw + i * bytes, raw + (i + 1) * bytes);
 }
@@ -310,6 +331,14 @@ CodecResult encodeSamples(OutputStream& out, const SampleFormat& format, const f
     if (!progress.report(fraction(done, frames))) return CodecResult::cancelled;
   }
   return CodecResult::done;
+}
+
+int wholeWidth(int bits) { return (bits + 7) / 8 * 8; }
+
+void interleavePcm(const int32_t* const* channels, int channelCount, int bits, float* floats, size_t frames) {
+  if (bits <= 8) return interleave<pcm8ToFloat>(channels, channelCount, 8 - bits, floats, frames);
+  if (bits <= 16) return interleave<pcm16ToFloat>(channels, channelCount, 16 - bits, floats, frames);
+  interleave<pcm32ToFloat>(channels, channelCount, 32 - bits, floats, frames);
 }
 
 void toPcm16(const float* floats, int16_t* integers, size_t count) {

@@ -45,6 +45,13 @@ CodecResult decodeSamples(InputStream& in, const SampleFormat& format, float* fl
 CodecResult encodeSamples(OutputStream& out, const SampleFormat& format, const float* floats, int64_t frames,
                           int channels, const WaveProgress& progress);
 
+// The whole width, 8, 16, 24 or 32 bits, that a sample of `bits` (at most 32) stands in.
+int wholeWidth(int bits);
+
+// Channels of signed integers of `bits` each, interleaved to floats: a narrow sample takes the upper bits of
+// its whole width, by whose scale it goes.
+void interleavePcm(const int32_t* const* channels, int channelCount, int bits, float* floats, size_t frames);
+
 // The same conversion in memory: samples at ±1.0 to 16-bit integers.
 void toPcm16(const float* floats, int16_t* integers, size_t count);
 

@@ -12,12 +12,12 @@ namespace plumetta {
 // Fills the buffer through libsndfile, samples by the scales of sample_codec.h: the same sound gives the same
 // floats whichever container it comes from.
 LoadResult loadSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, CWave& wave);
+// The same from a file at its start, whose name the buffer doesn't get.
+LoadResult loadSndfile(const SndfileKind& kind, File& file, CWave& wave);
 // The same from a stream at its start; the buffer's file name stays. `claimedBytes`: the length that the file
 // has by its own header, where that is more than there is.
 LoadResult loadSndfile(const SndfileKind& kind, InputStream& in, std::optional<uint64_t> claimedBytes,
                        CWave& wave);
-// An Ogg stream of FLAC, which the library only knows without the Ogg around it.
-LoadResult loadOggFlac(FileSystem& files, const std::string& path, const OpenOptions& options, CWave& wave);
 SaveResult saveSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, const CWave& wave,
                        const SaveOptions& options);
 

@@ -44,14 +44,6 @@ Likeness probeW64(const FileHead& head) {
   return certainIf(head.has(0, "riff\x2E\x91\xCF\x11\xA5\xD6\x28\xDB\x04\xC1\0\0"sv));
 }
 
-Likeness probeFlac(const FileHead& head) { return certainIf(head.audioHas(0, "fLaC")); }
-
-Likeness probeOggFlac(const FileHead& head) {
-  return certainIf(head.has(0, "OggS") && head.has(kOggPacket,
-                                                   "\x7F"
-                                                   "FLAC"));
-}
-
 Likeness probeOpus(const FileHead& head) {
   return certainIf(head.has(0, "OggS") && head.has(kOggPacket, "OpusHead"));
 }

@@ -14,8 +14,6 @@ Likeness probeAu(const FileHead& head);
 Likeness probeVoc(const FileHead& head);
 Likeness probeCaf(const FileHead& head);
 Likeness probeW64(const FileHead& head);
-Likeness probeFlac(const FileHead& head);
-Likeness probeOggFlac(const FileHead& head);
 Likeness probeOpus(const FileHead& head);
 
 // How many bytes a file has by what its own header says, so that a shorter one is known for truncated; 0

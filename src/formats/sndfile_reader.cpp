@@ -2,9 +2,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "formats/file_view.h"
 #include "formats/frame_sink.h"
-#include "formats/ogg_pages.h"
-#include "formats/segmented_file.h"
 #include "formats/sndfile_formats.h"
 #include "formats/sndfile_stream.h"
 
@@ -217,16 +216,6 @@ LoadResult loadOpened(const SndfileKind& kind, File& file, CWave& wave) {
   return result;
 }
 
-// The library takes the positions in most containers for those in the file, and would be led astray by a tag.
-LoadResult loadBehindTag(const SndfileKind& kind, File& file, CWave& wave) {
-  const uint64_t tag = FileHead::of(file, {}).tagBytes;
-  if (tag == 0) return loadOpened(kind, file, wave);
-  SegmentedFile audio(file, {{tag, file.size() - tag}});
-  LoadResult result = loadOpened(kind, audio, wave);
-  if (result.status == LoadStatus::loaded) result.textKinds.push_back("ID3");
-  return result;
-}
-
 }  // namespace
 
 LoadResult loadSndfile(const SndfileKind& kind, InputStream& in, std::optional<uint64_t> claimedBytes,
@@ -246,22 +235,21 @@ LoadResult loadSndfile(const SndfileKind& kind, InputStream& in, std::optional<u
   return result;
 }
 
+// The library takes the positions in most containers for those in the file, and would be led astray by a tag.
+LoadResult loadSndfile(const SndfileKind& kind, File& file, CWave& wave) {
+  const uint64_t tag = FileHead::of(file, {}).tagBytes;
+  if (tag == 0) return loadOpened(kind, file, wave);
+  FileView audio(file, tag);
+  LoadResult result = loadOpened(kind, audio, wave);
+  if (result.status == LoadStatus::loaded) result.textKinds.push_back("ID3");
+  return result;
+}
+
 LoadResult loadSndfile(const SndfileKind& kind, FileSystem& files, const std::string& path, CWave& wave) {
   std::error_code error;
   const auto file = files.openForReading(path, error);
   if (!file) return LoadResult::failure(error.message());
-  LoadResult result = loadBehindTag(kind, *file, wave);
-  wave.setFileName(path);
-  return result;
-}
-
-LoadResult loadOggFlac(FileSystem& files, const std::string& path, const OpenOptions&, CWave& wave) {
-  std::error_code error;
-  const auto file = files.openForReading(path, error);
-  if (!file) return LoadResult::failure(error.message());
-  InputStream in(*file);
-  SegmentedFile stream(*file, flacSegmentsOfOgg(in));
-  LoadResult result = loadOpened(kFlac, stream, wave);
+  LoadResult result = loadSndfile(kind, *file, wave);
   wave.setFileName(path);
   return result;
 }
