@@ -39,15 +39,15 @@ SF_VIRTUAL_IO writingCalls() {
   calls.get_filelen = [](void* user) { return countOf(outputOf(user).length()); };
   calls.seek = [](sf_count_t offset, int whence, void* user) {
     SndfileOutput& out = outputOf(user);
-    out.stream().seek(seekTarget(offset, whence, out.stream().position(), out.length()));
-    return countOf(out.stream().position());
+    out.seek(seekTarget(offset, whence, out.position(), out.length()));
+    return countOf(out.position());
   };
   calls.write = [](const void* bytes, sf_count_t count, void* user) -> sf_count_t {
     if (count < 0) return 0;
     outputOf(user).write(bytes, static_cast<size_t>(count));
-    return outputOf(user).stream().failed() ? 0 : count;
+    return outputOf(user).failed() ? 0 : count;
   };
-  calls.tell = [](void* user) { return countOf(outputOf(user).stream().position()); };
+  calls.tell = [](void* user) { return countOf(outputOf(user).position()); };
   return calls;
 }
 
@@ -63,9 +63,26 @@ SndfilePointer SndfileOutput::open(SF_INFO& info) {
   return SndfilePointer(sf_open_virtual(&calls, SFM_WRITE, &info, this));
 }
 
+void SndfileOutput::begin() {
+  begun_ = true;
+  out_.write(head_.data(), head_.size());
+  out_.seek(position_);
+}
+
+void SndfileOutput::seek(uint64_t offset) { begun_ ? out_.seek(offset) : void(position_ = offset); }
+
 void SndfileOutput::write(const void* bytes, size_t count) {
+  if (!begun_) return writeHead(static_cast<const uint8_t*>(bytes), count);
   out_.write(bytes, count);
   length_ = std::max(length_, out_.position());
+}
+
+void SndfileOutput::writeHead(const uint8_t* bytes, size_t count) {
+  if (position_ == 0) head_.clear();
+  head_.resize(std::max<size_t>(head_.size(), position_ + count));
+  std::copy_n(bytes, count, head_.begin() + static_cast<ptrdiff_t>(position_));
+  position_ += count;
+  length_ = head_.size();
 }
 
 }  // namespace plumetta

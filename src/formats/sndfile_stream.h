@@ -4,6 +4,7 @@
 #include <sndfile.h>
 
 #include <memory>
+#include <vector>
 
 #include "formats/input_stream.h"
 #include "formats/output_stream.h"
@@ -36,13 +37,23 @@ class SndfileOutput {
  public:
   explicit SndfileOutput(OutputStream& out) : out_(out) {}
   SndfilePointer open(SF_INFO& info);
+  // The header is complete. Until then it is kept here, since one that is written anew may be shorter, and of
+  // the longer one nothing may stay behind what few samples come.
+  void begin();
 
   uint64_t length() const { return length_; }
-  OutputStream& stream() { return out_; }
+  uint64_t position() const { return begun_ ? out_.position() : position_; }
+  bool failed() const { return out_.failed(); }
+  void seek(uint64_t offset);
   void write(const void* bytes, size_t count);
 
  private:
+  void writeHead(const uint8_t* bytes, size_t count);
+
   OutputStream& out_;
+  bool begun_ = false;
+  std::vector<uint8_t> head_;
+  uint64_t position_ = 0;  // in the head
   uint64_t length_ = 0;
 };
 

@@ -141,6 +141,7 @@ bool encodeFile(OutputStream& out, const Save& save, std::string& failure) {
     setBitRate(*sound, save.stored.subtype, save.options.bitRateKbits, info.channels);
   }
   if (save.kind.writeAnnotations != nullptr) save.kind.writeAnnotations(*sound, save.wave);
+  output.begin();
   // Some of its encoders begin with the first sample, and would leave an empty file without one.
   if (save.wave.frames() == 0) sf_command(sound.get(), SFC_UPDATE_HEADER_NOW, nullptr, 0);
   BlockWriter blocks(*sound, save.stored, info.channels, save.kind.hasBitRate);

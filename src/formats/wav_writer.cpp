@@ -93,7 +93,9 @@ void writeFormatChunk(OutputStream& out, const WavImage& image) {
 
 bool writeDataChunk(OutputStream& out, const WavImage& image) {
   const CWave& wave = image.wave;
-  beginChunk(out, "data", image.longSizes ? kSizeElsewhere : image.dataBytes());
+  // No data is told here in either kind: of a length of 0 elsewhere, readers take all that follows for data.
+  const bool elsewhere = image.longSizes && image.dataBytes() > 0;
+  beginChunk(out, "data", elsewhere ? kSizeElsewhere : image.dataBytes());
   const float* first = wave.samples() + static_cast<int64_t>(image.firstFrame) * wave.channels();
   auto result = encodeSamples(out, image.encoding, first, image.frames, wave.channels(), wave.progress);
   if (result == CodecResult::done && image.silentFrames > 0) {

@@ -185,7 +185,7 @@ TEST_F(Sndfile, WhatAFileCanNotHoldIsToldOrRefused) {
   EXPECT_EQ(folder_.entries(), 0u);
 }
 
-TEST_F(Sndfile, EmptyAndTruncatedFilesGiveWhatIsThere) {
+TEST_F(Sndfile, NearlyEmptyAndTruncatedFilesGiveWhatIsThere) {
   for (const std::string extension : {"aiff", "au", "voc", "caf", "w64", "flac", "iff", "rf64"}) {
     SCOPED_TRACE(extension);
     fill(16, kFormatPcm, 1, 20000);
@@ -197,11 +197,15 @@ TEST_F(Sndfile, EmptyAndTruncatedFilesGiveWhatIsThere) {
     EXPECT_EQ(result.warnings.size(), 1u);
     EXPECT_GT(again_.frames(), 8000);
     EXPECT_LT(again_.frames(), 20000);
-    fill(16, kFormatPcm, 1, 0);
-    ASSERT_TRUE(save(extension).saved);
-    const auto empty = load(extension, again_);
-    EXPECT_EQ(empty.status, LoadStatus::loaded) << empty.reason;
-    EXPECT_EQ(again_.frames(), 0);
+    for (const int32_t few : {0, 1, 5}) {
+      fill(32, kFormatFloat, 1, few);
+      wave_.extraChunks.add("ETTA", std::vector<uint8_t>(32, 0));
+      ASSERT_TRUE(save(extension).saved);
+      const auto nearlyEmpty = load(extension, again_);
+      EXPECT_EQ(nearlyEmpty.status, LoadStatus::loaded) << nearlyEmpty.reason;
+      EXPECT_TRUE(nearlyEmpty.warnings.empty());
+      EXPECT_EQ(again_.frames(), few);
+    }
   }
 }
 
