@@ -76,8 +76,12 @@ FetchOutcome UrlReader::fetch(const std::string& address, FetchedFile& fetched) 
   TransferRequest request;
   request.address = address;
   request.agent = agent_;
-  auto transfer = std::make_unique<BackgroundTransfer>(
-      request, [file = fetched.file](const char* bytes, size_t count) { return file->write(bytes, count); });
+  // Of a transfer that was cancelled the file goes at once, however long that one still needs.
+  const std::weak_ptr<TemporaryFile> target = fetched.file;
+  auto transfer = std::make_unique<BackgroundTransfer>(request, [target](const char* bytes, size_t count) {
+    const auto file = target.lock();
+    return file != nullptr && file->write(bytes, count);
+  });
   const ProgressScope scope(prompter_, "Fetching " + (fetched.name.empty() ? fetched.address : fetched.name));
   while (!transfer->finished(kLookInterval)) {
     if (scope.progress().report(transfer->state().fractionDone())) continue;

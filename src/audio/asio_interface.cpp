@@ -16,6 +16,8 @@ using std::chrono::milliseconds;
 
 constexpr std::array kRates{22050, 44100, 48000, 88200, 96000};
 constexpr const char* kNoAnswer = "The ASIO driver does not answer.";
+// What each call of a driver may take.
+constexpr milliseconds kPatience{2000};
 // A driver asks for a buffer every few milliseconds; the first may take it longer.
 constexpr milliseconds kStallLimit{1500};
 constexpr milliseconds kFirstBufferLimit{4000};
@@ -40,8 +42,8 @@ const CASIOInterface::NamedStep CASIOInterface::kSteps[] = {
     {&AsioSession::createBuffers, "Unable to create buffer"},
     {&AsioSession::start, "Unable to start"}};
 
-CASIOInterface::CASIOInterface(AsioSystem& system, PollTimer& timer, milliseconds patience)
-    : system_(system), timer_(timer), patience_(patience), drivers_(listAsioDrivers(system)) {
+CASIOInterface::CASIOInterface(AsioSystem& system, PollTimer& timer)
+    : system_(system), timer_(timer), drivers_(listAsioDrivers(system)) {
   for (int i = 0; i < kNames && i < GetDeviceCount(); ++i) setName(i, drivers_[static_cast<size_t>(i)].name);
 }
 
@@ -114,7 +116,7 @@ bool CASIOInterface::GetChannelName(int channel, std::string& name) {
   const bool loaded = ready() || (load(deviceIndex_) && runSteps(1));
   const std::shared_ptr<AsioSession> session = session_;
   const bool known =
-      loaded && thread_->call([session, channel] { return session->readChannelName(channel); }, patience_);
+      loaded && thread_->call([session, channel] { return session->readChannelName(channel); }, patience());
   if (known) name = session->channelName();
   if (!ready()) unload();
   return known;
@@ -165,7 +167,8 @@ bool CASIOInterface::load(int driverIndex) {
 
 // What a driver that was given up may still be writing is not looked at.
 bool CASIOInterface::run(Step step) {
-  const bool good = thread_->call([session = session_, step] { return (session.get()->*step)(); }, patience_);
+  const bool good =
+      thread_->call([session = session_, step] { return (session.get()->*step)(); }, patience());
   if (!thread_->givenUp()) info_ = session_->info();
   return good;
 }
@@ -180,11 +183,16 @@ bool CASIOInterface::runSteps(int count) {
 bool CASIOInterface::unload() {
   if (session_ == nullptr) return true;
   started_ = false;
-  const bool ended = thread_->end(patience_);
+  const bool ended = thread_->end(patience());
   session_->disconnect();  // a driver that was given up may go on asking
   thread_.reset();
   session_.reset();
   return ended || (failure_.empty() && fail(kNoAnswer));
+}
+
+// Says yes for as long as a call that begins now may take.
+std::function<bool()> CASIOInterface::patience() const {
+  return [&timer = timer_, end = timer_.now() + kPatience] { return timer.now() < end; };
 }
 
 bool CASIOInterface::fail(const std::string& text) {

@@ -18,11 +18,8 @@ namespace plumetta {
 // on a thread of its own. Every call of a driver goes by a thread that is given up when it doesn't come back.
 class CASIOInterface : public CAudioDriver {
  public:
-  static constexpr std::chrono::milliseconds kPatience{2000};
-
   // Lists the drivers that there are by now.
-  explicit CASIOInterface(AsioSystem& system = nativeAsio(), PollTimer& timer = steadyPollTimer(),
-                          std::chrono::milliseconds patience = kPatience);
+  explicit CASIOInterface(AsioSystem& system = nativeAsio(), PollTimer& timer = steadyPollTimer());
   ~CASIOInterface() override;
 
   // Accepts 22050, 44100, 48000, 88200 and 96000 Hz, drivers from 0 up, and 8, 16 or 24 bits. Buffers are the
@@ -69,12 +66,12 @@ class CASIOInterface : public CAudioDriver {
   bool run(Step step);
   bool runSteps(int count);
   bool unload();
+  std::function<bool()> patience() const;
   bool ready() const { return session_ != nullptr && started_; }
   bool fail(const std::string& text);
 
   AsioSystem& system_;
   PollTimer& timer_;
-  const std::chrono::milliseconds patience_;
   const std::vector<AsioDriverEntry> drivers_;
   std::shared_ptr<AsioSession> session_;  // with thread_, while a driver is loaded
   std::unique_ptr<AsioThread> thread_;

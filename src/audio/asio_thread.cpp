@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/asio_thread.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <utility>
@@ -8,14 +9,8 @@
 namespace plumetta {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 // Between two looks at the messages of the driver's windows, and at whether a call shall go on.
 constexpr std::chrono::milliseconds kTurn{10};
-
-std::function<bool()> until(Clock::time_point end) {
-  return [end] { return Clock::now() < end; };
-}
 
 }  // namespace
 
@@ -71,39 +66,40 @@ void AsioThread::serve(AsioSystem& system, const std::shared_ptr<Shared>& shared
   shared->changed.notify_all();
 }
 
-bool AsioThread::call(std::function<bool()> work, std::chrono::milliseconds patience) {
-  return call(std::move(work), until(Clock::now() + patience));
-}
-
 bool AsioThread::call(std::function<bool()> work, const std::function<bool()>& goOn) {
   if (givenUp_) return false;
-  std::unique_lock lock(shared_->mutex);
-  shared_->work = std::move(work);
-  shared_->done = false;
-  shared_->changed.notify_all();
-  while (!shared_->changed.wait_for(lock, kTurn, [&] { return shared_->done; })) {
-    lock.unlock();
-    const bool goesOn = goOn();
-    if (!goesOn) giveUp();
-    lock.lock();
-    if (!goesOn) return false;
+  {
+    const std::lock_guard held(shared_->mutex);
+    shared_->work = std::move(work);
+    shared_->done = false;
+    shared_->changed.notify_all();
   }
-  return shared_->answer;
+  return waitFor(shared_->done, goOn) && shared_->answer;
 }
 
-bool AsioThread::end(std::chrono::milliseconds patience) {
+bool AsioThread::end(const std::function<bool()>& goOn) {
   if (givenUp_) return false;
   {
-    std::unique_lock lock(shared_->mutex);
+    const std::lock_guard held(shared_->mutex);
     shared_->quit = true;
     shared_->changed.notify_all();
-    if (!shared_->changed.wait_for(lock, patience, [&] { return shared_->ended; })) {
-      lock.unlock();
+  }
+  if (!waitFor(shared_->ended, goOn)) return false;
+  thread_.join();
+  return true;
+}
+
+// Until `happened`, one of the shared flags, is set. False when the thread was given up before.
+bool AsioThread::waitFor(const bool& happened, const std::function<bool()>& goOn) {
+  std::unique_lock lock(shared_->mutex);
+  while (!shared_->changed.wait_for(lock, kTurn, [&] { return happened; })) {
+    lock.unlock();
+    if (!goOn()) {
       giveUp();
       return false;
     }
+    lock.lock();
   }
-  thread_.join();
   return true;
 }
 

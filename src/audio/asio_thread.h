@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -28,16 +27,16 @@ class AsioThread {
   // answers; false as well when it threw, or when `goOn`, asked now and then, said no before it was over:
   // then the thread is given up and does no other work.
   bool call(std::function<bool()> work, const std::function<bool()>& goOn);
-  bool call(std::function<bool()> work, std::chrono::milliseconds patience);
   bool givenUp() const { return givenUp_; }
 
-  // False when the thread has not ended by then; it is given up.
-  bool end(std::chrono::milliseconds patience);
+  // False when `goOn`, asked now and then, said no before the thread had ended; it is given up.
+  bool end(const std::function<bool()>& goOn);
 
  private:
   struct Shared;
 
   static void serve(AsioSystem& system, const std::shared_ptr<Shared>& shared);
+  bool waitFor(const bool& happened, const std::function<bool()>& goOn);
   void giveUp();
 
   std::shared_ptr<Shared> shared_;

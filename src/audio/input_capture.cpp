@@ -11,7 +11,7 @@ constexpr size_t kRingSeconds = 10;
 
 }  // namespace
 
-InputCapture::InputCapture(WaveInSystem& system, PollTimer& timer) : device_(system, timer) {}
+InputCapture::InputCapture(WaveInSystem& system, PollTimer& timer) : timer_(timer), device_(system, timer) {}
 
 bool InputCapture::start(const InputParameters& parameters) {
   stop();
@@ -31,8 +31,8 @@ void InputCapture::stop() {
 }
 
 bool InputCapture::beginTake(std::unique_ptr<File> file) {
-  auto writer = std::make_unique<TakeWriter>(std::move(file), kInputChannels,
-                                             kRingSeconds * static_cast<size_t>(parameters_.sampleRate));
+  auto writer = std::make_unique<TakeWriter>(
+      std::move(file), kInputChannels, kRingSeconds * static_cast<size_t>(parameters_.sampleRate), timer_);
   if (!writer->start()) return false;
   const std::lock_guard held(writerMutex_);
   writer_ = std::move(writer);

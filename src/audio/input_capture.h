@@ -57,6 +57,7 @@ class InputCapture {
   void takeBlock(const WaveInBlock& block) noexcept;
   void raisePeaks(const WaveInBlock& block) noexcept;
 
+  PollTimer& timer_;
   InputParameters parameters_;
   std::vector<float> floats_;  // one block; empty while stopped
   std::array<std::atomic<float>, 16> peaks_{};

@@ -15,8 +15,8 @@ constexpr milliseconds kPatience{2000};
 
 }  // namespace
 
-TakeWriter::TakeWriter(std::unique_ptr<File> file, int channels, size_t ringFrames)
-    : state_(std::make_shared<State>(std::move(file), channels, ringFrames)) {}
+TakeWriter::TakeWriter(std::unique_ptr<File> file, int channels, size_t ringFrames, PollTimer& timer)
+    : timer_(timer), state_(std::make_shared<State>(std::move(file), channels, ringFrames)) {}
 
 TakeWriter::~TakeWriter() { finish(); }
 
@@ -70,13 +70,15 @@ bool TakeWriter::State::drain() noexcept {
 std::error_code TakeWriter::finish() {
   if (!thread_.joinable()) return {};
   state_->ending = true;
-  for (uint64_t before = state_->floatsOnDisk; !state_->ended.waitFor(kPatience);) {
-    const uint64_t now = state_->floatsOnDisk;
-    if (now == before) {
+  uint64_t before = state_->floatsOnDisk;
+  for (milliseconds since = timer_.now(); !state_->ended.waitFor(kPoll);) {
+    if (const uint64_t present = state_->floatsOnDisk; present != before) {
+      before = present;
+      since = timer_.now();
+    } else if (timer_.now() - since >= kPatience) {
       thread_.detach();
       return std::make_error_code(std::errc::timed_out);
     }
-    before = now;
   }
   thread_.join();
   return state_->error;

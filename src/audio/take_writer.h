@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "audio/driver_event.h"
+#include "audio/pull_session.h"
 #include "audio/sample_ring.h"
 #include "platform/file_system.h"
 
@@ -17,7 +18,8 @@ namespace plumetta {
 class TakeWriter {
  public:
   // Holds `ringFrames` frames while the disk is busy.
-  TakeWriter(std::unique_ptr<File> file, int channels, size_t ringFrames);
+  TakeWriter(std::unique_ptr<File> file, int channels, size_t ringFrames,
+             PollTimer& timer = steadyPollTimer());
   ~TakeWriter();
   TakeWriter(const TakeWriter&) = delete;
   TakeWriter& operator=(const TakeWriter&) = delete;
@@ -59,6 +61,7 @@ class TakeWriter {
     CAudioDriverEvent ended;
   };
 
+  PollTimer& timer_;
   std::shared_ptr<State> state_;
   std::thread thread_;
 };

@@ -119,13 +119,12 @@ class WatchedRun {
   void watch() {
     // The log itself shows how far it is where a person reads it.
     const bool barWanted = !isTerminal(StandardStream::output);
-    InterruptWatch interrupt;
     const ProgressScope scope(prompter_, "Batch");
     std::unique_lock lock(mutex_);
     for (int requests = 0; !changed_.wait_for(lock, kWatchInterval, [this] { return finished_; });) {
-      if (interrupt.interrupted() && requests < 2) {
+      if (interrupt_.interrupted() && requests < 2) {
         run_.requestStop();
-        if (++requests < 2) interrupt.watchAgain();
+        if (++requests < 2) interrupt_.watchAgain();
       }
       const BatchProgress progress = run_.progress();
       if (barWanted && progress.total > 0) {
@@ -144,6 +143,7 @@ class WatchedRun {
 
   BatchRun& run_;
   TerminalPrompter& prompter_;
+  InterruptWatch interrupt_;  // before the first file
   std::mutex mutex_;
   std::condition_variable changed_;
   bool finished_ = false;

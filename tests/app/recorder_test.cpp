@@ -112,7 +112,8 @@ class Recording : public testing::Test, public RecorderHost {
   CPlumettaDoc* active = nullptr;
   CPlumettaDoc* result = nullptr;
   int playerStops = 0;
-  Recorder recorder{app, *this, fake};
+  StillTimer timer;
+  Recorder recorder{app, *this, fake, timer};
 };
 
 TEST_F(Recording, BecomesANewDocument) {
@@ -292,7 +293,7 @@ TEST_F(Recording, OffersTakesOfRunsThatEndedUnlessKeptOnPurpose) {
 
   // One that is being written, by this process or another, is nobody else's.
   ASSERT_TRUE(recorder.toggleRecord());
-  Recorder other(app, *this, fake);
+  Recorder other(app, *this, fake, timer);
   EXPECT_EQ(other.offerRecovery(), 0);
   EXPECT_EQ(prompter.questions, Texts{});
   recorder.toggleRecord();

@@ -61,9 +61,7 @@ TEST(UrlReader, CancelLeavesNothing) {
   prompter.cancelAfter = 5;
   Application app(prompter, nativeFileSystem(), home.path());
   FetchedFile fetched;
-  const auto begun = std::chrono::steady_clock::now();
   EXPECT_EQ(app.urlReader().fetch(server.address("http", "/silent"), fetched), FetchOutcome::cancelled);
-  EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::milliseconds(600));
   EXPECT_EQ(filesBelow(home.path()), 0u);
   EXPECT_TRUE(prompter.messages.empty());
 }

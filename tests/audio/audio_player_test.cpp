@@ -3,8 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "support/fake_wave_out.h"
-#include "support/temporary_folder.h"
 
 namespace plumetta {
 namespace {
@@ -20,23 +21,15 @@ bool silence(void* context, float** channels, int* frames, int* channelCount) no
 
 struct Player : testing::Test {
   FakeWaveOut fake;
-  TemporaryFolder folder;
   AudioPlayer* itself = &player;
   AudioPlayer player{silence, &itself, fake};
-
-  void waitUntilLost() {
-    while (!player.deviceLost()) {
-      fake.play();
-      std::this_thread::yield();
-    }
-  }
 };
 
 TEST_F(Player, StartsAnewOnceALostDeviceIsBack) {
   player.SetOutput(0, 64, 44100);
-  EXPECT_TRUE(player.Start());
   fake.fail("prepare", 6);
-  waitUntilLost();
+  EXPECT_TRUE(player.Start());
+  while (!player.deviceLost()) std::this_thread::yield();
   EXPECT_EQ(player.errorText(), "error 6");
   fake.fail("open", 2);
   EXPECT_FALSE(player.Start());

@@ -62,11 +62,12 @@ class WaveIn : public testing::Test {
     ++own->blocks;
   }
 
+  StillTimer timer;
   FakeWaveIn fake;
   std::vector<float> floats = std::vector<float>(8);
   WaveInBlock last{};
   int blocks = 0;
-  CWaveIn input{fake};
+  CWaveIn input{fake, timer};
 };
 
 TEST_F(WaveIn, DeliversWholeBlocksFromOneStartToOneStop) {
@@ -144,8 +145,8 @@ TEST_F(WaveIn, DeviceThatIsLostIsNoticedHoweverItGoes) {
 }
 
 TEST_F(WaveIn, DeviceThatFallsSilentIsNoticed) {
-  FastTimer timer;
-  CWaveIn silent(fake, timer);
+  FastTimer fast;
+  CWaveIn silent(fake, fast);
   ASSERT_TRUE(start(silent));
   EXPECT_TRUE(FakeWaveIn::eventually([&] { return silent.GetState() == CWaveIn::kLost; }));
   EXPECT_EQ(silent.errorText(), "The sound device does not answer.");
@@ -207,7 +208,8 @@ struct SlowFile : File {
 TEST(Take, SlowDiskHoldsUpNobodyAndLosesNothing) {
   FakeWaveIn fake;
   SlowDisk disk;
-  InputCapture capture(fake);
+  StillTimer timer;
+  InputCapture capture(fake, timer);
   ASSERT_TRUE(capture.start({0, 44100, 16, 64}));
   ASSERT_TRUE(capture.beginTake(std::make_unique<SlowFile>(disk)));
   for (int i = 1; i <= 100; ++i) ASSERT_TRUE(fake.deliver16(static_cast<int16_t>(i), 64));
@@ -225,7 +227,8 @@ TEST(Take, SlowDiskHoldsUpNobodyAndLosesNothing) {
 
 TEST(Take, EndsWhereMemoryIsFullInsteadOfLosingFrames) {
   SlowDisk disk;
-  TakeWriter writer(std::make_unique<SlowFile>(disk), 2, 8);
+  StillTimer timer;
+  TakeWriter writer(std::make_unique<SlowFile>(disk), 2, 8, timer);
   ASSERT_TRUE(writer.start());
   const std::vector<float> block(8, 0.5f);
   EXPECT_TRUE(writer.write(block.data(), 4));

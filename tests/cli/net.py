@@ -47,7 +47,7 @@ class Net(unittest.TestCase):
     def call(self, *words, status=0):
         environment = {**os.environ, "no_proxy": "127.0.0.1"}
         ran = subprocess.run([*COMMAND, "--home", "home", *words], cwd=self.path, env=environment,
-                             stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60)
+                             stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=120)
         self.assertEqual(ran.returncode, status, ran.stdout + ran.stderr)
         self.said = own_words(ran.stderr)
         return ran.stdout

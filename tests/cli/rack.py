@@ -26,7 +26,7 @@ class Rack(unittest.TestCase):
         """Standard output and standard error, as lines."""
         call = [*PROGRAM, "--home", self.folder.name + "/home", *options, "edit", *steps]
         environment = {**os.environ, "PLUMETTA_TEST_FAULT": fault}
-        ran = subprocess.run(call, cwd=self.folder.name, env=environment, capture_output=True, text=True, timeout=60)
+        ran = subprocess.run(call, cwd=self.folder.name, env=environment, capture_output=True, text=True, timeout=120)
         self.assertEqual(ran.returncode, status, ran.stderr)
         return ran.stdout.splitlines(), ran.stderr.splitlines()
 

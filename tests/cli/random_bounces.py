@@ -112,7 +112,7 @@ def fault(rng, command, folder):
         steps += ["active", f"off={muted}"]
     o = options(rng, n)
     steps += ["bounce", "b.wav", *words_of(o)]
-    subprocess.run([*command, "--home", "home", "edit", *steps], cwd=folder, check=True, timeout=60)
+    subprocess.run([*command, "--home", "home", "edit", *steps], cwd=folder, check=True, timeout=120)
     with open(os.path.join(folder, "b.wav"), "rb") as file:
         its = read_wav(file.read())
     expected = Player(wave, active, ends, cursor, o).play()

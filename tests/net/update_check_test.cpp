@@ -37,7 +37,7 @@ TEST(UpdateCheck, JudgesTheAnswer) {
   for (const auto& [text, state] : cases) EXPECT_EQ(judgeVersion(text, "1.9").state, state) << text;
 }
 
-TEST(UpdateCheck, AsksForOneFileWithinFiveSeconds) {
+TEST(UpdateCheck, AsksForOneFileAndGivesUpAfterFiveSeconds) {
   std::string asked;
   const LoopbackServer server([&](LoopbackServer::Connection& connection) {
     asked = connection.readRequest();
@@ -53,10 +53,10 @@ TEST(UpdateCheck, AsksForOneFileWithinFiveSeconds) {
     connection.send("HTTP/1.0 200 OK\r\n\r\n");
     while (connection.send("1")) std::this_thread::sleep_for(std::chrono::milliseconds(50));
   });
+  const auto begun = std::chrono::steady_clock::now();
   const UpdateCheck dripping(slow.address("http", ""), "Test/1", "1.9");
-  EXPECT_FALSE(dripping.finished(std::chrono::milliseconds(4000)));
-  EXPECT_TRUE(dripping.finished(std::chrono::milliseconds(1500)));
   EXPECT_EQ(dripping.answer().state, UpdateState::unknown);
+  EXPECT_GE(std::chrono::steady_clock::now() - begun, std::chrono::seconds(5));
 }
 
 }  // namespace

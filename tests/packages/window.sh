@@ -19,7 +19,7 @@ start_display() {
   told=$(mktemp)
   Xvfb ${PLUMETTA_TEST_DISPLAY:-} -displayfd 3 -screen 0 1280x800x24 -ac -nolisten tcp 3>"$told" >/dev/null 2>&1 </dev/null &
   display_server=$!
-  within 20 test -s "$told" || fail "The virtual display did not start."
+  within 60 test -s "$told" || fail "The virtual display did not start."
   DISPLAY=:$(<"$told")
   export DISPLAY
   rm -f "$told"
@@ -35,10 +35,11 @@ open_and_close() {  # TITLE PICTURE COMMAND...
   shift 2
   "$@" >/dev/null 2>&1 </dev/null &
   editor=$!
-  within 90 window_is_up "$title" || { import -window root "$picture"; fail "No window shows $title; see $picture"; }
+  within 300 window_is_up "$title" || { import -window root "$picture"; fail "No window shows $title; see $picture"; }
   sleep 2
   import -window root "$picture"
-  close_window "$title"
-  within 60 has_ended "$editor" || { kill "$editor"; fail "The window does not close."; }
+  # A window that is busy may miss the first time.
+  close_and_look() { close_window "$title" || true; within 10 has_ended "$editor"; }
+  within 180 close_and_look || { kill "$editor"; fail "The window does not close."; }
   wait "$editor" || fail "The editor ended with $?"
 }

@@ -44,6 +44,13 @@ Fault chosenFault() {
 }
 
 std::atomic<bool> released{false};
+std::atomic<int> guests{0};
+
+// Of a thread that has hung here, until it ends.
+struct Guest {
+  Guest() { ++guests; }
+  ~Guest() { --guests; }
+};
 
 void crash() {
   volatile uintptr_t nowhere = 16;  // no null pointer, which a sanitizer would see coming
@@ -51,6 +58,7 @@ void crash() {
 }
 
 void hang() {
+  thread_local const Guest guest;
   while (!released) std::this_thread::sleep_for(std::chrono::milliseconds(5));
 }
 
@@ -122,4 +130,8 @@ AEffect* makeTestPlugin(HostCallbackFunction host) {
 
 }  // namespace plumetta
 
-extern "C" void letGo(bool go) { plumetta::released = go; }
+extern "C" {
+void letGo(bool go) { plumetta::released = go; }
+// Threads that have hung and are not over.
+int hungThreads() { return plumetta::guests; }
+}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <atomic>
 #include <functional>
 
 #include "platform/file_system.h"
@@ -88,7 +89,7 @@ class FailingFileSystem : public FileSystem {
   }
 
   int failAt_;
-  int operations_ = 0;
+  std::atomic<int> operations_{0};  // recordings write on a thread of their own
 };
 
 }  // namespace plumetta

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -27,7 +28,8 @@ struct FakeAsioPlan {
   bool takesOutputReady = true;
   // Operations by the names of the interface, "getChannels" and so on.
   std::set<std::string> fails, throws, hangs;
-  std::atomic<bool> released{false};  // those that hang come back
+  std::atomic<bool> released{false};           // those that hang come back
+  std::function<void()> whileItHangs = [] {};  // again and again, on the thread that hangs
 };
 
 // Plays into memory whenever switchBuffers() is called.
@@ -160,8 +162,10 @@ class FakeAsioDriver : public AsioDriver {
       const std::lock_guard held(mutex_);
       calls_.push_back(call);
     }
-    while (plan_.hangs.contains(name) && !plan_.released)
+    while (plan_.hangs.contains(name) && !plan_.released) {
+      plan_.whileItHangs();
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     if (plan_.throws.contains(name)) throw std::runtime_error(name);
     return plan_.fails.contains(name) ? kHardwareFault : kAsioOk;
   }

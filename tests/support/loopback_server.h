@@ -11,6 +11,7 @@
 #endif
 
 #include <atomic>
+#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -20,7 +21,7 @@
 namespace plumetta {
 
 // A server on this machine that answers as a test likes. Each connection has a thread; all end with the
-// server.
+// server. One without a talk only keeps its port from everybody else: who connects is refused.
 class LoopbackServer {
  public:
 #ifdef _WIN32
@@ -78,25 +79,44 @@ class LoopbackServer {
     WSADATA data;
     WSAStartup(MAKEWORD(2, 2), &data);
 #endif
+    // Whatever proxy the person who runs the tests goes through doesn't know this machine's own ports.
+    static char direct[] = "no_proxy=127.0.0.1";
+    putenv(direct);
     listener_ = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    sockaddr_in address = loopback(0);
     socklen_t length = sizeof address;
     ::bind(listener_, reinterpret_cast<sockaddr*>(&address), length);
-    ::listen(listener_, 16);
     ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &length);
     port_ = ntohs(address.sin_port);
+    if (talk_ == nullptr) return;
+    ::listen(listener_, 16);
     accepting_ = std::thread([this] { accept(); });
   }
   ~LoopbackServer() {
-    ending_ = true;
-    const Socket knock = ::socket(AF_INET, SOCK_STREAM, 0);  // wakes the listener on every system
+    if (accepting_.joinable()) end();
+    closeSocket(listener_);
+  }
+  LoopbackServer(const LoopbackServer&) = delete;
+  LoopbackServer& operator=(const LoopbackServer&) = delete;
+
+  int port() const { return port_; }
+  std::string address(const std::string& scheme, const std::string& path) const {
+    return scheme + "://127.0.0.1:" + std::to_string(port_) + path;
+  }
+
+ private:
+  static sockaddr_in loopback(int port) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<uint16_t>(port_));
-    ::connect(knock, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    address.sin_port = htons(static_cast<uint16_t>(port));
+    return address;
+  }
+  void end() {
+    ending_ = true;
+    const Socket knock = ::socket(AF_INET, SOCK_STREAM, 0);  // wakes the listener on every system
+    const sockaddr_in address = loopback(port_);
+    ::connect(knock, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     accepting_.join();
     closeSocket(knock);
     {
@@ -104,18 +124,7 @@ class LoopbackServer {
       for (const Socket socket : open_) ::shutdown(socket, kBothWays);
     }
     for (std::thread& thread : talking_) thread.join();
-    closeSocket(listener_);
   }
-  LoopbackServer(const LoopbackServer&) = delete;
-  LoopbackServer& operator=(const LoopbackServer&) = delete;
-
-  int port() const { return port_; }
-  bool ending() const { return ending_; }
-  std::string address(const std::string& scheme, const std::string& path) const {
-    return scheme + "://127.0.0.1:" + std::to_string(port_) + path;
-  }
-
- private:
   void accept() {
     while (true) {
       const Socket socket = ::accept(listener_, nullptr, nullptr);

@@ -17,7 +17,7 @@ class CheckIncludes(unittest.TestCase):
                 path = pathlib.Path(root, name)
                 path.parent.mkdir(parents=True, exist_ok=True)
                 path.write_text(text)
-            done = subprocess.run([sys.executable, CHECK, root], capture_output=True, text=True, timeout=60)
+            done = subprocess.run([sys.executable, CHECK, root], capture_output=True, text=True, timeout=120)
             return done.returncode, done.stdout
 
     def test_faults(self):

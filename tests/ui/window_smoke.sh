@@ -43,13 +43,28 @@ window_names() {
 }
 title_is() { window_names | grep -qxF -- "$1 – Plumetta"; }
 box_is_up() { window_names | grep -qxF "Plumetta"; }
+box_is_gone() { ! box_is_up; }
 has_ended() { ! kill -0 "$program_pid" 2>/dev/null; }
+# Waits for events: a program that wants the processor and doesn't get it is not asleep.
+idle() {
+  local look
+  for look in 1 2 3 4 5 6 7 8 9 10; do
+    [ "$(sed 's/.*) \(.\).*/\1/' "/proc/$program_pid/stat")" = S ] || return 1
+    sleep 0.1
+  done
+}
+focus() {  # the window of that title, once all is drawn and a panel has the focus
+  local window
+  window=$(xdotool search --onlyvisible --pid "$program_pid" --name "$1" | head -1)
+  xdotool windowfocus --sync "$window" 2>/dev/null
+  wait_for 60 idle || fail "the window never comes to rest"
+}
 press() { xdotool key --clearmodifiers "$@"; }
 
 # A display of its own: the server picks a free number and tells it.
 Xvfb -displayfd 3 -screen 0 1200x800x24 -nolisten tcp 3>"$folder/display" 2>/dev/null &
 xvfb_pid=$!
-wait_for 20 test -s "$folder/display" || fail "no virtual display"
+wait_for 60 test -s "$folder/display" || fail "no virtual display"
 export DISPLAY=:$(cat "$folder/display") GDK_BACKEND=x11 NO_AT_BRIDGE=1
 export PULSE_SERVER=unix:$folder/none  # playing ends in the same message everywhere
 if command -v openbox >/dev/null; then
@@ -70,29 +85,27 @@ cp "$folder/tone.wav" "$folder/original.wav"
 "$program" --home "$folder/home" "$folder/tone.wav" >"$folder/said" 2>&1 &
 program_pid=$!
 wait_for 60 title_is "tone.wav" || fail "the title does not name the file"
-window=$(xdotool search --onlyvisible --pid "$program_pid" --name 'tone.wav' | head -1)
-xdotool windowfocus --sync "$window" 2>/dev/null
-sleep 1  # for the panel to take the focus
+focus tone.wav
 
 press ctrl+a
 press ctrl+x
-wait_for 20 title_is "*tone.wav" || fail "the cut left no mark of changes"
+wait_for 60 title_is "*tone.wav" || fail "the cut left no mark of changes"
 if command -v xclip >/dev/null; then
-  timeout 20 xclip -selection clipboard -t audio/x-wav -o >"$folder/clipboard" 2>/dev/null
+  timeout 60 xclip -selection clipboard -t audio/x-wav -o >"$folder/clipboard" 2>/dev/null
   # A header of 48 bytes, and every stereo frame of 16 bits but the last.
   size=$(wc -c <"$folder/clipboard")
   [ "$size" -eq $((48 + 29999 * 4)) ] || fail "the system clipboard holds $size bytes"
 fi
 press ctrl+z
 press ctrl+s
-wait_for 20 title_is "tone.wav" || fail "still marked as changed after saving"
+wait_for 60 title_is "tone.wav" || fail "still marked as changed after saving"
 press space
-wait_for 20 box_is_up || fail "nothing tells that there is no sound server"
+wait_for 60 box_is_up || fail "nothing tells that there is no sound server"
 press Return
-sleep 1
-xdotool windowfocus --sync "$window" 2>/dev/null
+wait_for 60 box_is_gone || fail "the message stays"
+focus tone.wav
 press ctrl+q
-wait_for 20 has_ended || fail "the window did not close"
+wait_for 60 has_ended || fail "the window did not close"
 wait "$program_pid"; status=$?
 [ $status -eq 0 ] || fail "exit status $status"
 
@@ -100,11 +113,9 @@ wait "$program_pid"; status=$?
 "$program" --home "$folder/home" >>"$folder/said" 2>&1 &
 program_pid=$!
 wait_for 60 title_is "tone.wav" || fail "the file of last time was not opened again"
-window=$(xdotool search --onlyvisible --pid "$program_pid" --name 'tone.wav' | head -1)
-xdotool windowfocus --sync "$window" 2>/dev/null
-sleep 1
+focus tone.wav
 press ctrl+q
-wait_for 20 has_ended || fail "the window did not close again"
+wait_for 60 has_ended || fail "the window did not close again"
 
 python3 - "$folder/original.wav" "$folder/tone.wav" <<'PYTHON' || fail "the saved samples differ"
 import sys

@@ -42,13 +42,14 @@ copied() {
 asked() { xdotool search --onlyvisible --name "Save changes" >/dev/null 2>&1; }
 pasted() { xdotool search --onlyvisible --name "paste from clipboard" >/dev/null 2>&1; }
 
+# A menu that opens late misses its key.
+paste() { xdotool key Escape key Escape key alt+e sleep 1 key m && within 10 pasted; }
+
 exchange_audio() {
   cp "$probe" "$folder/probe.exe"
-  within 40 copied || fail "What was copied does not lie on the system clipboard."
+  within 120 copied || fail "What was copied does not lie on the system clipboard."
   at_clipboard write "$name.wav" || fail "The clipboard does not take a wave."
-  xdotool key alt+e sleep 1 key m
-  within 10 pasted || xdotool key Escape key Escape key alt+e sleep 2 key m
-  within 20 pasted || { import -window root "$picture"; fail "What lies on the system clipboard is not pasted."; }
+  within 120 paste || { import -window root "$picture"; fail "What lies on the system clipboard is not pasted."; }
 }
 
 # A Wine folder of its own too: one whose background processes were started elsewhere belongs to another display.
@@ -68,7 +69,7 @@ cleanup() {
   rm -rf "$folder"
 }
 trap cleanup EXIT
-read -r -t 20 number <"$folder/display" || fail "Xvfb does not start."
+read -r -t 60 number <"$folder/display" || fail "Xvfb does not start."
 export DISPLAY=:$number
 
 # In a folder of its own, the program keeps its settings beside itself and finds none.
@@ -77,19 +78,19 @@ cp "$built" "$folder/$program"
 (cd "$folder" && exec "$root/tools/windows/wine-run" "$program" "$name.wav") >"$folder/output" 2>&1 &
 editor=$!
 
-within 90 titled || { import -window root "$picture" || true; fail "No window names $name.wav."; }
+within 180 titled || { import -window root "$picture" || true; fail "No window names $name.wav."; }
 sleep 2  # for the first drawing
 import -window root "$picture"
 ended && fail "The program ended on its own."
 [[ -z $probe ]] || exchange_audio
 # As the taskbar does it: asked to close, not killed.
 "$root/tools/windows/wine-run" taskkill.exe /im "$program" >>"$folder/output" 2>&1 || fail "Closing did not reach it."
-if [[ -n $probe ]]; then within 20 asked || fail "Closing does not ask about what was pasted."; fi
+if [[ -n $probe ]]; then within 60 asked || fail "Closing does not ask about what was pasted."; fi
 declined() {
   if asked; then xdotool key alt+d; fi
   ended
 }
-within 40 declined || fail "The program does not end when its window is closed."
+within 120 declined || fail "The program does not end when its window is closed."
 status=0
 wait "$editor" || status=$?
 editor=
