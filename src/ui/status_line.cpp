@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/status_line.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "ui/text.h"
+
+namespace plumetta {
+namespace {
+
+constexpr int kBetweenTexts = 20;
+constexpr int kNarrowestMessage = 60;
+
+constexpr const char* kUsualTexts[StatusLine::kFields] = {"",
+                                                          "Output 44100 Hz, 0 dropouts",
+                                                          "44100 Hz, 16 bits, stereo",
+                                                          "0:00:00.000 (00 000 000 frames)",
+                                                          "0:00:00.000",
+                                                          "0:00:00.000 – 0:00:00.000 (0:00:00.000)"};
+
+}  // namespace
+
+StatusLine::StatusLine(wxWindow* parent) : wxStatusBar(parent, wxID_ANY, wxSTB_DEFAULT_STYLE) {
+  SetFieldsCount(kFields);
+  std::array<int, kFields> styles;
+  styles.fill(wxSB_FLAT);
+  SetStatusStyles(kFields, styles.data());
+  for (size_t field = 0; field < kFields; ++field) usual_[field] = needed(toWx(kUsualTexts[field]));
+  share();
+  Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+    share();
+    event.Skip();
+  });
+}
+
+void StatusLine::DoUpdateStatusText(int field) {
+  wxStatusBar::DoUpdateStatusText(field);
+  share();
+}
+
+int StatusLine::needed(const wxString& text) const {
+  return text.empty() ? 0 : GetTextExtent(text).x + FromDIP(kBetweenTexts);
+}
+
+void StatusLine::share() {
+  Widths texts{}, widths{};
+  for (int field = 0; field < kFields; ++field) {
+    const auto i = static_cast<size_t>(field);
+    texts[i] = needed(GetStatusText(field));
+    widths[i] = std::max(texts[i], usual_[i]);
+  }
+  const int grip = GetClientSize().y;  // a square at the end
+  texts[kSelection] += grip;
+  widths[kSelection] += grip;
+  texts[kMessage] = widths[kMessage] = std::max(texts[kMessage], FromDIP(kNarrowestMessage));
+  const auto fit = [room = GetClientSize().x](const Widths& each) {
+    return std::accumulate(each.begin(), each.end(), 0) <= room;
+  };
+  if (!fit(widths)) widths = texts;
+  if (fit(widths)) {
+    widths[kMessage] = -1;  // all the rest
+  } else {
+    for (int& width : widths) width = -std::max(width, 1);
+  }
+  if (widths == shared_) return;
+  shared_ = widths;
+  SetStatusWidths(kFields, widths.data());
+}
+
+}  // namespace plumetta
