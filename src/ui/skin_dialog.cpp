@@ -110,7 +110,7 @@ wxSizer* SkinDialog::makeParts() {
 
 wxSizer* SkinDialog::makeButtons() {
   auto* row = new wxBoxSizer(wxHORIZONTAL);
-  auto* all = new wxButton(this, wxID_ANY, "&All by default");
+  auto* all = new wxButton(this, wxID_ANY, "Reset &all");
   all->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
     skin_ = {};
     give(std::nullopt);
