@@ -10,7 +10,7 @@ namespace plumetta {
 namespace {
 
 constexpr int kBetweenTexts = 20;
-constexpr int kNarrowestMessage = 60;
+constexpr int kNarrowest = 60;
 
 constexpr const char* kUsualTexts[StatusLine::kFields] = {"",
                                                           "Output 44100 Hz, 0 dropouts",
@@ -18,6 +18,10 @@ constexpr const char* kUsualTexts[StatusLine::kFields] = {"",
                                                           "0:00:00.000 (00 000 000 frames)",
                                                           "0:00:00.000",
                                                           "0:00:00.000 – 0:00:00.000 (0:00:00.000)"};
+
+int sum(const std::array<int, StatusLine::kFields>& widths) {
+  return std::accumulate(widths.begin(), widths.end(), 0);
+}
 
 }  // namespace
 
@@ -43,6 +47,15 @@ int StatusLine::needed(const wxString& text) const {
   return text.empty() ? 0 : GetTextExtent(text).x + FromDIP(kBetweenTexts);
 }
 
+// The message is cut last: it is the news.
+StatusLine::Widths StatusLine::cutTo(int room, Widths texts) const {
+  for (const Field field : {kFormat, kLength, kSound, kSelection}) {
+    const int over = sum(texts) - room, spare = texts[field] - FromDIP(kNarrowest);
+    texts[field] -= std::clamp(over, 0, std::max(spare, 0));
+  }
+  return texts;
+}
+
 void StatusLine::share() {
   Widths texts{}, widths{};
   for (int field = 0; field < kFields; ++field) {
@@ -53,16 +66,10 @@ void StatusLine::share() {
   const int grip = GetClientSize().y;  // a square at the end
   texts[kSelection] += grip;
   widths[kSelection] += grip;
-  texts[kMessage] = widths[kMessage] = std::max(texts[kMessage], FromDIP(kNarrowestMessage));
-  const auto fit = [room = GetClientSize().x](const Widths& each) {
-    return std::accumulate(each.begin(), each.end(), 0) <= room;
-  };
-  if (!fit(widths)) widths = texts;
-  if (fit(widths)) {
-    widths[kMessage] = -1;  // all the rest
-  } else {
-    for (int& width : widths) width = -std::max(width, 1);
-  }
+  widths[kMessage] = std::max(texts[kMessage], FromDIP(kNarrowest));
+  const int room = GetClientSize().x;
+  if (sum(widths) > room) widths = cutTo(room, texts);
+  widths[kMessage] = -1;  // all the rest
   if (widths == shared_) return;
   shared_ = widths;
   SetStatusWidths(kFields, widths.data());

@@ -8,8 +8,8 @@
 namespace plumetta {
 
 // The line at the window's lower edge. Each field has the width that its text needs, those beside the message
-// at least that of a usual text, so that they seldom move; the message has the rest. Where the window is too
-// narrow for all, each is cut by the same share, and what is cut has a tooltip.
+// at least that of a usual text, so that they seldom move; the message has the rest. In a narrow window
+// the facts of the file and of the output are cut before the positions; what is cut has a tooltip.
 class StatusLine : public wxStatusBar {
  public:
   enum Field { kMessage, kSound, kFormat, kLength, kCursor, kSelection, kFields };
@@ -24,6 +24,7 @@ class StatusLine : public wxStatusBar {
 
   void share();
   int needed(const wxString& text) const;
+  Widths cutTo(int room, Widths texts) const;
 
   Widths usual_{};
   Widths shared_{};  // as they were set last
