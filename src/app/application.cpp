@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "app/updates.h"
+#include "app/with_reason.h"
 #include "core/keep_for_good.h"
 #include "formats/clipboard_image.h"
 #include "platform/crash_note.h"
@@ -180,8 +181,7 @@ CPlumettaDoc* Application::pasteFromSystemClipboard() {
   auto document = std::make_unique<CPlumettaDoc>(services_);
   const LoadResult result = readClipboardImage(*image, document->wave());
   if (result.status != LoadStatus::loaded) {
-    prompter().message("The audio on the system clipboard can't be read." +
-                       (result.reason.empty() ? "" : "\n" + result.reason));
+    prompter().message(withReason("The audio on the system clipboard can't be read.", result.reason));
     return nullptr;
   }
   for (const std::string& warning : result.warnings) prompter().message(warning);

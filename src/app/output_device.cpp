@@ -1,17 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/output_device.h"
 
+#include "app/with_reason.h"
 #include "formats/text_export.h"
 
 namespace plumetta {
-namespace {
-
-std::string withReason(const char* what, const std::string& reason) {
-  return reason.empty() ? what : std::string(what) + "\n" + reason;
-}
-
-}  // namespace
-
 AudioPlayer& OutputDevice::player() {
   if (!player_) {
     player_ = std::make_unique<AudioPlayer>(PlaybackEngine::callback, &engine_, waveOut_, asio_);
@@ -121,7 +114,7 @@ OutputDevice::ReportOutcome OutputDevice::writeAsioReport(FileSystem& files, int
   if (driver < 0 || driver >= asio.GetDeviceCount()) return ReportOutcome::driverFailed;
   const SaveResult result = writeTextFile(files, path, text);
   if (!result.saved) {
-    prompter_.message(withReason(("Unable to save " + path).c_str(), result.reason));
+    prompter_.message(withReason("Unable to save " + path, result.reason));
     return ReportOutcome::fileError;
   }
   return failure.empty() ? ReportOutcome::complete : ReportOutcome::driverFailed;

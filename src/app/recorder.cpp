@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "app/with_reason.h"
 #include "doc/take_import.h"
 #include "platform/private_profile.h"
 
@@ -37,7 +38,7 @@ bool Recorder::startInput() {
   if (capture_.start({settings.deviceId, settings.sampleRate, settings.bitDepth, settings.bufferFrames})) {
     return true;
   }
-  app_.prompter().message("Unable to start audio driver in");
+  app_.prompter().message(withReason("Unable to start audio driver in", capture_.errorText()));
   return false;
 }
 

@@ -210,7 +210,7 @@ std::vector<Command> editCommands() {
        [](CommandCall&) -> std::string { return "Paste"; }, Changes::samples},
       {"delete", "&Delete", "Delete", Menu::edit, {}, checkDelete, deleteUndo, Lock::throughout, runDelete,
        [](CommandCall&) -> std::string { return "Suppr"; }, Changes::samples},
-      {"trim", "&Trim crop", "Ctrl+T", Menu::edit, {}, checkTrim, undoAs<UndoKind::layout>, Lock::throughout, runTrim,
+      {"trim", "Trim cr&op", "Ctrl+T", Menu::edit, {}, checkTrim, undoAs<UndoKind::layout>, Lock::throughout, runTrim,
        [](CommandCall&) -> std::string { return "Trim crop"; }, Changes::samples},
       {"insert-silence", "", "", Menu::edit, silence, checkInsertSilence, undoAs<UndoKind::insertSilence>, Lock::throughout,
        runInsertSilence, [](CommandCall&) -> std::string { return "Insert silence"; }, Changes::samples},

@@ -249,7 +249,7 @@ std::vector<Command> markerCommands() {
       {"scramble", "S&cramble region", "", Menu::marker, {exchanges}, needMarkers, undoAs<UndoKind::layout>,
        Lock::throughout, runScramble, [](CommandCall&) -> std::string { return "Scramble region"; },
        Changes::samples, 0, "Scramble region"},
-      {"set-region", "Set regio&n", "", Menu::marker, {regions}, needAudio, annotations, Lock::none, runSetRegion,
+      {"set-region", "Set r&egion", "", Menu::marker, {regions}, needAudio, annotations, Lock::none, runSetRegion,
        [](CommandCall&) -> std::string { return "Set region"; }, Changes::annotations, 0, "Region number"},
   };
   // clang-format on

@@ -38,7 +38,7 @@ std::optional<Refusal> runChain(CommandCall& call) {
 
 std::vector<Command> rackCommands() {
   return {{"rack-apply",
-           "Apply VST &rack",
+           "Appl&y VST rack",
            "",
            Menu::process,
            {},

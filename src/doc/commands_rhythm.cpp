@@ -102,7 +102,7 @@ std::vector<Command> rhythmCommands() {
        undoAs<UndoKind::annotations>, Lock::none, runMarkerBpm,
        [](CommandCall&) -> std::string { return "Set marker as bpm"; }, Changes::annotations, 0,
        "Marker BPM"},
-      {"gapper", "Ga&pper", "", Menu::process, gapperParameters(), needAudio, undoAs<UndoKind::wholeFile>,
+      {"gapper", "Gapper", "", Menu::process, gapperParameters(), needAudio, undoAs<UndoKind::wholeFile>,
        Lock::turns, runGapper, [](CommandCall&) -> std::string { return "Gapper effect"; }, Changes::samples,
        0, "Gapper"},
   };

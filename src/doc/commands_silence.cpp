@@ -118,7 +118,7 @@ std::vector<Command> silenceCommands() {
        {levelParameter(), durationParameter("Parted by at least"), position}, needAudio, undoAs<UndoKind::annotations>,
        Lock::none, runAutoRegion, [](CommandCall&) -> std::string { return "Auto detect region"; },
        Changes::annotations, 0, "Auto Detect Region"},
-      {"silence-remover", "Silence r&emover", "", Menu::process,
+      {"silence-remover", "Silen&ce remover", "", Menu::process,
        {levelParameter(), durationParameter("Lasts at least")}, needAudio, undoAs<UndoKind::layout>, Lock::none,
        runSilenceRemover, [](CommandCall&) -> std::string { return "Silence remover"; }, Changes::samples, 0,
        "Silence Remover"},

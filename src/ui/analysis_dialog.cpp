@@ -3,6 +3,9 @@
 
 #include <wx/display.h>
 
+#include "ui/toolbar_icons.h"
+#include "ui/window_place.h"
+
 namespace plumetta {
 namespace {
 
@@ -23,6 +26,7 @@ AnalysisDlg::AnalysisDlg(wxWindow* parent, const wxString& title, const char* se
       readout_(new wxStaticText(this, wxID_ANY, " ", wxDefaultPosition, wxDefaultSize,
                                 wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_END)),
       state_(new wxStaticText(this, wxID_ANY, " ")) {
+  SetIcons(programIcons());
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { Hide(); });
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
     if (event.GetKeyCode() == WXK_ESCAPE) {
@@ -122,12 +126,12 @@ void AnalysisDlg::restorePlace() {
     wanted.IncTo(GetMinSize());
     SetSize(wanted);
   }
-  const int display = size.x > 0 ? wxDisplay::GetFromPoint(at) : wxNOT_FOUND;
-  if (display == wxNOT_FOUND) {
+  if (size.x <= 0 || wxDisplay::GetFromPoint(at) == wxNOT_FOUND) {
     CentreOnParent();
   } else {
-    SetSize(wxRect(at, GetSize()).Intersect(wxDisplay(static_cast<unsigned>(display)).GetClientArea()));
+    Move(at);
   }
+  keepOnDisplay(*this);
 }
 
 }  // namespace plumetta

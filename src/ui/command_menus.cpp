@@ -111,7 +111,7 @@ MenuPlan MainFrame::channelMenu() {
     }
     menu.actions.push_back(action);
   }
-  Action all = documentAction("all-channels", "&All channels active", "", "Edit every channel",
+  Action all = documentAction("all-channels", "All channels acti&ve", "", "Edit every channel",
                               [](CPlumettaDoc& doc) { doc.setActive(ActiveOperation::all, 0); });
   all.enabled = [this] { return tabs_->active() != nullptr && !tabs_->active()->wave().allActive(); };
   menu.actions.push_back(all);

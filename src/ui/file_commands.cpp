@@ -37,6 +37,10 @@ bool hasNoHeader(FileSystem& files, const std::string& path) {
 
 std::string wavFilter() { return "WAV audio (*.wav)|*.wav"; }
 
+// By another program, or by hand.
+constexpr const char* kChangedByOthers =
+    "\nThis file has changed on the disk since it was opened or saved here. Do you want to replace it?";
+
 }  // namespace
 
 FileCommands::FileCommands(wxWindow& parent, Application& app, DocumentTabs& tabs, WindowProfile& profile,
@@ -97,6 +101,7 @@ bool FileCommands::openOne(const std::string& path, const OpenOptions& options) 
   FileOutcome outcome{};
   CPlumettaDoc* doc = app_.openDocument(path, outcome, options);
   if (doc == nullptr) return outcome != FileOutcome::cancelled;  // the document has said why
+  stamps_.take(*doc);
   tabs_.add(*doc);
   recent_.add(path);
   return true;
@@ -223,9 +228,8 @@ std::optional<SaveOptions> FileCommands::saveOptionsFor(const std::string& path,
 bool FileCommands::save(CPlumettaDoc& doc) {
   const std::string path = doc.wave().fileName();
   if (!isNamed(doc) || writableFormatOfName(path) == nullptr) return saveAs(doc);
-  if (doc.save(path, *saveOptionsFor(path, false)) != FileOutcome::done) return false;
-  recent_.add(path);
-  return true;
+  if (stamps_.changed(doc) && !app_.prompter().question(path + kChangedByOthers)) return false;
+  return write(doc, path, *saveOptionsFor(path, false));
 }
 
 bool FileCommands::saveAs(CPlumettaDoc& doc) {
@@ -242,7 +246,12 @@ bool FileCommands::saveAs(CPlumettaDoc& doc) {
     return false;
   }
   const auto options = saveOptionsFor(path, true);
-  if (!options || doc.save(path, *options) != FileOutcome::done) return false;
+  return options && write(doc, path, *options);
+}
+
+bool FileCommands::write(CPlumettaDoc& doc, const std::string& path, const SaveOptions& options) {
+  if (doc.save(path, options) != FileOutcome::done) return false;
+  stamps_.take(doc);
   recent_.add(path);
   return true;
 }
@@ -287,6 +296,7 @@ bool FileCommands::exportText(CPlumettaDoc& doc) {
 // ---- Going ----------------------------------------------------------------------------------------------
 
 void FileCommands::drop(CPlumettaDoc& doc) {
+  stamps_.forget(doc);
   tabs_.remove(doc);
   app_.closeDocument(doc);
 }

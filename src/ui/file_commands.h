@@ -7,6 +7,7 @@
 
 #include "app/application.h"
 #include "ui/document_tabs.h"
+#include "ui/file_stamps.h"
 #include "ui/recent_files.h"
 #include "ui/window_profile.h"
 
@@ -65,6 +66,7 @@ class FileCommands {
   // Where a dialog that writes begins.
   std::string folderFor(const CPlumettaDoc* doc) const;
   void rememberFolder(const std::string& folder);
+  bool write(CPlumettaDoc& doc, const std::string& path, const SaveOptions& options);
   void drop(CPlumettaDoc& doc);
 
   wxWindow& parent_;
@@ -72,6 +74,7 @@ class FileCommands {
   DocumentTabs& tabs_;
   WindowProfile& profile_;
   RecentFiles& recent_;
+  FileStamps stamps_;
   int untitledCount_ = 0;
 };
 

@@ -9,8 +9,9 @@
 namespace plumetta {
 namespace {
 
-constexpr int kPadding = 12;    // beside the caption
-constexpr int kRise = 8;        // above and below the caption
+constexpr int kPadding = 12;  // beside the caption
+constexpr int kRise = 8;      // above and below the caption
+constexpr int kWidestText = 240;
 constexpr int kCloseSide = 18;  // of the square that takes the click
 constexpr int kLine = 2;        // over the tab in front
 constexpr double kQuiet = 0.6;  // of the text's colour, on the tabs behind
@@ -26,6 +27,11 @@ wxColour textBehind() {
           mixed(text.Blue(), ground.Blue())};
 }
 
+// Of a long name the beginning and the end; the tooltip has it whole.
+wxString shownCaption(const wxString& caption, const wxDC& dc, const wxWindow& window) {
+  return wxControl::Ellipsize(caption, dc, wxELLIPSIZE_MIDDLE, window.FromDIP(kWidestText));
+}
+
 }  // namespace
 
 FlatTabArt::FlatTabArt() : theme_(Theme::current()) {}
@@ -38,7 +44,7 @@ void FlatTabArt::UpdateColoursFromSystem() {
 wxSize FlatTabArt::GetTabSize(wxDC& dc, wxWindow* window, const wxString& caption, const wxBitmapBundle&,
                               bool, int closeButtonState, int* xExtent) {
   dc.SetFont(m_normalFont);
-  const wxSize text = dc.GetTextExtent(caption);
+  const wxSize text = dc.GetTextExtent(shownCaption(caption, dc, *window));
   // The place of the mark of changes is kept free, so that tabs don't move when it comes.
   int width = text.x + window->FromDIP(2 * kPadding);
   if (!caption.StartsWith("*")) width += dc.GetTextExtent("*").x;
@@ -83,7 +89,8 @@ void FlatTabArt::DrawTab(wxDC& dc, wxWindow* window, const wxAuiNotebookPage& pa
   }
   dc.SetFont(m_normalFont);
   dc.SetTextForeground(page.active ? theme_.text : textBehind());
-  dc.DrawText(page.caption, tab.x + window->FromDIP(kPadding), tab.y + (tab.height - dc.GetCharHeight()) / 2);
+  dc.DrawText(shownCaption(page.caption, dc, *window), tab.x + window->FromDIP(kPadding),
+              tab.y + (tab.height - dc.GetCharHeight()) / 2);
   *outTabRect = tab;
 }
 

@@ -41,7 +41,7 @@ LiveDisplays::LiveDisplays(wxWindow* parent, Application& app, WindowProfile& pr
       goniometer_(new GoniometerView(this, trail_)),
       displays_(makeDisplays()),
       timer_(this),
-      panes_(this, 0) {
+      panes_(this) {
   panes_.SetArtProvider(new FlatDockArt(*this));
   // Panes have the size that they ask for, whatever this window's is when they first appear.
   SetSize(FromDIP(kUsualSize));
@@ -56,6 +56,7 @@ LiveDisplays::LiveDisplays(wxWindow* parent, Application& app, WindowProfile& pr
     if (middle_ != nullptr && !(allShown && middleHasRoom())) fit();
     event.Skip();
   });
+  panes_.onDragged = [this] { adoptDrag(); };
   Bind(wxEVT_AUI_PANE_CLOSE, [this](wxAuiManagerEvent& event) {
     for (Display& display : displays_) {
       if (display.view != event.GetPane()->window) continue;
@@ -137,6 +138,12 @@ void LiveDisplays::fit() {
     panes_.Update();
   }
   connect();
+}
+
+void LiveDisplays::adoptDrag() {
+  wholeLayout_.clear();  // from before
+  fit();
+  storeLayout();
 }
 
 void LiveDisplays::storeLayout() {

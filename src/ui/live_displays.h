@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <wx/aui/framemanager.h>
 #include <wx/panel.h>
 #include <wx/stopwatch.h>
 #include <wx/timer.h>
@@ -18,6 +17,7 @@
 #include "audio/sound_tap.h"
 #include "ui/action_menus.h"
 #include "ui/clock_view.h"
+#include "ui/dragged_panes.h"
 #include "ui/goniometer_view.h"
 #include "ui/live_spectrum_view.h"
 #include "ui/meter_view.h"
@@ -66,6 +66,8 @@ class LiveDisplays : public wxPanel {
   // Shows all that is wanted, but for the last ones of the list where the middle would get too small.
   void fit();
   bool middleHasRoom() const;
+  // A pane has been dragged elsewhere.
+  void adoptDrag();
   // The engine feeds only what is to be seen.
   void connect();
 
@@ -108,7 +110,7 @@ class LiveDisplays : public wxPanel {
   wxStopWatch sinceStart_;
   HeardPosition heard_;
   uint32_t playedRate_ = 0;  // of what `heard_` follows; 0 while nothing plays
-  wxAuiManager panes_;
+  DraggedPanes panes_;
 };
 
 }  // namespace plumetta

@@ -77,7 +77,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   displays_->surround(*sides_);
   place_.restore();
   sides_->Initialize(pages_);
-  buildStatusBar();
+  buildStatusLine();
   menus_.build(menuPlan());
   for (const char* key : {"Ctrl+=", "Ctrl+Shift+=", "Ctrl+Shift++", "Ctrl+KP_Add"})
     menus_.addKey(key, "zoom-in");
@@ -116,7 +116,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
   prompter_.setParent(this);
   prompter_.asksOfLosses = &app_.settings().files.askOfLosses;
   prompter_.onLossesSilenced = [this] { app_.saveSettings(); };
-  prompter_.onStatus = [this](const wxString& text) { SetStatusText(text, kMessage); };
+  prompter_.onStatus = [this](const wxString& text) { SetStatusText(text, StatusLine::kMessage); };
   for (wxWindow* window :
        {static_cast<wxWindow*>(this), static_cast<wxWindow*>(startPage_), static_cast<wxWindow*>(tabs_)}) {
     acceptFiles(*window);
@@ -242,23 +242,18 @@ void MainFrame::showTransportBar(bool show) {
   Layout();
 }
 
-void MainFrame::buildStatusBar() {
-  wxStatusBar* bar = CreateStatusBar(kStatusFields, wxSTB_DEFAULT_STYLE);
-  // Shares of the width, so that in a narrow window every field keeps some room; what is cut has a tooltip.
-  const int widths[kStatusFields] = {-3, -5, -4, -5, -3, -5};
-  int styles[kStatusFields];
-  for (int& style : styles) style = wxSB_FLAT;
-  bar->SetStatusWidths(kStatusFields, widths);
-  bar->SetStatusStyles(kStatusFields, styles);
-  bar->Show(profile_.integer(kWindow, "Status bar", 1) != 0);
+void MainFrame::buildStatusLine() {
+  auto* line = new StatusLine(this);
+  SetStatusBar(line);
+  line->Show(profile_.integer(kWindow, "Status bar", 1) != 0);
 }
 
 void MainFrame::showStatus() {
   const DocumentPanel* panel = tabs_->activePanel();
-  SetStatusText(panel != nullptr ? panel->statusFormat() : wxString(), kFormat);
-  SetStatusText(panel != nullptr ? panel->statusLength() : wxString(), kLength);
-  SetStatusText(panel != nullptr ? panel->statusCursor() : wxString(), kCursor);
-  SetStatusText(panel != nullptr ? panel->statusSelection() : wxString(), kSelection);
+  SetStatusText(panel != nullptr ? panel->statusFormat() : wxString(), StatusLine::kFormat);
+  SetStatusText(panel != nullptr ? panel->statusLength() : wxString(), StatusLine::kLength);
+  SetStatusText(panel != nullptr ? panel->statusCursor() : wxString(), StatusLine::kCursor);
+  SetStatusText(panel != nullptr ? panel->statusSelection() : wxString(), StatusLine::kSelection);
 }
 
 // ---- History --------------------------------------------------------------------------------------------

@@ -23,6 +23,7 @@
 #include "ui/sound_control.h"
 #include "ui/spectrum_dialog.h"
 #include "ui/start_page.h"
+#include "ui/status_line.h"
 #include "ui/surface_dialog.h"
 #include "ui/transport_bar.h"
 #include "ui/update_watch.h"
@@ -44,8 +45,6 @@ class MainFrame : public wxFrame {
   void begin(const std::vector<std::string>& paths);
 
  private:
-  enum StatusField { kMessage, kSound, kFormat, kLength, kCursor, kSelection, kStatusFields };
-
   // The rows of each menu (window_actions.cpp, and command_menus.cpp for those of the command table).
   std::vector<MenuPlan> menuPlan();
   MenuPlan fileMenu();
@@ -116,7 +115,7 @@ class MainFrame : public wxFrame {
   void buildToolBar();
   // Documents and what stands beside and below them.
   void layOut();
-  void buildStatusBar();
+  void buildStatusLine();
   void showTransportBar(bool show);
   // Title, buttons and status line follow what goes on at the devices.
   void followSound();

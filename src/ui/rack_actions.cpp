@@ -11,7 +11,7 @@ constexpr int kCopyMilliseconds = 1000;
 }  // namespace
 
 std::vector<Action> MainFrame::rackActions() {
-  Action window{"rack", "&VST rack…", "F7", "The chain of plug-ins", [this] { showRack(); }};
+  Action window{"rack", "VST rac&k…", "F7", "The chain of plug-ins", [this] { showRack(); }};
   window.checked = [this] { return rackWindow_ != nullptr && rackWindow_->IsShown(); };
   Action through{"rack-on", "Play thro&ugh the VST rack", "Ctrl+F7", "What is played passes the plug-ins",
                  [this] { switchRack(); }};

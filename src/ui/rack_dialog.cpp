@@ -7,6 +7,8 @@
 #include <cmath>
 
 #include "ui/text.h"
+#include "ui/toolbar_icons.h"
+#include "ui/window_place.h"
 
 namespace plumetta {
 namespace {
@@ -31,6 +33,7 @@ CVSTRackDlg::CVSTRackDlg(wxWindow* parent, Application& app, WindowProfile& prof
       editors_(editors),
       mayChange_(std::move(mayChange)),
       positions_(new PositionList(this, rack_)) {
+  SetIcons(programIcons());
   auto* sides = new wxBoxSizer(wxHORIZONTAL);
   sides->Add(makeLeft(), 5, wxEXPAND | wxRIGHT, FromDIP(2 * kGap));
   sides->Add(makeRight(), 4, wxEXPAND);
@@ -61,7 +64,7 @@ wxButton* CVSTRackDlg::addButton(wxSizer& row, const char* label, const char* hi
   button->Bind(wxEVT_BUTTON, [this, run](wxCommandEvent&) {
     if (mayChange_()) (this->*run)();
   });
-  row.Add(button, 1, wxRIGHT, FromDIP(kGap / 2));
+  row.Add(button, 1, wxEXPAND | wxRIGHT, FromDIP(kGap / 2));
   return button;
 }
 
@@ -97,7 +100,7 @@ wxSizer* CVSTRackDlg::makeRight() {
   programs_->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&) { chooseProgram(); });
   programs_->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { chooseProgram(); });
   column->Add(programs_, 2, wxEXPAND | wxBOTTOM, FromDIP(kGap / 2));
-  auto* files = new wxBoxSizer(wxHORIZONTAL);
+  auto* files = new wxGridSizer(2, wxSize(0, FromDIP(kGap / 2)));
   loadPreset_ = addButton(*files, "Load preset…", "Into the selected program", &CVSTRackDlg::loadPreset);
   savePreset_ = addButton(*files, "Save preset…", "The selected program", &CVSTRackDlg::savePreset);
   loadBank_ = addButton(*files, "Load bank…", "All programs", &CVSTRackDlg::loadBank);
@@ -170,6 +173,7 @@ void CVSTRackDlg::restorePlace() {
   } else {
     CentreOnParent();
   }
+  keepOnDisplay(*this);
 }
 
 // ---- What it shows --------------------------------------------------------------------------------------

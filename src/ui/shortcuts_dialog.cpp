@@ -101,7 +101,7 @@ wxSizer* ShortcutsDialog::makeButtons() {
     button->Bind(wxEVT_BUTTON, [this, onChosen](wxCommandEvent&) { (this->*onChosen)(); });
     row->Add(button, 0, wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(kGap));
   };
-  add("&All by default", &ShortcutsDialog::resetAll);
+  add("Reset &all", &ShortcutsDialog::resetAll);
   add("&Import…", &ShortcutsDialog::importFile);
   add("&Export…", &ShortcutsDialog::exportFile);
   row->AddStretchSpacer();

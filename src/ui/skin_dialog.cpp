@@ -97,7 +97,7 @@ wxSizer* SkinDialog::makeParts() {
   auto* row = new wxBoxSizer(wxHORIZONTAL);
   auto* pick = new wxButton(this, wxID_ANY, "C&hoose…");
   pick->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { choose(); });
-  auto* plain = new wxButton(this, wxID_ANY, "By &default");
+  auto* plain = new wxButton(this, wxID_ANY, "&Default colour");
   plain->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { give(std::nullopt); });
   row->Add(pick, 1, wxRIGHT, FromDIP(kGap));
   row->Add(plain, 1);
@@ -110,7 +110,7 @@ wxSizer* SkinDialog::makeParts() {
 
 wxSizer* SkinDialog::makeButtons() {
   auto* row = new wxBoxSizer(wxHORIZONTAL);
-  auto* all = new wxButton(this, wxID_ANY, "&All by default");
+  auto* all = new wxButton(this, wxID_ANY, "Reset &all");
   all->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
     skin_ = {};
     give(std::nullopt);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/sonogram_dialog.h"
 
+#include <wx/wrapsizer.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -28,14 +30,15 @@ constexpr auto kShowInterval = std::chrono::milliseconds(100);
 CSonogramDlg::CSonogramDlg(wxWindow* parent, DocumentTabs& tabs, WindowProfile& profile)
     : AnalysisDlg(parent, "Sonogram", "Sonogram", profile), tabs_(tabs), view_(new SonogramView(this)) {
   auto* all = new wxBoxSizer(wxVERTICAL);
-  auto* top = new wxBoxSizer(wxHORIZONTAL);
+  auto* top = new wxWrapSizer(wxHORIZONTAL, 0);
   top->Add(makeSpectrumControls(kSmallestSize, kLargestSize, kUsual, kUsualDepthDb), 0,
-           wxALIGN_CENTRE_VERTICAL);
-  top->AddSpacer(FromDIP(2 * kGap));
+           wxALIGN_CENTRE_VERTICAL | wxRIGHT, FromDIP(2 * kGap));
   wxArrayString planes;
   planes.Add("One by one");
   planes.Add("Together");
-  planes_ = addChoice(*top, "&Channels:", planes, "Channels", 0, settingsChosen);
+  auto* channels = new wxBoxSizer(wxHORIZONTAL);
+  planes_ = addChoice(*channels, "&Channels:", planes, "Channels", 0, settingsChosen);
+  top->Add(channels, 0, wxALIGN_CENTRE_VERTICAL);
   all->Add(top, 0, wxEXPAND | wxALL, FromDIP(kMargin));
   all->Add(view_, 1, wxEXPAND | wxLEFT, FromDIP(kMargin));
   takeLayout(*all, *view_, {860, 420}, {320, 160});

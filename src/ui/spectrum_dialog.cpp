@@ -35,15 +35,15 @@ CSpectrumDlg::CSpectrumDlg(wxWindow* parent, Application& app, WindowProfile& pr
       peakList_(
           new wxListCtrl(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL)) {
   auto* all = new wxBoxSizer(wxVERTICAL);
-  auto* top = new wxBoxSizer(wxHORIZONTAL);
-  top->Add(makeSpectrumControls(kSmallestSpectrum, kLargestSpectrum, {}, kUsualDepthDb), 1,
-           wxALIGN_CENTRE_VERTICAL);
-  top->Add(makeFileButtons(), 0, wxALIGN_CENTRE_VERTICAL | wxLEFT, FromDIP(2 * kGap));
-  all->Add(top, 0, wxEXPAND | wxALL, FromDIP(kMargin));
+  all->Add(makeSpectrumControls(kSmallestSpectrum, kLargestSpectrum, {}, kUsualDepthDb), 0, wxEXPAND | wxALL,
+           FromDIP(kMargin));
   makePeakList();
+  auto* side = new wxBoxSizer(wxVERTICAL);
+  side->Add(peakList_, 1, wxEXPAND | wxBOTTOM, FromDIP(kGap));
+  side->Add(makeFileButtons(), 0, wxEXPAND);
   auto* middle = new wxBoxSizer(wxHORIZONTAL);
   middle->Add(plot_, 1, wxEXPAND);
-  middle->Add(peakList_, 0, wxEXPAND | wxLEFT, FromDIP(kGap));
+  middle->Add(side, 0, wxEXPAND | wxLEFT, FromDIP(kGap));
   all->Add(middle, 1, wxEXPAND | wxLEFT | wxRIGHT, FromDIP(kMargin));
   takeLayout(*all, *plot_, {620, 380}, {240, 160});
   bindPlot();
@@ -61,7 +61,9 @@ wxSizer* CSpectrumDlg::makeFileButtons() {
   forget_->SetToolTip("Take the loaded spectrum away");
   save_->Disable();
   forget_->Disable();
-  for (wxButton* button : {save_, loadButton, forget_}) row->Add(button, 0, wxLEFT, FromDIP(kGap / 2));
+  for (wxButton* button : {save_, loadButton, forget_}) {
+    row->Add(button, 1, button == save_ ? 0 : wxLEFT, FromDIP(kGap / 2));
+  }
   save_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { save(); });
   loadButton->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { load(); });
   forget_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { forget(); });

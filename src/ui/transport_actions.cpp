@@ -64,9 +64,7 @@ void MainFrame::configureRouting() {
 
 void MainFrame::followSound() {
   showTitle();
-  if (const wxString status = sound_.status(); GetStatusBar()->GetStatusText(kSound) != status) {
-    SetStatusText(status, kSound);
-  }
+  SetStatusText(sound_.status(), StatusLine::kSound);
   menus_.refresh();
   transportBar_->follow(sound_.recorder().buttonMarked());
 }

@@ -5,6 +5,7 @@
 
 #include "ui/native_parent.h"
 #include "ui/text.h"
+#include "ui/toolbar_icons.h"
 
 namespace plumetta {
 namespace {
@@ -23,6 +24,7 @@ CVSTDlg::CVSTDlg(wxWindow* parent, VstHost& host, int slot)
       host_(host),
       slot_(slot),
       area_(new wxPanel(this)) {
+  SetIcons(programIcons());
   // What the plug-in draws there is nobody else's to erase.
   area_->SetBackgroundStyle(wxBG_STYLE_PAINT);
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { Hide(); });

@@ -10,6 +10,7 @@
 #include "ui/lane_painter.h"
 #include "ui/sample_drag.h"
 #include "ui/selection_drag.h"
+#include "ui/text.h"
 
 namespace plumetta {
 namespace {
@@ -232,6 +233,21 @@ void WaveformCanvas::onMove(wxMouseEvent& event) {
   }
 }
 
+void WaveformCanvas::addEditItems(wxMenu& menu) {
+  const auto add = [&](const char* id, bool possible) {
+    wxMenuItem* item = menu.Append(wxID_ANY, toWx(findCommand(id)->menuText));
+    item->Enable(possible);
+    menu.Bind(
+        wxEVT_MENU, [this, id](wxCommandEvent&) { view_.run(id); }, item->GetId());
+  };
+  const bool selected = doc().view().hasSelection();
+  add("cut", selected);
+  add("copy", selected);
+  add("paste", doc().services().clipboard != nullptr);
+  add("delete", selected);
+  menu.AppendSeparator();
+}
+
 void WaveformCanvas::addMarkerItems(wxMenu& menu, int32_t frame) {
   const auto add = [&](const char* text, auto action) {
     menu.Bind(
@@ -257,6 +273,7 @@ void WaveformCanvas::onContextMenu(wxContextMenuEvent& event) {
     return;
   }
   wxMenu menu;
+  addEditItems(menu);
   if (envelope_.addMenuItems(menu, at)) menu.AppendSeparator();
   addMarkerItems(menu, byKey ? doc().view().cursor : doc().clampFrame(view_.scale().nearestFrame(at.x)));
   PopupMenu(&menu, at);

@@ -49,6 +49,7 @@ class WaveformCanvas : public ViewWindow {
   bool moveByKey(const wxKeyEvent& event);
   void moveCursor(int64_t frame, bool extend);
   void selectRegionAt(int64_t frame);
+  void addEditItems(wxMenu& menu);
   void addMarkerItems(wxMenu& menu, int32_t frame);
   std::optional<RangeEdge> selectionEdgeAt(int x) const;
 

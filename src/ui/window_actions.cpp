@@ -70,7 +70,7 @@ MenuPlan MainFrame::fileMenu() {
     return doc != nullptr && (doc->modified() || !isNamed(*doc));
   };
   Action saveSelection =
-      documentAction("save-selection", "Save se&lection as…", "", "Save the selected part as WAV",
+      documentAction("save-selection", "Save selec&tion as…", "", "Save the selected part as WAV",
                      [this](CPlumettaDoc& doc) { files_.saveSelection(doc); });
   Action split =
       documentAction("split", "Split at &markers…", "", "Save each stretch between markers as a file",
@@ -102,7 +102,8 @@ MenuPlan MainFrame::fileMenu() {
        kSeparator,
        documentAction("close", "&Close", "Ctrl+W", "Close this file",
                       [this](CPlumettaDoc& doc) { files_.close(doc); }),
-       {"close-all", "Close all", "Ctrl+Shift+W", "Close every file", [this] { files_.closeAll(); }, anyOpen},
+       {"close-all", "Close a&ll", "Ctrl+Shift+W", "Close every file", [this] { files_.closeAll(); },
+        anyOpen},
        kSeparator,
        {"exit", "E&xit", "Ctrl+Q", "Leave Plumetta", [this] { Close(); }}}};
 }
@@ -126,9 +127,9 @@ MenuPlan MainFrame::editMenu() {
   MenuPlan menu{"&Edit", groupedActions(Menu::edit, {"undo", "redo", "", "cut", "copy", "paste", "paste-mix",
                                                      "paste-mix-markers"})};
   append(menu.actions,
-         {{"paste-new", "Paste as &new file", "Ctrl+Alt+V", "What was cut or copied as a file of its own",
+         {{"paste-new", "Paste as ne&w file", "Ctrl+Alt+V", "What was cut or copied as a file of its own",
            [this] { files_.pasteAsNew(); }, buffer},
-          {"paste-system", "Paste fro&m system clipboard", "", "Audio that another program has copied",
+          {"paste-system", "Paste from s&ystem clipboard", "", "Audio that another program has copied",
            [this] { files_.pasteFromSystem(); }},
           kSeparator});
   append(menu.actions, groupedActions(Menu::edit, {"delete", "trim"}));
@@ -139,7 +140,7 @@ MenuPlan MainFrame::editMenu() {
        kSeparator,
        documentAction("select-all", "Select &all", "Ctrl+A", "Select the whole file",
                       [](CPlumettaDoc& doc) { doc.select(0, doc.lastFrame()); }),
-       documentAction("select-none", "Select &none", "Ctrl+Shift+A", "Take the selection away",
+       documentAction("select-none", "Select non&e", "Ctrl+Shift+A", "Take the selection away",
                       [](CPlumettaDoc& doc) { doc.selectNone(); }),
        selectionAction("lengthen", "&Lengthen selection", "Ctrl+]", "By the factor of the preferences",
                        false),
@@ -148,11 +149,11 @@ MenuPlan MainFrame::editMenu() {
                       [this](CPlumettaDoc& doc) { goTo(doc); }),
        kSeparator,
        {"preferences", "Pre&ferences…", "Ctrl+,", "How the editor behaves", [this] { editPreferences(); }},
-       {"midi", "MID&I remote control…", "", "Controllers of MIDI devices that drive the editor",
+       {"midi", "&MIDI remote control…", "", "Controllers of MIDI devices that drive the editor",
         [this] { configureMidi(); }},
        {"audio", "Aud&io configuration…", "", "Devices, rates and buffers of output and input",
         [this] { configureAudio(); }},
-       {"routing", "Output &routing…", "", "Which channel is heard on which output",
+       {"routing", "Output routi&ng…", "", "Which channel is heard on which output",
         [this] { configureRouting(); }}});
   return menu;
 }
@@ -242,7 +243,7 @@ MenuPlan MainFrame::viewMenu() {
                       [this](CPlumettaDoc& doc) { showStatistics(doc); }),
        documentAction("spectrum", "S&pectrum…", "F9", "Levels along frequency, peaks and their notes",
                       [this](CPlumettaDoc&) { showSpectrum(); }),
-       documentAction("sonogram", "So&nogram…", "Shift+F9", "Levels along time and frequency as colours",
+       documentAction("sonogram", "Sono&gram…", "Shift+F9", "Levels along time and frequency as colours",
                       [this](CPlumettaDoc&) { showSonogram(); }),
        documentAction("spectrum-3d", "&3D spectrum…", "Ctrl+F9", "Spectra along time as a landscape",
                       [this](CPlumettaDoc&) { show3DSpectrum(); }),
@@ -267,7 +268,7 @@ MenuPlan MainFrame::markerMenu() {
                                         [this](CPlumettaDoc& doc) { goToMarker(doc, false); }));
   menu.actions.push_back(kSeparator);
   append(menu.actions, groupedActions(Menu::marker, {"marker-grid", "set-region", "marker-bpm"}));
-  menu.actions.push_back(documentAction("bpm", "B&PM calculator…", "", "The tempo of the selection",
+  menu.actions.push_back(documentAction("bpm", "BPM calc&ulator…", "", "The tempo of the selection",
                                         [this](CPlumettaDoc& doc) { showTempo(doc); }));
   append(menu.actions,
          groupedActions(Menu::marker, {"", "auto-slice", "auto-region", "", "scramble", "", "marker-clear"}));

@@ -23,16 +23,26 @@ bool canBeGrabbed(const wxRect& frame, int reach) {
   return false;
 }
 
-// Shifts a frame that would hang over the right or lower edge of its display back onto it.
-void keepInside(wxRect& frame) {
-  const int display = wxDisplay::GetFromPoint(frame.GetPosition());
-  if (display == wxNOT_FOUND) return;
-  const wxRect room = wxDisplay(static_cast<unsigned>(display)).GetClientArea();
+// Shifts a frame that would hang over an edge of the room back into it.
+void keepInside(wxRect& frame, const wxRect& room) {
   frame.x = std::max(room.x, std::min(frame.x, room.GetRight() + 1 - frame.width));
   frame.y = std::max(room.y, std::min(frame.y, room.GetBottom() + 1 - frame.height));
 }
 
 }  // namespace
+
+void keepOnDisplay(wxTopLevelWindow& window) {
+  const int display = wxDisplay::GetFromWindow(&window);
+  const wxRect room = wxDisplay(display == wxNOT_FOUND ? 0u : static_cast<unsigned>(display)).GetClientArea();
+  wxSize least = window.GetMinSize();
+  least.DecTo(room.GetSize());
+  window.SetMinSize(least);
+  wxRect frame = window.GetRect();
+  frame.width = std::min(frame.width, room.width);
+  frame.height = std::min(frame.height, room.height);
+  keepInside(frame, room);
+  window.SetSize(frame);
+}
 
 WindowPlace::WindowPlace(wxFrame& frame, WindowProfile& profile) : frame_(frame), profile_(profile) {
   frame_.SetMinSize(frame_.FromDIP(kLeastSize));
@@ -56,7 +66,8 @@ void WindowPlace::restore() {
   frame_.SetSize(size);
   wxRect wanted(wxPoint(stored("X"), stored("Y")), size);
   if (canBeGrabbed(wanted, frame_.FromDIP(80))) {
-    keepInside(wanted);
+    const int display = wxDisplay::GetFromPoint(wanted.GetPosition());
+    if (display != wxNOT_FOUND) keepInside(wanted, wxDisplay(static_cast<unsigned>(display)).GetClientArea());
     frame_.Move(wanted.GetPosition());
     // Some window managers take a place only from a window that they show already.
     place_ = wanted;

@@ -2,10 +2,14 @@
 #pragma once
 
 #include <wx/frame.h>
+#include <wx/toplevel.h>
 
 #include "ui/window_profile.h"
 
 namespace plumetta {
+
+// A window that is larger than its display is made as large as that, one that hangs over an edge is moved.
+void keepOnDisplay(wxTopLevelWindow& window);
 
 // Remembers where a frame stands. Sizes are kept independent of the display's scale.
 class WindowPlace {

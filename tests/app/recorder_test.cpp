@@ -179,8 +179,9 @@ TEST_F(Recording, SaysWhyItCannotBegin) {
   fake.openError = FakeWaveIn::kOk;
   disk.refusesTakes = true;
   EXPECT_FALSE(recorder.toggleRecord());
-  EXPECT_EQ(prompter.messages, (Texts{"Unable to start audio driver in", "Unable to start audio driver in",
-                                      "Unable to create recording file"}));
+  const std::string refused =
+      "Unable to start audio driver in\nfake error " + std::to_string(FakeWaveIn::kRefused);
+  EXPECT_EQ(prompter.messages, (Texts{refused, refused, "Unable to create recording file"}));
   EXPECT_FALSE(recorder.busy());
   EXPECT_EQ(fake.opened, fake.closed);
   EXPECT_EQ(files(""), Texts{});
