@@ -104,7 +104,11 @@ void Recorder::endTake() {
   if (!monitoring_ || capture_.lost()) stopInput();
   const std::error_code error = capture_.endTake();
   if (!error && !tooSlow) return;
-  const std::string reason = error ? error.message() : "The disk is too slow.";
+  std::string reason = error ? error.message() : "The disk is too slow.";
+  if (take_ && error == std::errc::timed_out) {
+    take_->unwritten = true;
+    reason = "The disk does not answer. What it has not taken yet will be in\n" + take_->path;
+  }
   app_.prompter().message(kRecordingStopped + reason);
 }
 
@@ -170,9 +174,9 @@ CPlumettaDoc* Recorder::importIntoActive(const HeldTake& take, CPlumettaDoc& doc
   return importTake(document, import) == CommandOutcome::done ? &document : nullptr;
 }
 
-// A take that is in a document now: its file goes, or stays on purpose.
+// A take that is in a document now: its file goes, or stays on purpose, or because the end of it still comes.
 void Recorder::settle(HeldTake& take) {
-  if (!app_.settings().recording.keepFiles) {
+  if (!app_.settings().recording.keepFiles && !take.unwritten) {
     folder_.remove(take);
     return;
   }

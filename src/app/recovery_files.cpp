@@ -66,7 +66,7 @@ std::optional<RecoveryInfo> readInfo(FileSystem& files, const std::string& path)
   info.fileName = valueOf(text, "file");
   info.kept = valueOf(text, "kept") == "1";
   const int bits = numberOf(valueOf(text, "bits"), info.bits);
-  if (bits == 8 || bits == 16 || bits == 24 || bits == 32) info.bits = bits;
+  if (bits == 8 || bits == 16 || bits == 24 || bits == 32 || bits == 64) info.bits = bits;
   const int tag = numberOf(valueOf(text, "tag"), info.formatTag);
   if (tag > 0 && tag <= std::numeric_limits<uint16_t>::max()) info.formatTag = tag;
   return info;

@@ -25,6 +25,7 @@ struct HeldTake {
   std::string path;
   TakeInfo info;
   std::optional<LockFile> lock;
+  bool unwritten = false;  // the disk has not taken all of it yet
 };
 
 // The recordings in the program's own folder. No ".rec" file is ever deleted but by `remove`.

@@ -108,7 +108,8 @@ bool PlaybackEngine::callback(void* engine, float** channels, int* frames, int* 
 }
 
 void PlaybackEngine::fill(float** channels, int* frames, int* channelCount) noexcept {
-  const Use use(*turn_);
+  Turn& turn = *turn_;
+  const Use use(turn);
   *frames = std::clamp(*frames, 0, mostFrames_);
   *channelCount = std::clamp(*channelCount, 0, kMaxOutputChannels);
   heardFrames_ = 0;
@@ -119,6 +120,7 @@ void PlaybackEngine::fill(float** channels, int* frames, int* channelCount) noex
   if (controls_.source.load(kRelaxed) == nullptr) return;
   if (controls_.playing.load(kRelaxed)) playBlock(*frames, *channelCount);
   runRack(channels, *channelCount, *frames);
+  if (&turn != turn_) return silence(channels, *channelCount, *frames);
   showBlock(channels, *frames, *channelCount);
   applyVolume(*frames, *channelCount);
   wind(*frames);
@@ -207,6 +209,12 @@ void PlaybackEngine::runRack(float** channels, int channelCount, int frames) noe
   if (rack == nullptr || !controls_.rackEnabled.load(kRelaxed)) return;
   rack->setPlaying(controls_.playing.load(kRelaxed));
   rack->process(channels, channelCount, frames);
+}
+
+// Left behind in the rack: widgets, volume and place are the next callback's by now, and so are the buffers but
+// for those that are being filled.
+void PlaybackEngine::silence(float** channels, int channelCount, int frames) noexcept {
+  for (int c = 0; c < channelCount; ++c) std::fill_n(channels[c], frames, 0.0f);
 }
 
 void PlaybackEngine::showBlock(float** channels, int frames, int channelCount) noexcept {

@@ -54,6 +54,7 @@ class PlaybackEngine {
   int sourceChannel(const CWave& wave, int outputChannel) const noexcept;
   void readChannel(const CWave& wave, int sourceChannel, int frames, float* out) noexcept;
   void runRack(float** channels, int channelCount, int frames) noexcept;
+  static void silence(float** channels, int channelCount, int frames) noexcept;
   void showBlock(float** channels, int frames, int channelCount) noexcept;
   void applyVolume(int frames, int channelCount) noexcept;
   void wind(int frames) noexcept;

@@ -11,11 +11,12 @@
 namespace plumetta {
 
 BatchWorker::BatchWorker(FileSystem& files, const BatchSettings& settings, const std::atomic<BatchStop>& stop,
-                         ChainProcessor* chain)
+                         ChainProcessor* chain, int chainPlugins)
     : files_(files),
       settings_(settings),
       stop_(stop),
       chain_(chain),
+      chainPlugins_(chainPlugins),
       realInput_(realPath(settings.input)),
       realOutput_(realPath(settings.output)) {
   addVersionChunk(wave_);
@@ -54,8 +55,10 @@ void BatchWorker::processLoaded(const std::string& resultPath, const BatchEntry&
 bool BatchWorker::apply() {
   const BatchFunction& function = batchFunctions()[static_cast<size_t>(settings_.function)];
   if (!function.usesChain) return function.apply == nullptr || function.apply(wave_);
-  // Equal ends mean all frames.
-  return chain_ != nullptr && chain_->applyTo(wave_, lock_, 0, 0, wave_.progress) == ChainResult::done;
+  if (chain_ == nullptr) return false;
+  // Equal ends mean all frames. What is left of a chain that has lost a plug-in isn't what was asked for.
+  const bool done = chain_->applyTo(wave_, lock_, 0, 0, wave_.progress) == ChainResult::done;
+  return done && chain_->activePlugins() == chainPlugins_;
 }
 
 bool BatchWorker::save(const std::string& path) {

@@ -19,8 +19,9 @@ enum class BatchStop { no, afterFile, atOnce };
 // thread.
 class BatchWorker {
  public:
+  // `chainPlugins` is how many plug-ins the chain had when the batch began.
   BatchWorker(FileSystem& files, const BatchSettings& settings, const std::atomic<BatchStop>& stop,
-              ChainProcessor* chain);
+              ChainProcessor* chain, int chainPlugins);
   BatchWorker(const BatchWorker&) = delete;
   BatchWorker& operator=(const BatchWorker&) = delete;
 
@@ -43,6 +44,7 @@ class BatchWorker {
   const BatchSettings& settings_;
   const std::atomic<BatchStop>& stop_;
   ChainProcessor* const chain_;
+  const int chainPlugins_;
   const std::string realInput_, realOutput_;
   AudioLock lock_;  // nobody else has these samples; the chain asks for one
   CWave wave_;

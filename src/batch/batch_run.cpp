@@ -8,7 +8,11 @@
 namespace plumetta {
 
 BatchRun::BatchRun(FileSystem& files, BatchSettings settings, OrderedLog::Sink log, ChainProcessor* chain)
-    : files_(files), settings_(std::move(settings)), sink_(std::move(log)), chain_(chain) {}
+    : files_(files),
+      settings_(std::move(settings)),
+      sink_(std::move(log)),
+      chain_(chain),
+      chainPlugins_(chain != nullptr ? chain->activePlugins() : 0) {}
 
 void BatchRun::run() {
   plan_ = planBatch(files_, settings_, [this] { return stop_ != BatchStop::no; });
@@ -58,7 +62,7 @@ size_t BatchRun::turns() const {
 }
 
 void BatchRun::work(OrderedLog& log) {
-  BatchWorker worker(files_, settings_, stop_, chain_);
+  BatchWorker worker(files_, settings_, stop_, chain_, chainPlugins_);
   while (stop_ == BatchStop::no) {
     const size_t turn = nextTurn_++;
     if (turn >= turns()) return;

@@ -46,6 +46,7 @@ class BatchRun {
   const BatchSettings settings_;
   const OrderedLog::Sink sink_;
   ChainProcessor* const chain_;
+  const int chainPlugins_;
   BatchPlan plan_;
   std::atomic<BatchStop> stop_{BatchStop::no};
   std::atomic<size_t> nextTurn_{0};

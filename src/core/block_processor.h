@@ -43,7 +43,9 @@ class ChainProcessor {
  public:
   virtual ~ChainProcessor() = default;
 
-  virtual bool hasActivePlugin() const = 0;
+  // How many plug-ins work on samples. One that is given up counts no longer, and the others go on.
+  virtual int activePlugins() const = 0;
+  bool hasActivePlugin() const { return activePlugins() > 0; }
   // What plug-ins have done wrong since the last call, a text for a person each.
   virtual std::vector<std::string> takeFaultTexts() = 0;
   // Replaces the frames from the smaller end up to, but without, the larger one by what the chain makes of

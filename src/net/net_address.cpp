@@ -56,6 +56,12 @@ bool isUnsafeInNames(char c) {
          std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos;
 }
 
+// How many bytes a text begins with of a character that was cut in two.
+size_t restOfCharacter(const std::string& text) {
+  const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+  return static_cast<size_t>(std::ranges::find_if_not(text, continues) - text.begin());
+}
+
 }  // namespace
 
 std::string addressProblem(const std::string& address, NetSchemes schemes) {
@@ -90,7 +96,10 @@ std::string fileNameOfAddress(const std::string& address) {
   const std::string path = partOf(url, CURLUPART_PATH);
   std::string name = decoded(path.substr(path.find_last_of('/') + 1));
   std::ranges::replace_if(name, isUnsafeInNames, '_');
-  if (name.size() > kLongestName) name.erase(0, name.size() - kLongestName);  // the extension stays
+  if (name.size() > kLongestName) {
+    name.erase(0, name.size() - kLongestName);  // the extension stays
+    name.erase(0, restOfCharacter(name));
+  }
   // Names of dots alone are folders; no system takes a blank or dot at the end for one.
   name.erase(name.find_last_not_of(" .") + 1);
   return name;

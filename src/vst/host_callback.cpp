@@ -38,6 +38,15 @@ intptr_t copyText(const std::string& text, void* pointer) {
   return 1;
 }
 
+// One that asks for it whenever it is redrawn would never come back, so that it isn't within itself.
+void redraw(const VstPlugin& caller) {
+  static thread_local bool redrawing = false;
+  if (redrawing) return;
+  redrawing = true;
+  caller.dispatch(effEditIdle);
+  redrawing = false;
+}
+
 // What only a plug-in in the table is answered.
 intptr_t answerRegistered(VstPlugin& caller, int32_t opcode) {
   switch (opcode) {
@@ -52,7 +61,7 @@ intptr_t answerRegistered(VstPlugin& caller, int32_t opcode) {
     case audioMasterGetDirectory:
       return reinterpret_cast<intptr_t>(caller.directory().c_str());
     case audioMasterUpdateDisplay:
-      caller.dispatch(effEditIdle);
+      redraw(caller);
       return 0;
     default:
       return 0;

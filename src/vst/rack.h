@@ -102,14 +102,14 @@ class Rack final : public BlockProcessor, public ChainProcessor {
   void setPlaying(bool playing) noexcept override;
   void process(float** channels, int channelCount, int frames) noexcept override;
 
-  bool hasActivePlugin() const override;
+  int activePlugins() const override;
   std::vector<std::string> takeFaultTexts() override;
   ChainResult applyTo(CWave& wave, AudioLock& lock, int64_t start, int64_t end,
                       const WaveProgress& progress) override;
 
   // One block of frames x channels interleaved samples, at most kBufferFrames frames, replaced by what the
-  // chain makes of them but for channels whose flag is not set. False when a plug-in was given up in it. One
-  // thread at a time for a pair of buffers; waits for plug-ins that process elsewhere.
+  // chain makes of them but for channels whose flag is not set. False when a plug-in was given up or taken
+  // away in it. One thread at a time for a pair of buffers; waits for plug-ins that process elsewhere.
   bool processInterleaved(PinBuffers& inputs, PinBuffers& outputs, float* samples, int frames, int channels,
                           const std::array<bool, kMaxChannels>& channelFlags) noexcept;
 

@@ -107,11 +107,10 @@ bool Rack::runInPlace(int slot, int channelCount, int frames) noexcept {
 
 // ---- Over samples ---------------------------------------------------------------------------------------
 
-bool Rack::hasActivePlugin() const {
-  for (int position = 0; position < kPositions; ++position) {
-    if (activeSlotAt(position) >= 0) return true;
-  }
-  return false;
+int Rack::activePlugins() const {
+  int count = 0;
+  for (int position = 0; position < kPositions; ++position) count += activeSlotAt(position) >= 0 ? 1 : 0;
+  return count;
 }
 
 std::vector<std::string> Rack::takeFaultTexts() {
@@ -138,13 +137,14 @@ bool Rack::processInterleaved(PinBuffers& inputs, PinBuffers& outputs, float* sa
     handOver = true;
     if (!runOffline(slot, inputs, outputs, channels, frames)) return false;
   }
-  interleave(outputs.pointers(), frames, channels, channelFlags, samples);
+  // Without a plug-in there is no output, which would be silence.
+  if (handOver) interleave(outputs.pointers(), frames, channels, channelFlags, samples);
   return true;
 }
 
 bool Rack::runOffline(int slot, PinBuffers& inputs, PinBuffers& outputs, int channels, int frames) noexcept {
   VstPlugin* plugin = host_.waitToProcess(slot);
-  if (plugin == nullptr) return true;
+  if (plugin == nullptr) return false;
   offlineSlot_ = slot;
   inputs.clear(channels + 1, furthestPin(*plugin), frames);
   outputs.clear(channels + 1, furthestPin(*plugin), frames);

@@ -2,8 +2,13 @@
 // Recording as a window's buttons drive it, with a device and a disk that do what a test tells them.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <thread>
+
 #include "app/recorder.h"
 #include "doc/command.h"
+#include "doc/take_import.h"
 #include "platform/paths.h"
 #include "support/failing_file_system.h"
 #include "support/fake_wave_in.h"
@@ -22,12 +27,14 @@ class TakeDisk : public FailingFileSystem {
   TakeDisk() : FailingFileSystem(-1) {}
   bool refusesTakes = false, refusesReading = false;
   int64_t room = INT64_MAX;  // bytes of takes
+  std::atomic<bool> hangs{false};
+  std::atomic<int> openTakes{0};
 
   std::unique_ptr<File> createNew(const std::string& path, std::error_code& error) override {
     error = std::make_error_code(std::errc::permission_denied);
     if (path.ends_with(".rec") && refusesTakes) return nullptr;
     auto file = FailingFileSystem::createNew(path, error);
-    return path.ends_with(".rec") ? std::make_unique<BoundedFile>(std::move(file), room) : std::move(file);
+    return path.ends_with(".rec") ? std::make_unique<BoundedFile>(std::move(file), *this) : std::move(file);
   }
   std::unique_ptr<File> openForReading(const std::string& path, std::error_code& error) override {
     error = std::make_error_code(std::errc::io_error);
@@ -37,11 +44,19 @@ class TakeDisk : public FailingFileSystem {
 
  private:
   struct BoundedFile : File {
-    BoundedFile(std::unique_ptr<File> target, int64_t bytes) : file(std::move(target)), room(bytes) {}
+    BoundedFile(std::unique_ptr<File> target, TakeDisk& owner)
+        : disk(owner), file(std::move(target)), room(owner.room) {
+      ++disk.openTakes;
+    }
+    ~BoundedFile() override {
+      file.reset();
+      --disk.openTakes;
+    }
     size_t read(void* to, size_t bytes, std::error_code& error) override {
       return file->read(to, bytes, error);
     }
     std::error_code write(const void* source, size_t bytes) override {
+      while (disk.hangs) std::this_thread::sleep_for(std::chrono::milliseconds(5));
       const auto part = static_cast<size_t>(std::min<int64_t>(room, static_cast<int64_t>(bytes)));
       file->write(source, part);
       room -= static_cast<int64_t>(part);
@@ -51,6 +66,7 @@ class TakeDisk : public FailingFileSystem {
     uint64_t size() const override { return file->size(); }
     std::error_code sync() override { return file->sync(); }
     std::error_code close() override { return file->close(); }
+    TakeDisk& disk;
     std::unique_ptr<File> file;
     int64_t room;
   };
@@ -210,6 +226,20 @@ TEST_F(Recording, EndsWithAFullDiskAndKeepsWhatIsOnIt) {
   ASSERT_NE(result, nullptr);
   EXPECT_EQ(result->wave().frames(), 2 * kBlock);
   expectTake(result->wave(), 0, 2 * kBlock);
+}
+
+TEST_F(Recording, KeepsTheFileThatADiskIsStillWriting) {
+  ASSERT_TRUE(recorder.toggleRecord());
+  disk.hangs = true;
+  deliver(4);
+  recorder.toggleRecord();
+  const std::string take = onlyTake();
+  ASSERT_EQ(prompter.messages.size(), 1u);
+  EXPECT_NE(prompter.messages[0].find(take), std::string::npos) << prompter.messages[0];
+  disk.hangs = false;
+  EXPECT_TRUE(FakeWaveIn::eventually([this] { return disk.openTakes == 0; }));
+  std::string reason;
+  EXPECT_EQ(framesOfTake(nativeFileSystem(), take, 2, reason), 4 * kBlock);
 }
 
 TEST_F(Recording, KeepsTheFileThatCannotBeImported) {

@@ -85,6 +85,17 @@ TEST_F(Recovery, BringsBackWhatWasChanged) {
   EXPECT_EQ(offerRecovery(*app).size(), 1u) << "it is not safe before it was saved";
 }
 
+TEST_F(Recovery, BringsBackTheLongestSamples) {
+  CWave& wave = changedDocument().wave();
+  wave.setBitsPerSample(64);
+  wave.setFormatTag(kFormatFloat);
+  app->secureDocuments();
+  start();
+  const auto documents = offerRecovery(*app);
+  ASSERT_EQ(documents.size(), 1u);
+  EXPECT_EQ(documents[0]->wave().bitsPerSample(), 64);
+}
+
 TEST_F(Recovery, LeavesNothingOfDocumentsInOrder) {
   CPlumettaDoc& doc = changedDocument();
   app->secureDocuments();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "support/playback_deck.h"
 #include "support/waves.h"
 
@@ -164,6 +166,39 @@ TEST_F(Engine, RackAndWidgetsRunBetweenPlaysButNotWithoutADocument) {
   deck.engine.setWidget(0, nullptr);
   deck.pull(4);
   EXPECT_EQ(rack.blocks + first.blocks, 4);
+}
+
+// Given up while it is in the rack, as a plug-in that hangs and comes back later.
+class LateRack : public Ear {
+ public:
+  void process(float** channels, int channelCount, int frames) noexcept override {
+    Ear::process(channels, channelCount, frames);
+    engine->abandonCallback();
+    engine->setBuffers(newBuffers);
+  }
+  PlaybackEngine* engine = nullptr;
+  std::array<float*, kMaxOutputChannels> newBuffers{};
+};
+
+TEST_F(Engine, ACallbackThatWasLeftBehindTouchesNothingOfTheNext) {
+  Tape tape(2, 8);
+  Ear widget;
+  LateRack rack;
+  std::vector<float> room(PlaybackDeck::kMostFrames, 1.0f);
+  rack.engine = &deck.engine;
+  rack.newBuffers.fill(room.data());
+  deck.engine.setRack(&rack);
+  deck.engine.setWidget(0, &widget);
+  controls.rackEnabled = true;
+  controls.generalVolume = 0.5f;
+  deck.transport.play(&tape);
+  std::array<float*, kMaxOutputChannels> channels{};
+  int frames = 4, channelCount = 2;
+  PlaybackEngine::callback(&deck.engine, channels.data(), &frames, &channelCount);
+  EXPECT_EQ(rack.blocks, 1);
+  EXPECT_EQ(widget.blocks, 0);
+  EXPECT_EQ(room[0], 1.0f);
+  EXPECT_EQ(channels[1][3], 0.0f) << "nothing sounds that the volume has not been applied to";
 }
 
 TEST_F(Engine, WindingMovesOnTopOfPlaying) {

@@ -78,7 +78,7 @@ TEST_F(BatchTest, AStopFinishesTheFilesInWorkAndNoOthers) {
 // Works until it is told to stop, or fails at once.
 class SlowChain : public ChainProcessor {
  public:
-  bool hasActivePlugin() const override { return true; }
+  int activePlugins() const override { return 1; }
   std::vector<std::string> takeFaultTexts() override { return {}; }
   ChainResult applyTo(CWave& wave, AudioLock&, int64_t start, int64_t end,
                       const WaveProgress& progress) override {

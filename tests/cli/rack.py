@@ -77,6 +77,19 @@ class Rack(unittest.TestCase):
             self.assertEqual(len(errors), 1, errors)
             self.assertIn("Test misbehaving does not answer", errors[0])
 
+    def test_a_batch_makes_nothing_of_a_chain_that_has_lost_one(self):
+        folder = pathlib.Path(self.folder.name)
+        (folder / "in").mkdir()
+        ones = ["new", "44100", "1", "16", "3000", "quick", "29"]
+        self.edit(*ones, "save", "in/a.wav", "save", "in/b.wav", "rack-add", plugin("gain"), "rack-add",
+                  plugin("misbehaving"), "rack-save", "two.sor", "rack-remove", "0", "rack-save", "one.sor")
+        for chain in ("one.sor", "two.sor"):
+            ran = subprocess.run([*PROGRAM, "--home", "home", "batch", "VST Chain", "in", "out", "--chain", chain],
+                                 cwd=folder, env={**os.environ, "PLUMETTA_TEST_FAULT": "hang-process"},
+                                 capture_output=True, text=True, timeout=60)
+            self.assertEqual(ran.stdout.count("Unable to apply the function"), 2, ran.stdout)
+            self.assertEqual(list((folder / "out").iterdir()), [])
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

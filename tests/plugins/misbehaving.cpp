@@ -28,12 +28,14 @@ enum Fault {
   kHangProcess,  // until letGo() is called
   kCrashClose,
   kThrowProcess,
+  kUpdatesItself,  // asks to be redrawn whenever it is
 };
 
 constexpr const char* kFaults[] = {"none",          "null",         "wrong-magic", "no-dispatcher",
                                    "asks-early",    "nan",          "lies",        "long-names",
                                    "slow",          "crash-entry",  "hang-entry",  "crash-open",
-                                   "crash-process", "hang-process", "crash-close", "throw-process"};
+                                   "crash-process", "hang-process", "crash-close", "throw-process",
+                                   "updates-itself"};
 
 Fault chosenFault() {
   const char* name = std::getenv("PLUMETTA_TEST_FAULT");
@@ -107,6 +109,7 @@ class Misbehaving : public TestPlugin {
   intptr_t call(int32_t opcode, int32_t index, intptr_t value, void* pointer, float number) override {
     if (fault_ == kCrashOpen && opcode == effOpen) crash();
     if (fault_ == kCrashClose && opcode == effClose) crash();
+    if (fault_ == kUpdatesItself && opcode == effEditIdle) askHost(audioMasterUpdateDisplay);
     return TestPlugin::call(opcode, index, value, pointer, number);
   }
 

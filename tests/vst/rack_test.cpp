@@ -267,6 +267,24 @@ TEST_F(RackTest, ClosesOneThatHangsInPlaying) {
   audio.join();
 }
 
+TEST_F(RackTest, WritesNoSilenceForOneThatHangsInPlaying) {
+  std::atomic<bool> done{false};
+  Hanging hanging;
+  add("misbehaving");
+  std::thread audio([&] {
+    while (!done) play(2, 1.0f);
+  });
+  while (host.beginProcessing(0) != nullptr) host.endProcessing(0);  // until the thread is in it
+  const auto wave = countingWave(2, 5000);
+  EXPECT_EQ(apply(*wave), ChainResult::failed);
+  EXPECT_EQ(wave->sample(1000, 0), 1000.0f);
+  EXPECT_EQ(apply(*wave), ChainResult::done) << "nobody is left";
+  EXPECT_EQ(wave->sample(1000, 0), 1000.0f);
+  done = true;
+  hanging.end();
+  audio.join();
+}
+
 // ---- Against the audio thread ---------------------------------------------------------------------------
 
 TEST_F(RackTest, ChangesWhilePlaying) {

@@ -189,6 +189,17 @@ TEST(VstHost, BearsLongTextsAndLies) {
   EXPECT_EQ(liar.programCount(), 0);
 }
 
+TEST(VstHost, RedrawsNobodyWithoutEnd) {
+  VstHost host;
+  chooseFault("updates-itself");
+  ASSERT_EQ(host.open(testPlugin("misbehaving")), 0);
+  takeJournal("misbehaving");
+  for (int i = 0; i < 2; ++i) {
+    host.plugin(0)->dispatch(effEditIdle);
+    EXPECT_EQ(takeJournal("misbehaving"), "19 19") << "told, and once more when it asks for it";
+  }
+}
+
 TEST(VstHost, RelativePathsStayThePersons) {
   VstHost host;
   const std::string before = absolutePath("take.wav");
