@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/application.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "app/updates.h"
 #include "app/with_reason.h"
@@ -71,9 +71,9 @@ void Application::setUpPlugins() {
 void Application::watchSound() {
   output_->watch();
   const auto faults = vstHost_->takeFaults();
-  const bool hung = std::any_of(faults.begin(), faults.end(),
-                                [](const PluginFault& fault) { return fault.kind == PluginFault::hangs; });
-  if (hung) output_->abandon();
+  // Told here, or by a command that has met it first.
+  const int abandoned = vstHost_->abandonedPlugins();
+  if (std::exchange(abandonedPlugins_, abandoned) != abandoned) output_->abandon();
   if (faults.empty()) return;
   std::string text;
   for (const PluginFault& fault : faults) text += (text.empty() ? "" : "\n") + fault.text();

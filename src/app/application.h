@@ -129,6 +129,7 @@ class Application {
   std::unique_ptr<Transport> transport_;
   std::unique_ptr<PlaybackEngine> playbackEngine_;
   std::unique_ptr<OutputDevice> output_;  // stops before the documents go
+  int abandonedPlugins_ = 0;              // of which the output knows
   MidiRemote midi_;
 };
 

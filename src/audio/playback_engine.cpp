@@ -211,8 +211,8 @@ void PlaybackEngine::runRack(float** channels, int channelCount, int frames) noe
   rack->process(channels, channelCount, frames);
 }
 
-// Left behind in the rack: widgets, volume and place are the next callback's by now, and so are the buffers but
-// for those that are being filled.
+// Left behind in the rack: widgets, volume and place are the next callback's by now, and so are the buffers
+// but for those that are being filled.
 void PlaybackEngine::silence(float** channels, int channelCount, int frames) noexcept {
   for (int c = 0; c < channelCount; ++c) std::fill_n(channels[c], frames, 0.0f);
 }

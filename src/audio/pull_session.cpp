@@ -53,6 +53,13 @@ PullSession::PullSession(WaveOutSystem& system, PollTimer& timer, const Paramete
   }
 }
 
+PullSession::~PullSession() {
+  if (device_ == nullptr || closed_) return;
+  close();
+  // Buffers that even now aren't given back stay for good: the device might still read them.
+  if (!closed_) new std::vector<Slot>(std::move(slots_));
+}
+
 int PullSession::open() { return system_.open(parameters_.deviceIndex, parameters_.format, device_); }
 
 void PullSession::run() noexcept {

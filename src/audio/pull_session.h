@@ -39,6 +39,10 @@ class PullSession {
   };
 
   PullSession(WaveOutSystem& system, PollTimer& timer, const Parameters& parameters);
+  // Closes a device that nobody has closed: the thread was left behind, and goes last.
+  ~PullSession();
+  PullSession(const PullSession&) = delete;
+  PullSession& operator=(const PullSession&) = delete;
 
   // 0 or the platform's error, as do close() and error().
   int open();

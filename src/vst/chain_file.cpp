@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "platform/paths.h"
 #include "platform/plugin_folders.h"
 #include "platform/replace_file.h"
 #include "vst/byte_fields.h"
@@ -144,7 +145,9 @@ void applyTo(VstPlugin& plugin, const ChainPlugin& stored) {
 
 bool place(Rack& rack, const ChainPlugin& stored) {
   VstHost& host = rack.host();
-  const int slot = stored.slot < 0 ? host.open(stored.path) : host.openAt(stored.path, stored.slot);
+  // A name alone would be looked for wherever the system keeps libraries.
+  const std::string path = absolutePath(stored.path);
+  const int slot = stored.slot < 0 ? host.open(path) : host.openAt(path, stored.slot);
   if (slot < 0) return false;
   applyTo(*host.plugin(slot), stored);  // before it is heard
   rack.remove(stored.position);         // the later of two records for one position counts

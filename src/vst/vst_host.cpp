@@ -263,7 +263,7 @@ void VstHost::endProcessing(int slot) noexcept { gates_[at(slot)].state &= ~unsi
 void VstHost::noteNotANumber(int slot) noexcept { gates_[at(slot)].notANumber.store(true, kRelaxed); }
 
 void VstHost::giveUp(int slot) noexcept {
-  abandoned_ = true;
+  if (!isGivenUp(slot)) ++abandoned_;
   gates_[at(slot)].state |= kGateGivenUp;
 }
 

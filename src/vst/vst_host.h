@@ -57,7 +57,9 @@ class VstHost {
   // -1 when no slot holds it. Any thread.
   int slotOf(const AEffect* effect) const noexcept;
   // A plug-in has been given up: a thread may be in it for ever, so that whatever that reaches has to stay.
-  bool hasAbandoned() const noexcept { return abandoned_; }
+  bool hasAbandoned() const noexcept { return abandoned_ > 0; }
+  // How many so far.
+  int abandonedPlugins() const noexcept { return abandoned_; }
 
   // ---- What plug-ins hear -------------------------------------------------------------------------------
   // Any thread may ask for these.
@@ -135,7 +137,7 @@ class VstHost {
   std::array<Gate, kSlots> gates_;
   std::mutex watch_;                 // over what the gates remember of being watched, and the faults
   std::vector<PluginFault> faults_;  // of plug-ins that have gone
-  std::atomic<bool> abandoned_{false};
+  std::atomic<int> abandoned_{0};
   bool lastPlaying_ = false;  // audio thread
 };
 

@@ -31,11 +31,10 @@ enum Fault {
   kUpdatesItself,  // asks to be redrawn whenever it is
 };
 
-constexpr const char* kFaults[] = {"none",          "null",         "wrong-magic", "no-dispatcher",
-                                   "asks-early",    "nan",          "lies",        "long-names",
-                                   "slow",          "crash-entry",  "hang-entry",  "crash-open",
-                                   "crash-process", "hang-process", "crash-close", "throw-process",
-                                   "updates-itself"};
+constexpr const char* kFaults[] = {
+    "none",          "null",         "wrong-magic", "no-dispatcher", "asks-early",    "nan",
+    "lies",          "long-names",   "slow",        "crash-entry",   "hang-entry",    "crash-open",
+    "crash-process", "hang-process", "crash-close", "throw-process", "updates-itself"};
 
 Fault chosenFault() {
   const char* name = std::getenv("PLUMETTA_TEST_FAULT");

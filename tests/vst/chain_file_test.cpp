@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 
+#include "platform/current_folder.h"
 #include "support/failing_file_system.h"
 #include "support/temporary_folder.h"
 #include "support/test_plugins.h"
@@ -125,12 +127,15 @@ TEST(ChainFile, RestoresWhatCanBeLoaded) {
   Rack rack(host);
   const std::string missing = testPlugin("no_such_plugin");
   const std::string server = "//server/share/gain.so";
+  const std::string relative =
+      std::filesystem::path(testPlugin("gain")).lexically_relative(startFolder()).string();
   const float nothing = std::nanf("");
   const auto bytes = currentFile({{0, 0, 0, missing, {1, 2, 3}, "state"},
                                   {3, 0, 0, testPlugin("delay"), {}, delayState(7)},
                                   {9, 0, 7, testPlugin("gain"), {0.5f, nothing}, ""},
                                   {255, 3, 0, testPlugin("bank"), {0.5f, nothing}, ""},
                                   {4, 0, 0, server, {}, ""},
+                                  {5, 0, 0, relative, {}, ""},
                                   {3, 0, 0, testPlugin("gain"), {0.125f}, ""}});
   Chain chain;
   ASSERT_TRUE(parseChain(bytes, chainFormOf(bytes), chain));
@@ -138,6 +143,7 @@ TEST(ChainFile, RestoresWhatCanBeLoaded) {
   EXPECT_EQ(restoration.notLoaded, std::vector{missing});
   EXPECT_EQ(restoration.onNetwork, std::vector{server});
   EXPECT_EQ(rack.pluginAt(3)->parameter(0), 0.125f) << "the later of two for one position counts";
+  EXPECT_NE(rack.pluginAt(5), nullptr) << "from where the person is";
   EXPECT_TRUE(rack.isMuted(9));
   EXPECT_EQ(rack.pluginAt(255)->programName(), "Preset D");
   EXPECT_EQ(rack.pluginAt(255)->parameter(1), 0.625f) << "no number leaves what the program has";
