@@ -189,7 +189,8 @@ wxString DocumentPanel::statusLength() const {
   const int32_t frames = view_.doc.wave().frames();
   const std::string time = view_.positionText(frames);
   const std::string count = formatCount(frames);
-  return fromUtf8(time == count ? count + " frames" : time + " (" + count + " frames)");
+  const std::string counted = count + (frames == 1 ? " frame" : " frames");
+  return fromUtf8(time == count ? counted : time + " (" + counted + ")");
 }
 
 wxString DocumentPanel::statusCursor() const { return fromUtf8(view_.positionText(view_.doc.view().cursor)); }

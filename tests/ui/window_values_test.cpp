@@ -3,13 +3,19 @@
 #include <gtest/gtest.h>
 #include <wx/accel.h>
 
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
 #include "app/key_press.h"
 #include "platform/file_system.h"
 #include "platform/private_profile.h"
+#include "support/loose_document.h"
 #include "support/recording_prompter.h"
 #include "support/temporary_folder.h"
 #include "ui/dock_layout.h"
 #include "ui/file_filters.h"
+#include "ui/file_stamps.h"
 #include "ui/level_colours.h"
 #include "ui/number_text.h"
 #include "ui/recent_files.h"
@@ -189,6 +195,27 @@ TEST_F(Profile, AFailedWriteIsToldOnce) {
   profile.setInteger("Window", "Y", 2);
   ASSERT_EQ(prompter.messages.size(), 1u);
   EXPECT_TRUE(prompter.messages[0].starts_with("Unable to write ")) << prompter.messages[0];
+}
+
+TEST(FileStamps, KnowAnotherFileOfTheSameName) {
+  const TemporaryFolder folder;
+  const std::string path = folder.file("a.wav");
+  LooseDocument held(1, 4);
+  held.doc.wave().setFileName(path);
+  FileStamps stamps;
+  std::ofstream(path) << "read";
+  EXPECT_FALSE(stamps.changed(held.doc));
+  stamps.take(held.doc);
+  EXPECT_FALSE(stamps.changed(held.doc));
+  std::ofstream(path) << "longer now";
+  EXPECT_TRUE(stamps.changed(held.doc));
+  stamps.take(held.doc);
+  EXPECT_FALSE(stamps.changed(held.doc));
+  std::filesystem::last_write_time(path,
+                                   std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+  EXPECT_TRUE(stamps.changed(held.doc));
+  std::filesystem::remove(path);
+  EXPECT_FALSE(stamps.changed(held.doc));
 }
 
 }  // namespace
