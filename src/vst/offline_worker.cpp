@@ -31,12 +31,16 @@ void OfflineWorker::serve(const std::shared_ptr<Shared>& shared) {
   }
 }
 
-bool OfflineWorker::run(Work work, const std::function<bool()>& goOn) {
-  constexpr std::chrono::milliseconds kLook{100};
-  std::unique_lock held(shared_->mutex);
+void OfflineWorker::begin(Work work) {
+  const std::lock_guard held(shared_->mutex);
   shared_->work = std::move(work);
   shared_->busy = true;
   shared_->changed.notify_all();
+}
+
+bool OfflineWorker::finish(const std::function<bool()>& goOn) {
+  constexpr std::chrono::milliseconds kLook{100};
+  std::unique_lock held(shared_->mutex);
   while (!shared_->changed.wait_for(held, kLook, [&] { return !shared_->busy; })) {
     held.unlock();
     const bool patient = goOn();

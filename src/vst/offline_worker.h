@@ -22,9 +22,15 @@ class OfflineWorker {
   OfflineWorker(const OfflineWorker&) = delete;
   OfflineWorker& operator=(const OfflineWorker&) = delete;
 
-  // What the work answers. While it runs, `goOn` is asked several times a second; when that says no, the
-  // answer is false and the work is left to itself: nothing more may be run then.
-  bool run(Work work, const std::function<bool()>& goOn);
+  // Begins a piece of work; the one before has been waited for.
+  void begin(Work work);
+  // Waits for the work that has begun: what it answers. While it runs, `goOn` is asked several times a second;
+  // when that says no, the answer is false and the work is left to itself: nothing more may be begun then.
+  bool finish(const std::function<bool()>& goOn);
+  bool run(Work work, const std::function<bool()>& goOn) {
+    begin(std::move(work));
+    return finish(goOn);
+  }
 
  private:
   struct Shared {

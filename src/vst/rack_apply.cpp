@@ -26,22 +26,29 @@ FrameSpan framesToProcess(const CWave& wave, int64_t start, int64_t end) {
   return {first, std::max<int64_t>(beyond - first, 0)};
 }
 
-// A stretch of samples on its way through the chain, with all that a plug-in may reach. Outlives whoever made
-// it when a plug-in never comes back.
+// A stretch of samples on its way through the chain.
 struct Stretch {
-  PinBuffers inputs{Rack::kBufferFrames}, outputs{Rack::kBufferFrames};
   std::vector<float> samples;
-  std::array<bool, kMaxChannels> channelFlags;
-  int channels;
-  int64_t frames = 0;
+  int64_t first = 0, frames = 0;
+
+  int64_t end() const { return first + frames; }
 };
 
-bool passThrough(Rack& rack, Stretch& stretch) {
+// All that a plug-in may reach. Outlives whoever made it when a plug-in never comes back.
+struct Desk {
+  PinBuffers inputs{Rack::kBufferFrames}, outputs{Rack::kBufferFrames};
+  std::array<bool, kMaxChannels> channelFlags;
+  int channels;
+  // One is in the plug-ins while the one before is put back and the next is fetched.
+  std::array<Stretch, 2> stretches;
+};
+
+bool passThrough(Rack& rack, Desk& desk, Stretch& stretch) {
   for (int64_t done = 0; done < stretch.frames; done += kBlock) {
     const auto frames = static_cast<int>(std::min<int64_t>(kBlock, stretch.frames - done));
-    float* samples = stretch.samples.data() + done * stretch.channels;
-    if (!rack.processInterleaved(stretch.inputs, stretch.outputs, samples, frames, stretch.channels,
-                                 stretch.channelFlags)) {
+    float* samples = stretch.samples.data() + done * desk.channels;
+    if (!rack.processInterleaved(desk.inputs, desk.outputs, samples, frames, desk.channels,
+                                 desk.channelFlags)) {
       return false;
     }
   }
@@ -73,36 +80,52 @@ class ChainPass {
  public:
   ChainPass(Rack& rack, CWave& wave, AudioLock& lock, std::function<bool()> patient)
       : rack_(rack), wave_(wave), lock_(lock), patient_(std::move(patient)), size_(wave.channels()) {
-    stretch_->channels = wave.channels();
-    stretch_->channelFlags.fill(true);
+    desk_->channels = wave.channels();
+    desk_->channelFlags.fill(true);
   }
 
   ChainResult run(FrameSpan span, const WaveProgress& progress) {
-    const int64_t fullBlocks = span.length / kBlock;
-    int64_t told = 0;
-    for (int64_t done = 0; done < span.length; done += stretch_->frames) {
-      stretch_->frames = std::min(size_.frames(), span.length - done);
-      if (!runStretch(span.first + done)) return ChainResult::failed;
-      for (; told < (done + stretch_->frames) / kBlock; ++told) {
+    const int64_t end = span.first + span.length, fullBlocks = span.length / kBlock;
+    Stretch *now = &desk_->stretches[0], *next = &desk_->stretches[1];
+    fetch(*now, span.first, end);
+    begin(*now);
+    for (int64_t told = 0;; std::swap(now, next)) {
+      fetch(*next, now->end(), end);
+      if (!finish()) return ChainResult::failed;
+      if (next->frames > 0) begin(*next);
+      putBack(*now);
+      for (; told < (now->end() - span.first) / kBlock; ++told) {
         const float fraction = static_cast<float>(told) / static_cast<float>(fullBlocks);
-        if (!progress.report(fraction)) return ChainResult::cancelled;
+        if (progress.report(fraction)) continue;
+        return next->frames == 0 || finish() ? ChainResult::cancelled : ChainResult::failed;
       }
+      if (next->frames == 0) return ChainResult::done;
     }
-    return ChainResult::done;
   }
 
  private:
-  bool runStretch(int64_t first) {
-    float* samples = wave_.samples() + first * wave_.channels();
-    const int64_t count = stretch_->frames * wave_.channels();
-    stretch_->samples.assign(samples, samples + count);
-    const auto begun = std::chrono::steady_clock::now();
-    const auto work = [rack = &rack_, stretch = stretch_] { return passThrough(*rack, *stretch); };
-    if (!worker_.run(work, patient_)) return false;
-    size_.took(std::chrono::steady_clock::now() - begun);
-    const AudioLockHeld held(lock_);
-    std::copy_n(stretch_->samples.data(), count, samples);
+  void fetch(Stretch& stretch, int64_t first, int64_t end) {
+    stretch.first = first;
+    stretch.frames = std::min(size_.frames(), end - first);
+    const float* samples = wave_.samples() + first * wave_.channels();
+    stretch.samples.assign(samples, samples + stretch.frames * wave_.channels());
+  }
+
+  void begin(Stretch& stretch) {
+    begun_ = std::chrono::steady_clock::now();
+    worker_.begin([rack = &rack_, desk = desk_, &stretch] { return passThrough(*rack, *desk, stretch); });
+  }
+
+  bool finish() {
+    if (!worker_.finish(patient_)) return false;
+    size_.took(std::chrono::steady_clock::now() - begun_);
     return true;
+  }
+
+  void putBack(const Stretch& stretch) {
+    const AudioLockHeld held(lock_);
+    std::copy(stretch.samples.begin(), stretch.samples.end(),
+              wave_.samples() + stretch.first * wave_.channels());
   }
 
   Rack& rack_;
@@ -110,7 +133,8 @@ class ChainPass {
   AudioLock& lock_;
   const std::function<bool()> patient_;
   StretchLength size_;
-  std::shared_ptr<Stretch> stretch_ = std::make_shared<Stretch>();
+  std::shared_ptr<Desk> desk_ = std::make_shared<Desk>();
+  std::chrono::steady_clock::time_point begun_;
   OfflineWorker worker_;
 };
 
