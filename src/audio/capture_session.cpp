@@ -33,6 +33,13 @@ CaptureSession::CaptureSession(WaveInSystem& system, PollTimer& timer, const Par
   }
 }
 
+CaptureSession::~CaptureSession() {
+  if (closed_) return;
+  close();
+  // Buffers that even now aren't given back stay for good: the device might still write to them.
+  if (!closed_) new std::vector<std::unique_ptr<Buffer>>(std::move(buffers_));
+}
+
 int CaptureSession::open(int deviceIndex) {
   const int error = system_.open(deviceIndex, parameters_.format, onData, this, device_);
   closed_ = error != 0;

@@ -37,6 +37,10 @@ class CaptureSession {
   };
 
   CaptureSession(WaveInSystem& system, PollTimer& timer, const Parameters& parameters);
+  // Closes a device that nobody has closed: the thread was left behind, and goes last.
+  ~CaptureSession();
+  CaptureSession(const CaptureSession&) = delete;
+  CaptureSession& operator=(const CaptureSession&) = delete;
 
   // 0 or the platform's error, as do start() and close().
   int open(int deviceIndex);

@@ -186,8 +186,8 @@ TransferResult transfer(const TransferRequest& request, const TransferSink& sink
   if (const std::string problem = addressProblem(request.address, request.schemes); !problem.empty()) {
     return failure(problem);
   }
-  CurlHandles curl;
   Transfer own{request, sink, state};
+  CurlHandles curl;  // ends first: its end may still call back
   if (curl.ready()) configure(curl, own);
   if (!curl.ready() || !curl.start()) return failure("The network can't be used.");
   const auto begun = Clock::now();

@@ -24,8 +24,9 @@ class OfflineWorker {
 
   // Begins a piece of work; the one before has been waited for.
   void begin(Work work);
-  // Waits for the work that has begun: what it answers. While it runs, `goOn` is asked several times a second;
-  // when that says no, the answer is false and the work is left to itself: nothing more may be begun then.
+  // Waits for the work that has begun: what it answers. While it runs, `goOn` is asked several times a
+  // second; when that says no, the answer is false and the work is left to itself: nothing more may be begun
+  // then.
   bool finish(const std::function<bool()>& goOn);
   bool run(Work work, const std::function<bool()>& goOn) {
     begin(std::move(work));

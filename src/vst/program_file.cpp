@@ -150,7 +150,7 @@ ProgramLoad loadBank(VstPlugin& plugin, std::span<const uint8_t> content) {
   if (head.form != kBankOfPrograms) return ProgramLoad::loaded;
   for (int program = 0; program < head.count; ++program) {
     plugin.selectProgram(program);
-    readProgram(in, plugin);  // one that is damaged costs no other
+    readProgram(in, plugin);  // whatever comes of it, the others are tried
   }
   return ProgramLoad::loaded;
 }
