@@ -60,6 +60,7 @@ MainFrame::MainFrame(Application& app, WindowPrompter& prompter)
       updates_(app, prompter),
       menus_(*this, [this] { return !prompter_.working(); }),
       place_(*this, profile_),
+      focusRound_(*this, [this] { return parts(); }),
       editors_(*this, app.rack()) {
   SetIcons(programIcons());
   pages_->AddPage(startPage_, wxString());
@@ -254,6 +255,14 @@ void MainFrame::showStatus() {
   SetStatusText(panel != nullptr ? panel->statusLength() : wxString(), StatusLine::kLength);
   SetStatusText(panel != nullptr ? panel->statusCursor() : wxString(), StatusLine::kCursor);
   SetStatusText(panel != nullptr ? panel->statusSelection() : wxString(), StatusLine::kSelection);
+}
+
+std::vector<wxWindow*> MainFrame::parts() const {
+  std::vector<wxWindow*> parts;
+  if (DocumentPanel* panel = tabs_->activePanel()) parts.push_back(panel);
+  if (history_->IsShownOnScreen()) parts.push_back(history_);
+  if (transportBar_->IsShownOnScreen()) parts.push_back(&transportBar_->volume());
+  return parts;
 }
 
 // ---- History --------------------------------------------------------------------------------------------

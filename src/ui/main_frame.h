@@ -14,6 +14,7 @@
 #include "ui/action_menus.h"
 #include "ui/document_tabs.h"
 #include "ui/file_commands.h"
+#include "ui/focus_round.h"
 #include "ui/history_pane.h"
 #include "ui/live_displays.h"
 #include "ui/rack_dialog.h"
@@ -90,6 +91,8 @@ class MainFrame : public wxFrame {
   // Remote control and media keys (remote_actions.cpp).
   void startRemote();
   void onRemote(RemoteCommand command);
+  // Those that take keys: the document in front, the history, the volume.
+  std::vector<wxWindow*> parts() const;
   void onMediaKey(wxKeyEvent& event);
   void scaleSelection(CPlumettaDoc& doc, double factor);
   // To the next marker, or the one before, of the cursor.
@@ -149,6 +152,7 @@ class MainFrame : public wxFrame {
   Shortcuts shortcuts_{{}};               // of the menus, once these are built
   std::vector<std::string> keyProblems_;  // of the file of shortcuts, until they have been told
   WindowPlace place_;
+  FocusRound focusRound_;
   PluginEditors editors_;
   wxColour toolColour_;
   wxTimer copyTimer_;

@@ -37,6 +37,7 @@ class TransportBar : public wxToolBar {
   void follow(bool marked);
   // The keys of actions have changed.
   void showKeys();
+  VolumeSlider& volume() { return *volume_; }
 
  private:
   void showIcons();

@@ -91,9 +91,6 @@ void WaveformCanvas::onKey(wxKeyEvent& event) {
     case WXK_ESCAPE:
       if (cancelDrag()) return;
       break;
-    case WXK_TAB:
-      Navigate(event.ShiftDown() ? wxNavigationKeyEvent::IsBackward : wxNavigationKeyEvent::IsForward);
-      return;
     default:
       break;
   }
