@@ -111,6 +111,7 @@ std::string reservedFor(const KeyPress& press) {
   const bool held = press.ctrl || press.alt;
   if (press.key == "Esc") return "Esc ends what is under way and closes dialogs.";
   if (!held && press.key == "Tab") return "Tab goes from one control to the next.";
+  if (!held && press.key == "F6") return "F6 goes from one part of the window to the next.";
   if (!held && (press.key == "Enter" || press.key == "KP_Enter")) return "Enter chooses what has the focus.";
   if (!held && std::ranges::find(kMoving, press.key) != std::end(kMoving)) {
     return "This key moves the cursor in the waveform.";

@@ -57,10 +57,10 @@ TEST(KeyPress, IsReadInAnySpellingAndWrittenInOne) {
 
 TEST(Shortcuts, ReservedKeysAreForTheirDefaultsAlone) {
   const Shortcuts shortcuts = fewActions();
-  for (const char* key : {"Esc", "Tab", "Enter", "Left", "Shift+Home", "Alt+F", "Alt+F4", "nonsense"}) {
+  for (const char* key : {"Esc", "Tab", "F6", "Enter", "Left", "Shift+Home", "Alt+F", "Alt+F4", "nonsense"}) {
     EXPECT_FALSE(shortcuts.refusal(*shortcuts.find("copy"), key).empty()) << key;
   }
-  for (const char* key : {"", " ", "M", "Ctrl+Home", "Ctrl+Tab", "Alt+Shift+F", "Space"}) {
+  for (const char* key : {"", " ", "M", "Ctrl+Home", "Ctrl+Tab", "Ctrl+F6", "Alt+Shift+F", "Space"}) {
     EXPECT_TRUE(shortcuts.refusal(*shortcuts.find("copy"), key).empty()) << key;
   }
   EXPECT_TRUE(shortcuts.refusal(*shortcuts.find("stop"), "escape").empty());
