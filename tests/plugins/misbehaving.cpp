@@ -59,7 +59,8 @@ void crash() {
 }
 
 void hang() {
-  thread_local const Guest guest;
+  // With its room made when the thread begins: a leak checker loses its way in what a library adds later.
+  [[gnu::tls_model("initial-exec")]] thread_local const Guest guest;
   while (!released) std::this_thread::sleep_for(std::chrono::milliseconds(5));
 }
 
