@@ -43,7 +43,7 @@ asked() { xdotool search --onlyvisible --name "Save changes" >/dev/null 2>&1; }
 pasted() { xdotool search --onlyvisible --name "paste from clipboard" >/dev/null 2>&1; }
 
 # A menu that opens late misses its key.
-paste() { xdotool key Escape key Escape key alt+e sleep 1 key m && within 10 pasted; }
+paste() { xdotool key Escape key Escape key alt+e sleep 1 key y && within 10 pasted; }
 
 exchange_audio() {
   cp "$probe" "$folder/probe.exe"
