@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
 
 namespace plumetta {
 namespace {
@@ -71,6 +72,24 @@ std::optional<CafAlac> CafAlac::of(InputStream& in) {
   alac.sound = findChunk(in, "data");
   alac.packetTable = findChunk(in, "pakt");
   return alac;
+}
+
+bool CafAlac::hasTableOfNoSize(InputStream& in) {
+  constexpr size_t kChunkHead = 12, kLowSize = 8;
+  std::vector<uint8_t> block(size_t{1} << 16);
+  in.seek(kFormat);
+  if (in.read(block.data(), 4) != 4 || text(block.data(), 4) != "alac") return false;
+  size_t kept = 0;  // of the block before: a head may lie across
+  while (const size_t more = in.read(block.data() + kept, block.size() - kept)) {
+    const std::string_view seen = text(block.data(), kept + more);
+    for (size_t at = seen.find("pakt"); at != seen.npos && at + kChunkHead <= seen.size();
+         at = seen.find("pakt", at + 1)) {
+      if (big(block.data() + at + kLowSize, 4) == 0) return true;
+    }
+    kept = std::min(kChunkHead - 1, seen.size());
+    std::copy_n(block.data() + seen.size() - kept, kept, block.data());
+  }
+  return false;
 }
 
 }  // namespace plumetta

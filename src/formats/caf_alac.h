@@ -27,6 +27,9 @@ struct CafAlac {
 
   // Nothing of a file that is no CAF, holds no ALAC, or none of a depth that there is.
   static std::optional<CafAlac> of(InputStream& in);
+  // Of any file: ALAC with a packet table whose size ends in 32 bits of 0, by which libsndfile would divide.
+  // Looked for wherever it may stand, since chunks of absurd sizes are passed over in another way there.
+  static bool hasTableOfNoSize(InputStream& in);
 };
 
 }  // namespace plumetta

@@ -33,11 +33,6 @@ void orderAsWav(CWave& wave) {
   }
 }
 
-std::optional<CafAlac> alacOf(File& file) {
-  InputStream in(file);
-  return CafAlac::of(in);
-}
-
 LoadResult loadAlac(File& file, const CafAlac& alac, CWave& wave) {
   std::optional<FileView::Correction> correction;
   if (alac.isDepthMissing) correction = {CafAlac::kDepthNumberAt, alac.depthNumber};
@@ -55,7 +50,10 @@ LoadResult loadCaf(FileSystem& files, const std::string& path, const OpenOptions
   std::error_code error;
   const auto file = files.openForReading(path, error);
   if (!file) return LoadResult::failure(error.message());
-  const auto alac = alacOf(*file);
+  InputStream in(*file);
+  if (CafAlac::hasTableOfNoSize(in))
+    return LoadResult::failure("This CAF file is damaged: its packet table has no size.");
+  const auto alac = CafAlac::of(in);
   FileView whole(*file, 0);
   LoadResult result = alac ? loadAlac(*file, *alac, wave) : loadSndfile(kCaf, whole, wave);
   wave.setFileName(path);
