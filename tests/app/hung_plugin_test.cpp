@@ -9,32 +9,12 @@
 #include "app/application.h"
 #include "doc/command.h"
 #include "support/fake_wave_out.h"
+#include "support/hanging_plugin.h"
 #include "support/recording_prompter.h"
 #include "support/temporary_folder.h"
-#include "support/test_plugins.h"
 
 namespace plumetta {
 namespace {
-
-// Hangs until it is let go.
-class Hanging {
- public:
-  Hanging() {
-    library_.open(testPlugin("misbehaving"));
-    letGo(false);
-    chooseFault("hang-process");
-  }
-  ~Hanging() {
-    letGo(true);
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));  // those left behind end
-    chooseFault("none");
-  }
-
- private:
-  void letGo(bool go) { library_.function<void(bool)>("letGo")(go); }
-
-  SharedLibrary library_;
-};
 
 void tellOfItBeforeTheOutputIsLeftBehind() {
   TemporaryFolder folder;

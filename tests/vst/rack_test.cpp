@@ -7,6 +7,7 @@
 
 #include "core/audio_lock.h"
 #include "support/forbid_allocation.h"
+#include "support/hanging_plugin.h"
 #include "support/test_plugins.h"
 #include "support/waves.h"
 
@@ -213,27 +214,6 @@ TEST_F(RackTest, BearsOneThatLiesAboutItsChannels) {
 }
 
 // ---- Those that hang ------------------------------------------------------------------------------------
-
-// Hangs for as long as it lives.
-class Hanging {
- public:
-  Hanging() {
-    library_.open(testPlugin("misbehaving"));
-    letGo(false);
-    chooseFault("hang-process");
-  }
-  // Threads that were left behind find what they use as long as they live.
-  ~Hanging() {
-    end();
-    while (library_.function<int()>("hungThreads")() > 0) std::this_thread::yield();
-  }
-  void end() { letGo(true); }
-
- private:
-  void letGo(bool go) { library_.function<void(bool)>("letGo")(go); }
-
-  SharedLibrary library_;
-};
 
 TEST_F(RackTest, GivesUpOneThatHangsOverSamples) {
   const Hanging hanging;
